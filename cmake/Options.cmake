@@ -1,0 +1,13 @@
+# How every target of the project is compiled: link to stk_options.
+add_library(stk_options INTERFACE)
+target_compile_options(stk_options INTERFACE -Wall -Wextra)
+target_include_directories(stk_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
+
+if(STK_SANITIZE)
+  set(flags -fsanitize=${STK_SANITIZE} -fno-omit-frame-pointer)
+  if(STK_SANITIZE MATCHES "undefined")
+    list(APPEND flags -fno-sanitize-recover=undefined)
+  endif()
+  add_compile_options(${flags})
+  add_link_options(${flags})
+endif()

@@ -1,0 +1,16 @@
+#ifndef IBASEINTERFACE_H
+#define IBASEINTERFACE_H
+
+/* What every interface of a plug-in offers.  The host calls through the table of virtual
+ * operations: their order here, and in the other files of this folder, is a binary interface. */
+class IBaseInterface
+{
+public:
+    virtual ~IBaseInterface() {}
+
+    virtual void Release() = 0;
+    /* Error code of the last operation, 0 for none. */
+    virtual int GetLastError() = 0;
+};
+
+#endif

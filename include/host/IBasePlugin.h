@@ -1,0 +1,26 @@
+#ifndef IBASEPLUGIN_H
+#define IBASEPLUGIN_H
+
+#include <QObject>
+#include <QString>
+
+#include "IBaseInterface.h"
+#include "IDestroyEvent.h"
+
+/* Identity and start-up of a plug-in. */
+class IBasePlugin : public IBaseInterface, public IDestroyEvent
+{
+public:
+    virtual bool Init() = 0;
+    virtual int GetPluginType() = 0;
+    virtual QString GetCLSID() = 0;
+    /* High byte major, low byte minor. */
+    virtual int GetVersion() = 0;
+    virtual QString GetPluginName() = 0;
+    virtual bool IsAllowRelease() = 0;
+    virtual int QueryInterface(int iInterface, QObject **ppObject) = 0;
+};
+
+Q_DECLARE_INTERFACE(IBasePlugin, "com.velora.linkassistant.plugin.IBasePlugin")
+
+#endif

@@ -1,0 +1,16 @@
+#ifndef IDESTROYEVENT_H
+#define IDESTROYEVENT_H
+
+/* How the host announces its end to a plug-in. */
+class IDestroyEvent
+{
+public:
+    virtual ~IDestroyEvent() {}
+
+    virtual void OnDestroy() = 0;
+    /* Withdraw every callback from the host's libraries.  Called before the root object is
+     * deleted; no callback may reach the plug-in afterwards. */
+    virtual void UnSDKRegisterEvent() = 0;
+};
+
+#endif

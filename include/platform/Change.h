@@ -1,0 +1,17 @@
+#ifndef CHANGE_H
+#define CHANGE_H
+
+#include <QString>
+
+#include "HostUiGlobal.h"
+
+/* Translation of text identifiers into the host's language. */
+class HOSTUI_API Change
+{
+public:
+    /* The text of the identifier in the context, or the identifier itself where the language has
+     * none. */
+    static QString tr(const QString &id, const QString &context);
+};
+
+#endif
