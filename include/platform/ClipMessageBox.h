@@ -20,7 +20,11 @@ signals:
     void changeSize(QSize size);
 
 protected:
+    void showEvent(QShowEvent *event);
     void resizeEvent(QResizeEvent *event);
+
+private:
+    void showWholeText();
 };
 
 #endif

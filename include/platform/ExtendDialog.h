@@ -25,6 +25,7 @@ public:
     /* The title is plain text: no placeholder in it is expanded. */
     void setWindowTitle(const QString &title);
     void setWindowFlags(Qt::WindowFlags flags);
+    void setVisible(bool visible);
 
 public slots:
     /* The content wants this size, in pixels; the frame grows or shrinks around it. */
@@ -34,6 +35,8 @@ protected:
     void showEvent(QShowEvent *event);
 
 private:
+    void showTitleAsTyped();
+
     QVBoxLayout *m_layout;
     int m_widgetType;
 };

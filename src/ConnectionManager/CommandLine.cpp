@@ -1,0 +1,79 @@
+#include "CommandLine.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+#include "Languages.h"
+
+namespace {
+
+struct OptionRow
+{
+    const char *name;
+    const char *value;
+    const char *description;
+    QString CommandLine::*target;
+};
+
+const OptionRow Options[] = {
+    {"card", "FILE", "Put the simulated card of this scenario into the modem.", &CommandLine::card},
+    {"language", "LL", "Language of the user interface: en, de, fr, es, zh_CN or ar.",
+     &CommandLine::language},
+    {"plugins", "DIR", "Folder that holds STKPlugin/libSTKPlugin.so.", &CommandLine::plugins},
+    {"walkthrough", "FILE", "Play these steps on the windows, then quit.", &CommandLine::walkthrough},
+    {"screenshots", "DIR", "Where the pictures of a walkthrough go.", &CommandLine::screenshots},
+    {"transcript", "FILE", "Write what passes between card and terminal, as JSON Lines.",
+     &CommandLine::transcript},
+    {"trace", "FILE", "Write the trace lines of the plug-in; - is standard error.",
+     &CommandLine::trace},
+};
+
+QString firstError(const CommandLine &line)
+{
+    if (!line.language.isEmpty() && !Languages::isKnown(line.language)) {
+        return QString("unknown language \"%1\": expected one of %2")
+            .arg(line.language, Languages::codes().join(", "));
+    }
+    if (!line.card.isEmpty() && !QFileInfo::exists(line.card))
+        return line.card + ": no such card scenario";
+    return {};
+}
+
+} // namespace
+
+CommandLine CommandLine::parse(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription("The connection manager of a mobile broadband modem.");
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    for (const OptionRow &row : Options)
+        parser.addOption({row.name, row.description, row.value});
+
+    CommandLine line;
+    if (!parser.parse(arguments)) {
+        line.error = parser.errorText();
+        return line;
+    }
+    if (parser.isSet(help)) {
+        line.information = parser.helpText();
+        return line;
+    }
+    if (parser.isSet(version)) {
+        line.information = "ConnectionManager " + QCoreApplication::applicationVersion() + '\n';
+        return line;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        line.error = QString("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
+        return line;
+    }
+    for (const OptionRow &row : Options) {
+        if (parser.isSet(row.name) && parser.value(row.name).isEmpty()) {
+            line.error = QString("option --%1 needs a %2").arg(row.name, row.value);
+            return line;
+        }
+        line.*row.target = parser.value(row.name);
+    }
+    line.error = firstError(line);
+    return line;
+}

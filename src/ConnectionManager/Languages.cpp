@@ -1,0 +1,78 @@
+#include "Languages.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+#include "HostUi.h"
+#include "platform/Change.h"
+
+namespace {
+
+struct Language
+{
+    const char *code;
+    const char *name;
+};
+
+const Language Known[] = {
+    {"en", "English"}, {"de", "Deutsch"}, {"fr", "Français"},
+    {"es", "Español"}, {"zh_CN", "简体中文"}, {"ar", "العربية"},
+};
+
+// Buttons and menus of Qt's own dialogs.
+void loadQtCatalogue(const QString &code)
+{
+    static QTranslator *catalogue = nullptr;
+    delete catalogue;
+    catalogue = new QTranslator(qApp);
+    if (catalogue->load("qtbase_" + code, QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(catalogue);
+}
+
+} // namespace
+
+QStringList Languages::codes()
+{
+    QStringList all;
+    for (const Language &language : Known)
+        all << language.code;
+    return all;
+}
+
+bool Languages::isKnown(const QString &code)
+{
+    return codes().contains(code);
+}
+
+QString Languages::nativeName(const QString &code)
+{
+    for (const Language &language : Known) {
+        if (code == language.code)
+            return QString::fromUtf8(language.name);
+    }
+    return code;
+}
+
+QString Languages::ofDesktop()
+{
+    const QString locale = QLocale::system().name();
+    for (const QString &code : codes()) {
+        if (locale == code || locale.section('_', 0, 0) == code)
+            return code;
+    }
+    return "en";
+}
+
+bool Languages::apply(const QString &code)
+{
+    loadQtCatalogue(code);
+    QApplication::setLayoutDirection(QLocale(code).textDirection());
+    return HostUi::setLanguage(QCoreApplication::applicationDirPath() + "/../translations", code);
+}
+
+QString Languages::text(const char *id)
+{
+    return Change::tr(id, "ConnectionManager");
+}

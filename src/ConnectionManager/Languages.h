@@ -1,0 +1,29 @@
+#ifndef LANGUAGES_H
+#define LANGUAGES_H
+
+#include <QString>
+#include <QStringList>
+
+/// The languages of the user interface.
+namespace Languages {
+
+/// Codes in the order of the menu: "en", "de", ...
+QStringList codes();
+bool isKnown(const QString &code);
+
+/// The language's name in itself, for a menu that everybody can read.
+QString nativeName(const QString &code);
+
+/// The language of the user's desktop, English where it is none of ours.
+QString ofDesktop();
+
+/// Switches the catalogues of the host, of its plug-ins and of Qt's own dialogs, and the direction
+/// of all layouts.  False when the host's catalogue cannot be read.
+bool apply(const QString &code);
+
+/// The host's text for the identifier, in the current language.
+QString text(const char *id);
+
+} // namespace Languages
+
+#endif

@@ -1,0 +1,342 @@
+#include "MainWindow.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QClipboard>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMenuBar>
+#include <QStatusBar>
+
+#include "Languages.h"
+#include "ModemIcon.h"
+#include "PluginHost.h"
+#include "Transcript.h"
+#include "platform/CommonUtils.h"
+
+using CardHost::ModemState;
+using Languages::text;
+
+namespace {
+
+constexpr int MaxTranscriptLines = 5000;
+constexpr int RefreshInterval = 200; // ms
+constexpr int StateIconSize = 64;
+
+const char *stateId(ModemState state)
+{
+    switch (state) {
+    case ModemState::Removed:
+        return "IDS_CM_STATE_REMOVED";
+    case ModemState::Ready:
+        return "IDS_CM_STATE_READY";
+    case ModemState::Busy:
+        return "IDS_CM_STATE_BUSY";
+    case ModemState::NoCard:
+        break;
+    }
+    return "IDS_CM_STATE_NO_CARD";
+}
+
+bool hasToolkit(ModemState state)
+{
+    return state == ModemState::Ready || state == ModemState::Busy;
+}
+
+// The operator's name as the card's author wrote it, else the file's name.
+QString cardName(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return QFileInfo(fileName).completeBaseName();
+    const QString name = QJsonDocument::fromJson(file.readAll()).object().value("name").toString();
+    return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
+}
+
+} // namespace
+
+MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
+    : m_plugin(plugin)
+{
+    setObjectName("ConnectionManager_MainWindow");
+    setWindowIcon(ModemIcon::simCard());
+    createActions();
+    createMenus();
+    createContent();
+    m_panel = std::make_unique<NetworkPanel>(
+        QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession});
+    m_panel->setWindowIcon(windowIcon());
+    resize(720, 520);
+    connect(&transcript, &Transcript::linesAdded, this, &MainWindow::appendLines);
+    connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
+    m_refreshTimer.start(RefreshInterval);
+}
+
+QString MainWindow::openCard(const QString &file)
+{
+    const QString error = QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
+    m_cardName = error.isEmpty() ? cardName(file) : QString();
+    showError(error);
+    refreshTexts();
+    return error;
+}
+
+void MainWindow::setLanguage(const QString &code)
+{
+    m_language = code;
+    if (!Languages::apply(code))
+        qWarning("The texts of language %s cannot be read", qPrintable(code));
+    retranslate();
+    m_plugin.languageChanged(code);
+}
+
+void MainWindow::showNote(const QString &text)
+{
+    statusBar()->showMessage(text);
+}
+
+void MainWindow::openToolkit()
+{
+    if (m_plugin.isWindowOpen())
+        return;
+    if (!m_plugin.showWindow(this)) {
+        showNote(text("IDS_CM_TOOLKIT_FAILED"));
+        return;
+    }
+    if (!m_panelOffered)
+        m_panel->showBeside(this);
+    m_panelOffered = true;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    QCoreApplication::exit(0);
+}
+
+QAction *MainWindow::addNetworkAction(const char *textId, const QKeySequence &shortcut, void (*act)())
+{
+    auto *action = new QAction(this);
+    action->setShortcut(shortcut);
+    m_actionTexts.append({action, textId});
+    connect(action, &QAction::triggered, this, [this, act] {
+        act();
+        refresh();
+    });
+    return action;
+}
+
+void MainWindow::createActions()
+{
+    const auto add = [this](const char *textId, const QKeySequence &shortcut, auto slot) {
+        auto *action = new QAction(this);
+        action->setShortcut(shortcut);
+        m_actionTexts.append({action, textId});
+        connect(action, &QAction::triggered, this, slot);
+        return action;
+    };
+    m_openCard = add("IDS_CM_OPEN_CARD", QKeySequence::Open, &MainWindow::chooseCard);
+    m_quit = add("IDS_CM_QUIT", QKeySequence("Ctrl+Q"), &MainWindow::close);
+    m_toolkit = add("IDS_CM_TOOLKIT", QKeySequence("Ctrl+T"), &MainWindow::openToolkit);
+    m_about = add("IDS_CM_ABOUT", {}, &MainWindow::showAbout);
+    m_copy = add("IDS_CM_COPY", {}, [this] {
+        QApplication::clipboard()->setText(m_transcriptView->toPlainText());
+    });
+    m_clear = add("IDS_CM_CLEAR", {}, [this] { m_transcriptView->clear(); });
+    m_showPanel = add("IDS_CM_SHOW_NETWORK", QKeySequence("Ctrl+N"), [this] { m_panel->showBeside(this); });
+    m_remove = addNetworkAction("IDS_CM_REMOVE", QKeySequence("Ctrl+R"), CardHost::removeModem);
+    m_insert = addNetworkAction("IDS_CM_INSERT", QKeySequence("Ctrl+I"), CardHost::insertModem);
+    m_endSession = addNetworkAction("IDS_CM_END_SESSION", QKeySequence("Ctrl+E"), CardHost::endSession);
+    m_timeOutSession
+        = addNetworkAction("IDS_CM_TIME_OUT", QKeySequence("Ctrl+Shift+E"), CardHost::timeOutSession);
+}
+
+void MainWindow::createMenus()
+{
+    const auto add = [this](const char *textId, const QList<QAction *> &actions) {
+        QMenu *menu = menuBar()->addMenu(QString());
+        m_menuTexts.append({menu, textId});
+        menu->addActions(actions);
+        return menu;
+    };
+    add("IDS_CM_MENU_FILE", {m_openCard, m_quit})->insertSeparator(m_quit);
+    add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
+    add("IDS_CM_MENU_CARD", {m_endSession, m_timeOutSession, m_showPanel})->insertSeparator(m_showPanel);
+    QMenu *languages = add("IDS_CM_MENU_LANGUAGE", {});
+    auto *group = new QActionGroup(this);
+    for (const QString &code : Languages::codes()) {
+        QAction *action = languages->addAction(Languages::nativeName(code));
+        action->setCheckable(true);
+        action->setData(code);
+        group->addAction(action);
+        m_languageActions << action;
+        connect(action, &QAction::triggered, this, [this, code] { setLanguage(code); });
+    }
+    add("IDS_CM_MENU_HELP", {m_about});
+}
+
+void MainWindow::createContent()
+{
+    auto *content = new QWidget(this);
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(12, 12, 12, 6);
+    layout->setSpacing(8);
+    layout->addWidget(createHeader());
+
+    m_errorLabel = new QLabel(content);
+    m_errorLabel->setObjectName("ConnectionManager_Error");
+    m_errorLabel->setTextFormat(Qt::PlainText);
+    m_errorLabel->setWordWrap(true);
+    m_errorLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_errorLabel->setStyleSheet("background: #fbe3e1; color: #7a1710; border-radius: 4px; padding: 8px;");
+    m_errorLabel->hide();
+    layout->addWidget(m_errorLabel);
+
+    layout->addWidget(createTranscriptBar());
+    m_transcriptView = new QPlainTextEdit(content);
+    m_transcriptView->setObjectName("ConnectionManager_Transcript");
+    m_transcriptView->setReadOnly(true);
+    m_transcriptView->setMaximumBlockCount(MaxTranscriptLines);
+    // Its lines are technical English in every language.
+    m_transcriptView->setLayoutDirection(Qt::LeftToRight);
+    layout->addWidget(m_transcriptView, 1);
+    setCentralWidget(content);
+    statusBar()->addPermanentWidget(new QLabel(m_plugin.description(), this));
+}
+
+QWidget *MainWindow::createHeader()
+{
+    auto *header = new QFrame(this);
+    header->setFrameShape(QFrame::StyledPanel);
+    header->setBackgroundRole(QPalette::Base);
+    header->setAutoFillBackground(true);
+    auto *row = new QHBoxLayout(header);
+    row->setContentsMargins(16, 12, 16, 12);
+    row->setSpacing(16);
+
+    m_icon = new QLabel(header);
+    row->addWidget(m_icon);
+
+    auto *texts = new QVBoxLayout;
+    m_stateLabel = new QLabel(header);
+    m_stateLabel->setObjectName("ConnectionManager_State");
+    QFont large = m_stateLabel->font();
+    large.setPointSizeF(large.pointSizeF() * 1.5);
+    large.setBold(true);
+    m_stateLabel->setFont(large);
+    m_cardLabel = new QLabel(header);
+    m_cardLabel->setTextFormat(Qt::PlainText);
+    m_cardLabel->setWordWrap(true);
+    texts->addStretch();
+    texts->addWidget(m_stateLabel);
+    texts->addWidget(m_cardLabel);
+    texts->addStretch();
+    row->addLayout(texts, 1);
+
+    m_toolkitButton = new QPushButton(ModemIcon::simCard(), QString(), header);
+    m_toolkitButton->setObjectName("ConnectionManager_ToolkitButton");
+    m_toolkitButton->setIconSize({32, 32});
+    m_toolkitButton->setMinimumSize(170, 52);
+    connect(m_toolkitButton, &QPushButton::clicked, this, &MainWindow::openToolkit);
+    row->addWidget(m_toolkitButton);
+    return header;
+}
+
+QWidget *MainWindow::createTranscriptBar()
+{
+    auto *bar = new QWidget(this);
+    auto *row = new QHBoxLayout(bar);
+    row->setContentsMargins(0, 4, 0, 0);
+    m_transcriptLabel = new QLabel(bar);
+    row->addWidget(m_transcriptLabel, 1);
+    for (QAction *action : {m_copy, m_clear}) {
+        auto *button = new QToolButton(bar);
+        button->setDefaultAction(action);
+        button->setAutoRaise(true);
+        row->addWidget(button);
+    }
+    return bar;
+}
+
+void MainWindow::retranslate()
+{
+    setWindowTitle(text("IDS_CM_TITLE"));
+    for (const auto &entry : qAsConst(m_actionTexts))
+        entry.first->setText(text(entry.second));
+    for (const auto &entry : qAsConst(m_menuTexts))
+        entry.first->setTitle(text(entry.second));
+    for (QAction *action : qAsConst(m_languageActions))
+        action->setChecked(action->data().toString() == m_language);
+    m_toolkitButton->setText(text("IDS_CM_TOOLKIT"));
+    m_transcriptLabel->setText(text("IDS_CM_TRANSCRIPT"));
+    m_transcriptView->setPlaceholderText(text("IDS_CM_TRANSCRIPT_EMPTY"));
+    m_panel->retranslate();
+    refreshTexts();
+}
+
+void MainWindow::refresh()
+{
+    if (m_state != CardHost::state())
+        refreshTexts();
+    // The plug-in covers the cursor after every wait and never uncovers it.
+    if (m_plugin.isWindowOpen())
+        return;
+    const QCursor *cursor = QApplication::overrideCursor();
+    while (cursor && cursor->shape() == Qt::ArrowCursor) {
+        QApplication::restoreOverrideCursor();
+        cursor = QApplication::overrideCursor();
+    }
+}
+
+void MainWindow::refreshTexts()
+{
+    m_state = CardHost::state();
+    const bool toolkit = hasToolkit(m_state);
+    m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
+    m_stateLabel->setText(text(stateId(m_state)));
+    m_cardLabel->setText(m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
+                                                       : text("IDS_CM_CARD_NAME").arg(m_cardName));
+    m_toolkit->setEnabled(toolkit);
+    m_toolkitButton->setEnabled(toolkit);
+    m_remove->setEnabled(toolkit);
+    m_insert->setEnabled(m_state == ModemState::Removed);
+    m_endSession->setEnabled(toolkit);
+    m_timeOutSession->setEnabled(toolkit);
+}
+
+void MainWindow::chooseCard()
+{
+    const QString file = QFileDialog::getOpenFileName(
+        this, text("IDS_CM_OPEN_TITLE"), QCoreApplication::applicationDirPath() + "/../cards",
+        text("IDS_CM_CARD_FILES") + " (*.json)");
+    if (!file.isEmpty())
+        openCard(file);
+}
+
+void MainWindow::showAbout()
+{
+    CommonUtils::ShowMessage(QMessageBox::Information, this, text("IDS_CM_ABOUT").remove('&'),
+                             text("IDS_CM_TITLE") + ' ' + QCoreApplication::applicationVersion(),
+                             "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr,
+                             text("IDS_CM_ABOUT_TEXT") + "\n\n" + m_plugin.description() + ", Qt "
+                                 + qVersion(),
+                             true);
+}
+
+void MainWindow::showError(const QString &line)
+{
+    m_errorLabel->setText(line);
+    m_errorLabel->setVisible(!line.isEmpty());
+}
+
+void MainWindow::appendLines(const QStringList &lines)
+{
+    for (const QString &line : lines)
+        m_transcriptView->appendPlainText(line);
+    refresh();
+}

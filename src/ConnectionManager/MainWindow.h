@@ -1,0 +1,90 @@
+#ifndef MAINWINDOW_H
+#define MAINWINDOW_H
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
+
+#include "CardHost.h"
+#include "NetworkPanel.h"
+
+class PluginHost;
+class Transcript;
+
+/// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
+/// transcript, and the menus that play the network side.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow(PluginHost &plugin, Transcript &transcript);
+
+    /// Puts the card of the scenario into the modem.  The result is empty, or one line that says
+    /// what is wrong with the file; the line also stands in the window, and no card is in then.
+    QString openCard(const QString &file);
+    /// Switches every text of the host and of the plug-in's open windows.
+    void setLanguage(const QString &code);
+    /// A remark for the person at the screen, in the status bar.
+    void showNote(const QString &text);
+    /// Opens the SIM toolkit window, or brings it to the front.
+    void openToolkit();
+
+    /// What opens the SIM toolkit.
+    QPushButton *toolkitButton() const { return m_toolkitButton; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void createActions();
+    void createMenus();
+    void createContent();
+    QWidget *createHeader();
+    QWidget *createTranscriptBar();
+    QAction *addNetworkAction(const char *textId, const QKeySequence &shortcut, void (*act)());
+    void retranslate();
+    void refresh();
+    void refreshTexts();
+    void chooseCard();
+    void showAbout();
+    void showError(const QString &line);
+    void appendLines(const QStringList &lines);
+
+    PluginHost &m_plugin;
+    QString m_language;
+    QString m_cardName;
+    CardHost::ModemState m_state = CardHost::ModemState::NoCard;
+    QTimer m_refreshTimer;
+
+    // Everything whose text is a plain identifier, with that identifier.
+    QList<QPair<QAction *, const char *>> m_actionTexts;
+    QList<QPair<QMenu *, const char *>> m_menuTexts;
+    QAction *m_openCard = nullptr;
+    QAction *m_quit = nullptr;
+    QAction *m_toolkit = nullptr;
+    QAction *m_remove = nullptr;
+    QAction *m_insert = nullptr;
+    QAction *m_endSession = nullptr;
+    QAction *m_timeOutSession = nullptr;
+    QAction *m_showPanel = nullptr;
+    QAction *m_about = nullptr;
+    QAction *m_copy = nullptr;
+    QAction *m_clear = nullptr;
+    QList<QAction *> m_languageActions;
+
+    QLabel *m_icon = nullptr;
+    QLabel *m_stateLabel = nullptr;
+    QLabel *m_cardLabel = nullptr;
+    QPushButton *m_toolkitButton = nullptr;
+    QLabel *m_errorLabel = nullptr;
+    QLabel *m_transcriptLabel = nullptr;
+    QPlainTextEdit *m_transcriptView = nullptr;
+    std::unique_ptr<NetworkPanel> m_panel;
+    bool m_panelOffered = false;
+};
+
+#endif

@@ -1,0 +1,92 @@
+#include "Messages.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <QFile>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QStringList>
+
+namespace {
+
+// Threads of the plug-in and of the modem service write as well.
+QMutex channel;
+QFile *trace = nullptr;
+// What Qt says while it looks for a display: the first line names the reason of a failure.
+bool lookingForDisplay = true;
+QStringList startWarnings;
+
+void writeTrace(const QString &line)
+{
+    if (!trace)
+        return;
+    trace->write(line.toUtf8() + '\n');
+    trace->flush();
+}
+
+[[noreturn]] void endForMissingDisplay()
+{
+    const QString reason = startWarnings.value(0, "no window system was found");
+    std::fprintf(stderr, "ConnectionManager: no display: %s\n", qPrintable(reason));
+    std::fflush(stderr);
+    std::_Exit(Messages::CannotStart);
+}
+
+void writeError(const QString &line)
+{
+    std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+    std::fflush(stderr);
+}
+
+void handle(QtMsgType type, const QMessageLogContext &, const QString &line)
+{
+    const QMutexLocker lock(&channel);
+    if (type == QtDebugMsg)
+        writeTrace(line);
+    else if (!lookingForDisplay)
+        writeError(line);
+    else if (type == QtFatalMsg)
+        endForMissingDisplay();
+    else
+        startWarnings << line.simplified();
+}
+
+} // namespace
+
+void Messages::install()
+{
+    qInstallMessageHandler(handle);
+}
+
+void Messages::displayFound()
+{
+    const QMutexLocker lock(&channel);
+    lookingForDisplay = false;
+    for (const QString &line : qAsConst(startWarnings))
+        writeError(line);
+    startWarnings.clear();
+}
+
+QString Messages::traceTo(const QString &file)
+{
+    static QFile out;
+    bool open = false;
+    if (file == "-") {
+        open = out.open(stderr, QIODevice::WriteOnly);
+    } else {
+        out.setFileName(file);
+        open = out.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    }
+    if (!open)
+        return QString("%1: cannot write the trace: %2").arg(file, out.errorString());
+    const QMutexLocker lock(&channel);
+    trace = &out;
+    return {};
+}
+
+void Messages::complain(const QString &line)
+{
+    const QMutexLocker lock(&channel);
+    writeError("ConnectionManager: " + line);
+}

@@ -1,0 +1,39 @@
+#ifndef TRANSCRIPT_H
+#define TRANSCRIPT_H
+
+#include <QFile>
+#include <QMutex>
+#include <QObject>
+#include <QStringList>
+
+#include "CardHost.h"
+
+/// Listens to what passes between card and terminal.  The entries come from the modem service's
+/// threads; they are written to the file at once and handed to the GUI thread in bundles.
+class Transcript : public QObject
+{
+    Q_OBJECT
+
+public:
+    Transcript();
+    ~Transcript() override;
+
+    /// Writes every later entry to the file too, one JSON object a line, flushed line by line.
+    /// The result is empty, or one line that says why the file cannot be written.
+    QString writeTo(const QString &fileName);
+
+signals:
+    /// Lines for people, in the order of the events.  Emitted on the GUI thread.
+    void linesAdded(const QStringList &lines);
+
+private:
+    void add(const CardHost::TranscriptEntry &entry);
+    void deliver();
+
+    QMutex m_mutex;
+    QStringList m_pending;
+    QFile m_file;
+    int m_listener = 0;
+};
+
+#endif

@@ -1,0 +1,351 @@
+#include "WalkthroughPlayer.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QKeySequence>
+#include <QPointer>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
+#include <QThread>
+#include <QTimer>
+#include <QWindow>
+
+#include "CardHost.h"
+#include "MainWindow.h"
+#include "Messages.h"
+#include "Screenshot.h"
+
+namespace {
+
+constexpr int StepFailed = 1;
+
+QWidget *toolkitWindow()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && widget->objectName() == "STKPlugin_Stkdialog")
+            return widget;
+    }
+    return nullptr;
+}
+
+QTableWidget *menuTable()
+{
+    const QWidget *window = toolkitWindow();
+    return window ? window->findChild<QTableWidget *>("STKPlugin_TableWidgetMenu") : nullptr;
+}
+
+bool isWaiting()
+{
+    const QCursor *cursor = QApplication::overrideCursor();
+    return cursor && cursor->shape() == Qt::WaitCursor;
+}
+
+QStringList rowTexts(const QTableWidget *table)
+{
+    QStringList texts;
+    for (int row = 0; row < table->rowCount(); ++row)
+        texts << (table->item(row, 0) ? table->item(row, 0)->text() : QString());
+    return texts;
+}
+
+QString json(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+QString listed(const QStringList &texts)
+{
+    return QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact);
+}
+
+// The events go through the window, as the window system's own do: modality, popups and grabs take
+// part.
+void clickAt(QWidget *widget, const QPoint &place)
+{
+    QWidget *window = widget->window();
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, widget->mapTo(window, place));
+}
+
+void doubleClickAt(QWidget *widget, const QPoint &place)
+{
+    QWidget *window = widget->window();
+    QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, widget->mapTo(window, place));
+}
+
+void pressKey(QWidget *window, int keyWithModifiers)
+{
+    const int modifiers = keyWithModifiers & int(Qt::KeyboardModifierMask);
+    QTest::keyClick(window->windowHandle(), Qt::Key(keyWithModifiers & ~modifiers),
+                    Qt::KeyboardModifiers(modifiers));
+}
+
+} // namespace
+
+WalkthroughPlayer::WalkthroughPlayer(const Walkthrough &walkthrough, MainWindow &window,
+                                     const QString &screenshots)
+    : m_walkthrough(walkthrough)
+    , m_window(window)
+    , m_screenshots(screenshots)
+{
+}
+
+WalkthroughPlayer::Play WalkthroughPlayer::playerOf(const QString &name)
+{
+    static const QHash<QString, Play> players = {
+        {"open", &WalkthroughPlayer::open},
+        {"expectMenu", &WalkthroughPlayer::expectMenu},
+        {"select", &WalkthroughPlayer::select},
+        {"back", &WalkthroughPlayer::back},
+        {"close", &WalkthroughPlayer::close},
+        {"escape", &WalkthroughPlayer::key},
+        {"key", &WalkthroughPlayer::key},
+        {"expectBusy", &WalkthroughPlayer::expectBusy},
+        {"expectClosed", &WalkthroughPlayer::expectClosed},
+        {"modem", &WalkthroughPlayer::modem},
+        {"timeout", &WalkthroughPlayer::timeOut},
+        {"endSession", &WalkthroughPlayer::endSession},
+        {"send", &WalkthroughPlayer::send},
+        {"language", &WalkthroughPlayer::language},
+        {"wait", &WalkthroughPlayer::wait},
+        {"screenshot", &WalkthroughPlayer::screenshot},
+        {"quit", &WalkthroughPlayer::quit},
+    };
+    return players.value(name);
+}
+
+void WalkthroughPlayer::start()
+{
+    m_sinceStep.start();
+    scheduleNext();
+}
+
+QString WalkthroughPlayer::place() const
+{
+    const Walkthrough::Step &step = m_walkthrough.steps().at(m_index);
+    return QString("%1: step %2 (%3)").arg(m_walkthrough.fileName()).arg(step.number).arg(step.name);
+}
+
+void WalkthroughPlayer::scheduleNext()
+{
+    QTimer::singleShot(Interval, this, &WalkthroughPlayer::playNext);
+}
+
+void WalkthroughPlayer::playNext()
+{
+    if (m_over)
+        return;
+    if (m_attempt != NoAttempt) {
+        // The events of a step are still being handled.  In an event loop of its own that is the
+        // window that they opened, and the next step is for it.
+        if (QThread::currentThread()->loopLevel() <= m_attempt)
+            return scheduleNext();
+        m_attempt = NoAttempt;
+        ++m_index;
+        m_sinceStep.restart();
+    }
+    if (m_index == m_walkthrough.steps().size())
+        return finish(0);
+    scheduleNext();
+    attempt(m_walkthrough.steps()[m_index]);
+}
+
+void WalkthroughPlayer::attempt(const Walkthrough::Step &step)
+{
+    const size_t index = m_index;
+    m_attempt = QThread::currentThread()->loopLevel();
+    const Outcome outcome = (this->*playerOf(step.name))(step);
+    if (m_over || m_index != index)
+        return;
+    m_attempt = NoAttempt;
+    if (outcome.kind == Outcome::Done) {
+        ++m_index;
+        m_sinceStep.restart();
+    } else if (outcome.kind == Outcome::Failed || m_sinceStep.elapsed() >= step.within) {
+        fail(outcome);
+    }
+}
+
+void WalkthroughPlayer::finish(int status)
+{
+    m_over = true;
+    QCoreApplication::exit(status);
+}
+
+void WalkthroughPlayer::fail(const Outcome &outcome)
+{
+    Messages::complain(QString("%1: expected %2, seen %3").arg(place(), outcome.expected, outcome.seen));
+    finish(StepFailed);
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::open(const Walkthrough::Step &)
+{
+    QPushButton *button = m_window.toolkitButton();
+    if (!button->isEnabled())
+        return {Outcome::NotYet, "a modem with a toolkit", "the SIM toolkit button is disabled"};
+    clickAt(button, button->rect().center());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectMenu(const Walkthrough::Step &step)
+{
+    const QJsonObject expected = step.value.toObject();
+    const QTableWidget *table = menuTable();
+    if (!table)
+        return {Outcome::NotYet, json(expected), "no SIM toolkit window"};
+    const auto *backButton = table->window()->findChild<QPushButton *>("STKPlugin_PushBtnBack");
+    const QJsonObject all = {{"title", table->window()->windowTitle()},
+                             {"items", QJsonArray::fromStringList(rowTexts(table))},
+                             {"back", backButton && backButton->isEnabled()}};
+    QJsonObject seen;
+    for (const QString &field : expected.keys())
+        seen[field] = all[field];
+    if (seen == expected)
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, json(expected), json(seen)};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::select(const Walkthrough::Step &step)
+{
+    const QString wanted = step.value.toString();
+    const QString expected = QString("a row \"%1\" to select").arg(wanted);
+    const QPointer<QTableWidget> table = menuTable();
+    if (!table)
+        return {Outcome::NotYet, expected, "no SIM toolkit window"};
+    if (isWaiting())
+        return {Outcome::NotYet, expected, "a list that waits for the card"};
+    const QStringList rows = rowTexts(table);
+    QTableWidgetItem *item = table->item(rows.indexOf(wanted), 0);
+    if (!item)
+        return {Outcome::NotYet, expected, listed(rows)};
+
+    table->scrollToItem(item);
+    const QPoint place = table->visualItemRect(item).center();
+    const QPoint inTable = table->viewport()->mapTo(table, place);
+    clickAt(table, inTable);
+    // The end of a wait may be a moment away although its cursor is gone: the list ignores the
+    // mouse until then.
+    if (!table || table->currentItem() != item)
+        return {Outcome::NotYet, expected, "a list that ignores the mouse"};
+    if (step.by == Walkthrough::SelectBy::DoubleClick)
+        doubleClickAt(table, inTable);
+    else if (step.by == Walkthrough::SelectBy::Return)
+        pressKey(table->window(), Qt::Key_Return);
+    else
+        return clickButton("STKPlugin_PushBtnSelect", expected);
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::back(const Walkthrough::Step &)
+{
+    return clickButton("STKPlugin_PushBtnBack", "an enabled Back button");
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::close(const Walkthrough::Step &)
+{
+    return clickButton("STKPlugin_PushBtnClose", "an enabled Close button");
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::clickButton(const QString &objectName, const QString &words)
+{
+    const QWidget *window = toolkitWindow();
+    if (!window)
+        return {Outcome::NotYet, words, "no SIM toolkit window"};
+    if (isWaiting())
+        return {Outcome::NotYet, words, "a window that waits for the card"};
+    auto *button = window->findChild<QPushButton *>(objectName);
+    if (!button || !button->isEnabled())
+        return {Outcome::NotYet, words, "the button is disabled"};
+    clickAt(button, button->rect().center());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::key(const Walkthrough::Step &step)
+{
+    QWidget *window = QApplication::activeModalWidget();
+    if (!window || !window->isVisible())
+        return {Outcome::NotYet, "a window of the SIM toolkit for the key", "none"};
+    const bool escape = step.name == "escape";
+    pressKey(window, escape ? int(Qt::Key_Escape)
+                            : QKeySequence(step.value.toString(), QKeySequence::PortableText)[0]);
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectBusy(const Walkthrough::Step &step)
+{
+    const auto words = [](bool busy) { return busy ? QString("a wait cursor") : QString("no wait cursor"); };
+    if (isWaiting() == step.value.toBool())
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, words(step.value.toBool()), words(isWaiting())};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectClosed(const Walkthrough::Step &)
+{
+    const QWidget *window = toolkitWindow();
+    if (!window)
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, "no SIM toolkit window", QString("one titled \"%1\"").arg(window->windowTitle())};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::modem(const Walkthrough::Step &step)
+{
+    if (step.value.toString() == "removed")
+        CardHost::removeModem();
+    else
+        CardHost::insertModem();
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::timeOut(const Walkthrough::Step &)
+{
+    CardHost::timeOutSession();
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::endSession(const Walkthrough::Step &)
+{
+    CardHost::endSession();
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::send(const Walkthrough::Step &step)
+{
+    const std::string error = CardHost::sendCommand(json(step.value.toObject()).toStdString());
+    if (error.empty())
+        return {Outcome::Done, {}, {}};
+    return {Outcome::Failed, "a command that can be sent", QString::fromStdString(error)};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::language(const Walkthrough::Step &step)
+{
+    m_window.setLanguage(step.value.toString());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::wait(const Walkthrough::Step &step)
+{
+    const int length = step.value.toInt();
+    if (m_sinceStep.elapsed() >= length)
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, QString("%1 ms to pass").arg(length), "less"};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::screenshot(const Walkthrough::Step &step)
+{
+    if (m_screenshots.isEmpty())
+        return {Outcome::Done, {}, {}};
+    const QString file = QDir(m_screenshots).filePath(step.value.toString() + ".png");
+    const QString error = saveScreenshot(file);
+    if (error.isEmpty())
+        return {Outcome::Done, {}, {}};
+    return {Outcome::Failed, "a picture", error};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::quit(const Walkthrough::Step &)
+{
+    finish(0);
+    return {Outcome::Done, {}, {}};
+}

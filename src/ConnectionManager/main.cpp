@@ -1,0 +1,146 @@
+#include <cstdio>
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+
+#include "CommandLine.h"
+#include "HostUi.h"
+#include "Languages.h"
+#include "MainWindow.h"
+#include "Messages.h"
+#include "ModemIcon.h"
+#include "PluginHost.h"
+#include "Transcript.h"
+#include "WalkthroughPlayer.h"
+#include "platform/CommonUtils.h"
+
+namespace {
+
+CommandLine readCommandLine(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    return CommandLine::parse(QCoreApplication::arguments());
+}
+
+// Somebody who could close a message box is there.
+bool isWatched(const CommandLine &line)
+{
+    static const QStringList unseen = {"offscreen", "minimal", "minimalegl", "vnc"};
+    return line.walkthrough.isEmpty() && !unseen.contains(QGuiApplication::platformName());
+}
+
+int cannotStart(const CommandLine &line, const QString &reason)
+{
+    Messages::complain(reason);
+    if (isWatched(line)) {
+        CommonUtils::ShowMessage(QMessageBox::Critical, nullptr, Languages::text("IDS_CM_TITLE"), reason,
+                                 "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr, {}, true);
+    }
+    return Messages::CannotStart;
+}
+
+QString openFiles(const CommandLine &line, Transcript &transcript, Walkthrough &walkthrough)
+{
+    if (!line.trace.isEmpty()) {
+        const QString error = Messages::traceTo(line.trace);
+        if (!error.isEmpty())
+            return error;
+    }
+    if (!line.transcript.isEmpty()) {
+        const QString error = transcript.writeTo(line.transcript);
+        if (!error.isEmpty())
+            return error;
+    }
+    if (!line.screenshots.isEmpty() && !QDir().mkpath(line.screenshots))
+        return line.screenshots + ": cannot make this folder for the pictures";
+    return line.walkthrough.isEmpty() ? QString() : walkthrough.load(line.walkthrough);
+}
+
+QString pluginsFolder(const CommandLine &line)
+{
+    const QString folder = line.plugins.isEmpty() ? QCoreApplication::applicationDirPath() + "/../plugins"
+                                                  : line.plugins;
+    return QDir::cleanPath(QDir(folder).absolutePath());
+}
+
+// A walkthrough's card may ask for addresses: they are noted, no browser is started.
+void openAddressesFrom(MainWindow &window, bool inBrowser)
+{
+    HostUi::setUrlOpener([&window, inBrowser](const QUrl &url) {
+        window.showNote(Languages::text("IDS_CM_URL_OPENED").arg(url.toDisplayString()));
+        return inBrowser ? HostUi::openInBrowser(url) : true;
+    });
+}
+
+int play(const Walkthrough &walkthrough, MainWindow &window, const QString &screenshots)
+{
+    WalkthroughPlayer player(walkthrough, window, screenshots);
+    player.start();
+    const int status = QApplication::exec();
+    if (player.isOver())
+        return status;
+    Messages::complain(player.place() + ": expected the window to stay open, seen its end");
+    return 1;
+}
+
+int runWindow(const CommandLine &line, PluginHost &plugin, Transcript &transcript,
+              const Walkthrough &walkthrough)
+{
+    MainWindow window(plugin, transcript);
+    HostUi::setMainWindow(&window);
+    openAddressesFrom(window, line.walkthrough.isEmpty());
+    window.setLanguage(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
+    window.show();
+    if (!line.card.isEmpty()) {
+        const QString error = window.openCard(line.card);
+        if (!error.isEmpty())
+            Messages::complain(error);
+    }
+    const int status = line.walkthrough.isEmpty() ? QApplication::exec()
+                                                  : play(walkthrough, window, line.screenshots);
+    window.hide();
+    // The plug-in's windows belong to this one and its callbacks end first.
+    plugin.unload();
+    CardHost::closeCard();
+    HostUi::setUrlOpener({});
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setApplicationName("ConnectionManager");
+    QCoreApplication::setApplicationVersion(APPLICATION_VERSION);
+    const CommandLine line = readCommandLine(argc, argv);
+    if (!line.information.isEmpty()) {
+        std::fputs(qPrintable(line.information), stdout);
+        return 0;
+    }
+    if (!line.error.isEmpty()) {
+        Messages::complain(line.error);
+        return Messages::CannotStart;
+    }
+
+    Messages::install();
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QApplication application(argc, argv);
+    Messages::displayFound();
+    QApplication::setWindowIcon(ModemIcon::simCard());
+    QApplication::setQuitOnLastWindowClosed(false);
+    Languages::apply(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
+
+    Transcript transcript;
+    Walkthrough walkthrough;
+    const QString fileError = openFiles(line, transcript, walkthrough);
+    if (!fileError.isEmpty())
+        return cannotStart(line, fileError);
+    PluginHost plugin;
+    const QString folder = pluginsFolder(line);
+    HostUi::setPluginLibraryPath(QFileInfo(folder).path());
+    const QString pluginError = plugin.load(folder);
+    if (!pluginError.isEmpty())
+        return cannotStart(line, pluginError);
+    return runWindow(line, plugin, transcript, walkthrough);
+}

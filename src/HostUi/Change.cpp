@@ -1,0 +1,10 @@
+#include "platform/Change.h"
+
+#include "HostUiState.h"
+
+QString Change::tr(const QString &id, const QString &context)
+{
+    const QString text = HostUi::state().catalogue.translate(context.toUtf8().constData(),
+                                                             id.toUtf8().constData());
+    return text.isEmpty() ? id : text;
+}

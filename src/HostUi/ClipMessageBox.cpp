@@ -1,0 +1,88 @@
+#include "platform/ClipMessageBox.h"
+
+#include <QApplication>
+#include <QDesktopWidget>
+#include <QGridLayout>
+#include <QLabel>
+#include <QResizeEvent>
+#include <QScrollBar>
+#include <QTextEdit>
+#include <qmath.h>
+
+namespace {
+
+const int MinTextWidth = 220;
+const int MaxTextWidth = 420;
+
+/* Shows a text of any length whole: it wraps inside a word where it must, and scrolls what is
+ * higher than two thirds of the screen. */
+class MessageText : public QTextEdit
+{
+public:
+    MessageText(const QString &text, QWidget *parent)
+        : QTextEdit(parent)
+    {
+        setObjectName("HostUi_MessageText");
+        setReadOnly(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        viewport()->setAutoFillBackground(false);
+        setPlainText(text);
+        fitToText();
+    }
+
+private:
+    void fitToText()
+    {
+        const QRect screen = QApplication::desktop()->availableGeometry(parentWidget());
+        const int maxWidth = qMin(MaxTextWidth, screen.width() / 2);
+        const int wanted = qCeil(document()->idealWidth());
+        const int width = qBound(qMin(MinTextWidth, maxWidth), wanted, maxWidth);
+        document()->setTextWidth(width);
+        const int height = qCeil(document()->size().height());
+        const int maxHeight = screen.height() * 2 / 3;
+        const int scrollBar = height > maxHeight ? verticalScrollBar()->sizeHint().width() : 0;
+        setFixedSize(width + scrollBar, qMin(height, maxHeight));
+    }
+};
+
+} // namespace
+
+ClipMessageBox::ClipMessageBox(QWidget *parent)
+    : QMessageBox(parent)
+{
+    setTextFormat(Qt::PlainText);
+}
+
+ClipMessageBox::~ClipMessageBox()
+{
+}
+
+void ClipMessageBox::showEvent(QShowEvent *event)
+{
+    showWholeText();
+    QMessageBox::showEvent(event);
+}
+
+void ClipMessageBox::resizeEvent(QResizeEvent *event)
+{
+    QMessageBox::resizeEvent(event);
+    emit changeSize(event->size());
+}
+
+/* The label of a message box neither breaks a long word nor scrolls: another widget takes its
+ * place in the layout. */
+void ClipMessageBox::showWholeText()
+{
+    QLabel *label = findChild<QLabel *>("qt_msgbox_label");
+    QGridLayout *grid = qobject_cast<QGridLayout *>(layout());
+    const int index = label && grid ? grid->indexOf(label) : -1;
+    if (index < 0 || findChild<MessageText *>())
+        return;
+    int row, column, rows, columns;
+    grid->getItemPosition(index, &row, &column, &rows, &columns);
+    label->hide();
+    grid->addWidget(new MessageText(text(), this), row, column, rows, columns);
+}

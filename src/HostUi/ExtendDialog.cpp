@@ -1,0 +1,101 @@
+#include "platform/ExtendDialog.h"
+
+#include <QApplication>
+#include <QDesktopWidget>
+#include <QPointer>
+#include <QPushButton>
+#include <QVBoxLayout>
+#if QT_VERSION >= 0x050000
+#include <QWindow>
+#endif
+
+namespace {
+
+const int MessageFrame = 4;
+
+// Some window managers draw neither title nor close button for a window that asks for the close
+// button alone.
+Qt::WindowFlags framed(Qt::WindowFlags flags)
+{
+    flags &= ~(Qt::WindowType_Mask | Qt::WindowContextHelpButtonHint);
+    return flags | Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+        | Qt::WindowCloseButtonHint;
+}
+
+} // namespace
+
+ExtendDialog::ExtendDialog(QWidget *parent, Qt::WindowFlags flags, int widgetType)
+    : QDialog(parent, framed(flags))
+    , m_layout(new QVBoxLayout(this))
+    , m_widgetType(widgetType)
+{
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setSpacing(0);
+}
+
+ExtendDialog::~ExtendDialog()
+{
+}
+
+void ExtendDialog::AddMainWidget(QWidget *widget)
+{
+    // A dialog that is put into the frame stops being a window of its own.
+    widget->setParent(this, widget->windowFlags() & ~Qt::WindowType_Mask);
+    m_layout->addWidget(widget);
+}
+
+void ExtendDialog::setWindowTitle(const QString &title)
+{
+#if QT_VERSION >= 0x050000
+    QDialog::setWindowTitle(title);
+    showTitleAsTyped();
+#else
+    QDialog::setWindowTitle(QString(title).replace("[*]", "[*][*]"));
+#endif
+}
+
+void ExtendDialog::setWindowFlags(Qt::WindowFlags flags)
+{
+    QDialog::setWindowFlags(framed(flags));
+}
+
+void ExtendDialog::setVisible(bool visible)
+{
+    QPointer<QPushButton> wanted;
+    if (visible && !isVisible())
+        wanted = qobject_cast<QPushButton *>(focusWidget());
+    QDialog::setVisible(visible);
+    if (!wanted)
+        return;
+    // The base class has just made the first button of the tab order the default one, enabled or
+    // not.  Inside a dialog that is no window of its own it leaves several default buttons.
+    const QList<QPushButton *> buttons = findChildren<QPushButton *>();
+    for (int i = 0; i < buttons.size(); ++i)
+        buttons.at(i)->setDefault(false);
+    wanted->setDefault(true);
+}
+
+void ExtendDialog::changeSize(QSize size)
+{
+    const QSize screen = QApplication::desktop()->availableGeometry(this).size();
+    const QSize wanted = size.boundedTo(screen);
+    if (m_widgetType == MessageFrame)
+        setFixedSize(wanted);
+    else
+        resize(wanted);
+}
+
+void ExtendDialog::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    showTitleAsTyped();
+}
+
+void ExtendDialog::showTitleAsTyped()
+{
+#if QT_VERSION >= 0x050000
+    // windowTitle() keeps the text as it was set, while the title bar would lose every "[*]".
+    if (windowHandle())
+        windowHandle()->setTitle(windowTitle());
+#endif
+}

@@ -1,0 +1,185 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>STKPlugin</name>
+    <message>
+        <source>IDS_STK_BTN_BACK</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_SELECT</source>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CLOSE</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CANCEL</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_PROMPT</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_INPUTFAILED</source>
+        <translation>Die Eingabe konnte nicht an die SIM-Karte gesendet werden.</translation>
+    </message>
+</context>
+<context>
+    <name>LuminePlugin</name>
+    <message>
+        <source>IDS_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CANCEL</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>IDS_YES</source>
+        <translation>Ja</translation>
+    </message>
+    <message>
+        <source>IDS_NO</source>
+        <translation>Nein</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionManager</name>
+    <message>
+        <source>IDS_CM_TITLE</source>
+        <translation>Verbindungsmanager</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_FILE</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_MODEM</source>
+        <translation>&amp;Modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_CARD</source>
+        <translation>&amp;Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_LANGUAGE</source>
+        <translation>&amp;Sprache</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_HELP</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_CARD</source>
+        <translation>Karte &amp;öffnen …</translation>
+    </message>
+    <message>
+        <source>IDS_CM_QUIT</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT</source>
+        <translation>SIM-Dienste</translation>
+    </message>
+    <message>
+        <source>IDS_CM_REMOVE</source>
+        <translation>Modem &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_INSERT</source>
+        <translation>Modem e&amp;insetzen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_END_SESSION</source>
+        <translation>Sitzung &amp;beenden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TIME_OUT</source>
+        <translation>Sitzung &amp;ablaufen lassen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_SHOW_NETWORK</source>
+        <translation>&amp;Netzseite</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_TITLE</source>
+        <translation>Netzseite</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_HINT</source>
+        <translation>Spielen Sie Netz und Modem, auch während ein Fenster der SIM-Dienste offen ist.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT</source>
+        <translation>&amp;Über</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT_TEXT</source>
+        <translation>Zeigt den Zustand eines Mobilfunkmodems und öffnet die Dienste (SIM Application Toolkit) seiner Karte.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT</source>
+        <translation>Zwischen Karte und Modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT_EMPTY</source>
+        <translation>Hier erscheint, was die Karte sendet und was ihr geantwortet wird.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_COPY</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CLEAR</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_CARD</source>
+        <translation>Keine Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_REMOVED</source>
+        <translation>Modem entfernt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_READY</source>
+        <translation>Modem bereit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_BUSY</source>
+        <translation>Sitzung läuft</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_NAME</source>
+        <translation>Karte: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_CARD_HINT</source>
+        <translation>Öffnen Sie eine Karte über das Menü „Datei“.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_TITLE</source>
+        <translation>Karte öffnen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_FILES</source>
+        <translation>Simulierte Karten</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPENED</source>
+        <translation>Die Karte hat %1 geöffnet</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT_FAILED</source>
+        <translation>Die SIM-Dienste konnten nicht geöffnet werden.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,185 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>STKPlugin</name>
+    <message>
+        <source>IDS_STK_BTN_BACK</source>
+        <translation>Back</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_SELECT</source>
+        <translation>Select</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CLOSE</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CANCEL</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_PROMPT</source>
+        <translation>Note</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_INPUTFAILED</source>
+        <translation>Your input could not be sent to the SIM card.</translation>
+    </message>
+</context>
+<context>
+    <name>LuminePlugin</name>
+    <message>
+        <source>IDS_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CANCEL</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>IDS_YES</source>
+        <translation>Yes</translation>
+    </message>
+    <message>
+        <source>IDS_NO</source>
+        <translation>No</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionManager</name>
+    <message>
+        <source>IDS_CM_TITLE</source>
+        <translation>Connection Manager</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_FILE</source>
+        <translation>&amp;File</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_MODEM</source>
+        <translation>&amp;Modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_CARD</source>
+        <translation>&amp;Card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_LANGUAGE</source>
+        <translation>&amp;Language</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_HELP</source>
+        <translation>&amp;Help</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_CARD</source>
+        <translation>&amp;Open card…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_QUIT</source>
+        <translation>&amp;Quit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT</source>
+        <translation>SIM toolkit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_REMOVE</source>
+        <translation>&amp;Remove modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_INSERT</source>
+        <translation>&amp;Insert modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_END_SESSION</source>
+        <translation>&amp;End session</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TIME_OUT</source>
+        <translation>&amp;Time out session</translation>
+    </message>
+    <message>
+        <source>IDS_CM_SHOW_NETWORK</source>
+        <translation>&amp;Network side</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_TITLE</source>
+        <translation>Network side</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_HINT</source>
+        <translation>Play the network and the modem, also while a window of the SIM toolkit is open.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT</source>
+        <translation>&amp;About</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT_TEXT</source>
+        <translation>Shows the state of a mobile broadband modem and opens the SIM Application Toolkit of its card.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT</source>
+        <translation>Between card and modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT_EMPTY</source>
+        <translation>What the card sends and what it is answered appears here.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_COPY</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CLEAR</source>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_CARD</source>
+        <translation>No card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_REMOVED</source>
+        <translation>Modem removed</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_READY</source>
+        <translation>Modem ready</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_BUSY</source>
+        <translation>Session under way</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_NAME</source>
+        <translation>Card: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_CARD_HINT</source>
+        <translation>Open a card from the File menu.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_TITLE</source>
+        <translation>Open card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_FILES</source>
+        <translation>Simulated cards</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPENED</source>
+        <translation>The card opened %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT_FAILED</source>
+        <translation>The SIM toolkit could not be opened.</translation>
+    </message>
+</context>
+</TS>

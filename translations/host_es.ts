@@ -1,0 +1,185 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es" sourcelanguage="en">
+<context>
+    <name>STKPlugin</name>
+    <message>
+        <source>IDS_STK_BTN_BACK</source>
+        <translation>Atrás</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_SELECT</source>
+        <translation>Elegir</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CLOSE</source>
+        <translation>Cerrar</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CANCEL</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_PROMPT</source>
+        <translation>Aviso</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_INPUTFAILED</source>
+        <translation>No se pudo enviar la entrada a la tarjeta SIM.</translation>
+    </message>
+</context>
+<context>
+    <name>LuminePlugin</name>
+    <message>
+        <source>IDS_OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>IDS_CANCEL</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>IDS_YES</source>
+        <translation>Sí</translation>
+    </message>
+    <message>
+        <source>IDS_NO</source>
+        <translation>No</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionManager</name>
+    <message>
+        <source>IDS_CM_TITLE</source>
+        <translation>Gestor de conexión</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_FILE</source>
+        <translation>&amp;Archivo</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_MODEM</source>
+        <translation>&amp;Módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_CARD</source>
+        <translation>&amp;Tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_LANGUAGE</source>
+        <translation>&amp;Idioma</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_HELP</source>
+        <translation>A&amp;yuda</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_CARD</source>
+        <translation>&amp;Abrir tarjeta…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_QUIT</source>
+        <translation>&amp;Salir</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT</source>
+        <translation>Servicios SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_REMOVE</source>
+        <translation>&amp;Retirar el módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_INSERT</source>
+        <translation>&amp;Insertar el módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_END_SESSION</source>
+        <translation>&amp;Terminar la sesión</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TIME_OUT</source>
+        <translation>&amp;Agotar el tiempo de la sesión</translation>
+    </message>
+    <message>
+        <source>IDS_CM_SHOW_NETWORK</source>
+        <translation>Lado de la &amp;red</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_TITLE</source>
+        <translation>Lado de la red</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_HINT</source>
+        <translation>Haga de red y de módem, también con una ventana de los servicios SIM abierta.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT</source>
+        <translation>&amp;Acerca de</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT_TEXT</source>
+        <translation>Muestra el estado de un módem móvil y abre los servicios (SIM Application Toolkit) de su tarjeta.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT</source>
+        <translation>Entre la tarjeta y el módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT_EMPTY</source>
+        <translation>Aquí aparece lo que envía la tarjeta y lo que se le responde.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_COPY</source>
+        <translation>Copiar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CLEAR</source>
+        <translation>Borrar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_CARD</source>
+        <translation>Sin tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_REMOVED</source>
+        <translation>Módem retirado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_READY</source>
+        <translation>Módem listo</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_BUSY</source>
+        <translation>Sesión en curso</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_NAME</source>
+        <translation>Tarjeta: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_CARD_HINT</source>
+        <translation>Abra una tarjeta desde el menú Archivo.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_TITLE</source>
+        <translation>Abrir tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_FILES</source>
+        <translation>Tarjetas simuladas</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPENED</source>
+        <translation>La tarjeta abrió %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT_FAILED</source>
+        <translation>No se pudieron abrir los servicios SIM.</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,185 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr" sourcelanguage="en">
+<context>
+    <name>STKPlugin</name>
+    <message>
+        <source>IDS_STK_BTN_BACK</source>
+        <translation>Retour</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_SELECT</source>
+        <translation>Choisir</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CLOSE</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_STK_BTN_CANCEL</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_PROMPT</source>
+        <translation>Remarque</translation>
+    </message>
+    <message>
+        <source>IDS_STK_MSG_INPUTFAILED</source>
+        <translation>La saisie n’a pas pu être envoyée à la carte SIM.</translation>
+    </message>
+</context>
+<context>
+    <name>LuminePlugin</name>
+    <message>
+        <source>IDS_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CANCEL</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>IDS_YES</source>
+        <translation>Oui</translation>
+    </message>
+    <message>
+        <source>IDS_NO</source>
+        <translation>Non</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionManager</name>
+    <message>
+        <source>IDS_CM_TITLE</source>
+        <translation>Gestionnaire de connexion</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_FILE</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_MODEM</source>
+        <translation>&amp;Modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_CARD</source>
+        <translation>&amp;Carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_LANGUAGE</source>
+        <translation>&amp;Langue</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MENU_HELP</source>
+        <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_CARD</source>
+        <translation>&amp;Ouvrir une carte…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_QUIT</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT</source>
+        <translation>Services SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_REMOVE</source>
+        <translation>&amp;Retirer le modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_INSERT</source>
+        <translation>&amp;Insérer le modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_END_SESSION</source>
+        <translation>&amp;Terminer la session</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TIME_OUT</source>
+        <translation>Faire &amp;expirer la session</translation>
+    </message>
+    <message>
+        <source>IDS_CM_SHOW_NETWORK</source>
+        <translation>Côté &amp;réseau</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_TITLE</source>
+        <translation>Côté réseau</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NETWORK_HINT</source>
+        <translation>Jouez le réseau et le modem, même quand une fenêtre des services SIM est ouverte.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT</source>
+        <translation>À &amp;propos</translation>
+    </message>
+    <message>
+        <source>IDS_CM_ABOUT_TEXT</source>
+        <translation>Affiche l’état d’un modem mobile et ouvre les services (SIM Application Toolkit) de sa carte.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT</source>
+        <translation>Entre la carte et le modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TRANSCRIPT_EMPTY</source>
+        <translation>Ici apparaît ce que la carte envoie et ce qui lui est répondu.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_COPY</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CLEAR</source>
+        <translation>Effacer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_CARD</source>
+        <translation>Aucune carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_REMOVED</source>
+        <translation>Modem retiré</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_READY</source>
+        <translation>Modem prêt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_BUSY</source>
+        <translation>Session en cours</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_NAME</source>
+        <translation>Carte : %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_CARD_HINT</source>
+        <translation>Ouvrez une carte par le menu Fichier.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_OPEN_TITLE</source>
+        <translation>Ouvrir une carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_CARD_FILES</source>
+        <translation>Cartes simulées</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPENED</source>
+        <translation>La carte a ouvert %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_TOOLKIT_FAILED</source>
+        <translation>Les services SIM n’ont pas pu être ouverts.</translation>
+    </message>
+</context>
+</TS>
