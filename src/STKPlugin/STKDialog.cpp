@@ -1,0 +1,837 @@
+#include "STKDialog.h"
+
+#include <new>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "STKInputDlg.h"
+#include "STKThread.h"
+#include "TraceLog.h"
+#include "platform/Change.h"
+#include "platform/ClipSound.h"
+#include "platform/CommonUtils.h"
+
+#define STK_TRACE_FILE "../../src/STKPlugin/STKDialog"
+
+namespace {
+
+const int FRAME_WIDGET_TYPE = 1;
+const int FRAME_WIDTH = 380, FRAME_HEIGHT = 357;
+const int TABLE_WIDTH = 345, TABLE_HEIGHT = 250;
+const int ROW_HEIGHT = 17;
+const int DEVICE_TIMER_MS = 100;
+const int THREAD_STOP_SECONDS = 5;
+const int WAIT_AFTER_MENU_CHOICE = 20; /* in the unit of STKThread::TimeStamp */
+
+} // namespace
+
+/* ---- The list ---- */
+
+STKTableWidget::STKTableWidget(QWidget *parent)
+    : QTableWidget(parent)
+{
+    TRACE_TIME_FILE_FUNC("%s: %s: %s Entered");
+}
+
+STKTableWidget::~STKTableWidget()
+{
+}
+
+void STKTableWidget::Instantiate(STKDialog *pStkDialog)
+{
+    m_pStkDialog = pStkDialog;
+}
+
+bool STKTableWidget::isWaiting() const
+{
+    return m_pStkDialog && m_pStkDialog->m_pStkThread && m_pStkDialog->m_pStkThread->isRunning();
+}
+
+void STKTableWidget::mousePressEvent(QMouseEvent *e)
+{
+    if (isWaiting()) {
+        e->ignore();
+        return;
+    }
+    QAbstractItemView::mousePressEvent(e);
+}
+
+void STKTableWidget::keyPressEvent(QKeyEvent *e)
+{
+    TRACE_TIME_FILE_FUNC("%s: %s: %s Start ");
+    if (!e) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pStkDialog) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (isWaiting()) {
+        e->ignore();
+        return;
+    }
+    if (e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) {
+        if (!m_pStkDialog->m_pTableWidget) {
+            TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+            return;
+        }
+        if (!m_pStkDialog->m_pTableWidget->selectedItems().isEmpty())
+            m_pStkDialog->m_bEnterPressed = true;
+    }
+    QAbstractItemView::keyPressEvent(e);
+    TRACE_TIME_FILE_FUNC("%s: %s: %s End ");
+}
+
+void STKTableWidget::mouseReleaseEvent(QMouseEvent *e)
+{
+    TRACE_TIME_FILE_FUNC("%s: %s: %s Start");
+    QAbstractItemView::mouseReleaseEvent(e);
+    if (indexAt(e->pos()).isValid()) {
+        TRACE_TIME_FILE_FUNC("%s: %s: %s End ");
+        return;
+    }
+    if (!m_pStkDialog) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pStkDialog->m_pTableWidget) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pStkDialog->m_pBtnBack) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    m_pStkDialog->m_pTableWidget->setCurrentCell(-1, -1);
+    if (m_pStkDialog->m_strMenuState == "STK_MAINMENU")
+        m_pStkDialog->m_pBtnBack->setEnabled(false);
+    TRACE_TIME_FILE_FUNC("%s: %s: %s End ");
+}
+
+/* ---- The frame ---- */
+
+STKExtendDlg::STKExtendDlg(QWidget *parent)
+    : ExtendDialog(parent, Qt::WindowCloseButtonHint, FRAME_WIDGET_TYPE)
+{
+}
+
+STKExtendDlg::~STKExtendDlg()
+{
+}
+
+void STKExtendDlg::Instantiate(STKDialog *pStkDialog)
+{
+    m_pStkDialog = pStkDialog;
+}
+
+void STKExtendDlg::reject()
+{
+    if (!m_pStkDialog)
+        return;
+    m_pStkDialog->onButtonClickClose();
+    TRACE_TIME_FILE_FUNC("%s : %s : %s : Entered");
+}
+
+void STKExtendDlg::closeEvent(QCloseEvent *e)
+{
+    TRACE_TIME_FILE_FUNC("%s : %s : %s : Entered");
+    if (!m_pStkDialog)
+        return;
+    if (m_pStkDialog->m_pStkThread && m_pStkDialog->m_pStkThread->isRunning()) {
+        e->ignore();
+        return;
+    }
+    if (m_pStkDialog->m_bEnterPressed) {
+        e->ignore();
+        m_pStkDialog->onButtonClickSelect();
+        m_pStkDialog->m_bEnterPressed = false;
+        return;
+    }
+    m_pStkDialog->onButtonClickClose();
+}
+
+/* ---- The toolkit window: life ---- */
+
+STKDialog *STKDialog::m_pStkDialogInstance = nullptr;
+ClipSound *STKDialog::m_pClipSoundSTK = nullptr;
+
+STKDialog *STKDialog::Instance()
+{
+    TRACE_START();
+    if (!m_pStkDialogInstance)
+        m_pStkDialogInstance = new STKDialog;
+    TRACE_END();
+    return m_pStkDialogInstance;
+}
+
+void STKDialog::Destroy()
+{
+    TRACE_START();
+    if (m_pStkDialogInstance) {
+        delete m_pStkDialogInstance;
+        m_pStkDialogInstance = nullptr;
+    }
+    TRACE_END();
+}
+
+STKDialog::STKDialog()
+    : m_pStkThread(nullptr)
+    , m_bEnterPressed(false)
+    , m_strMenuState("STK_UNKNOWN")
+    , m_pStkTimer(nullptr)
+    , m_pMessageBox(nullptr)
+    , m_pPlayToneTimer(nullptr)
+    , m_pMsgTimer(nullptr)
+    , m_nMsgDuration(0)
+    , m_pBtnOk(nullptr)
+    , m_pBtnCancel(nullptr)
+    , m_nMsgTicks(0)
+    , m_nMsgRemain(0)
+{
+    TRACE_START();
+    m_pStkLogic = STKLogic::CreateInstance();
+    m_pStkThread = new STKThread;
+    m_pStkInputDlg = STKInputDlg::StkInputDlgInstance();
+    if (m_pStkLogic) {
+        m_pStkLogic->RegisterSTKCB();
+        connectLogic();
+    }
+    if (m_pStkThread)
+        connect(m_pStkThread, SIGNAL(ChangeCursor()), this, SLOT(onChangeCursor()));
+    m_strTitle = "";
+    m_stMainMenu.strTitle = "";
+    m_stMainMenu.itemList = new QList<StkItemClass>;
+    m_stSubMenu.strTitle = "";
+    m_stSubMenu.itemList = new QList<StkItemClass>;
+    TRACE_END();
+}
+
+/* The logic emits on the service's thread and this object lives on the GUI thread, so every one of
+ * these is delivered queued. */
+void STKDialog::connectLogic()
+{
+    connect(m_pStkLogic, SIGNAL(DevAvailable(bool)), this, SLOT(onDeviceAvailable(bool)));
+    connect(m_pStkLogic, SIGNAL(STKSetupMenu()), this, SLOT(onSTKSetupMenu()));
+    connect(m_pStkLogic, SIGNAL(STKDisplayText()), this, SLOT(onSTKDisplayText()));
+    connect(m_pStkLogic, SIGNAL(STKGetInkey()), this, SLOT(onSTKGetInkey()));
+    connect(m_pStkLogic, SIGNAL(STKGetInput()), this, SLOT(onSTKGetInput()));
+    connect(m_pStkLogic, SIGNAL(STKSetupCall()), this, SLOT(onSTKSetupCall()));
+    connect(m_pStkLogic, SIGNAL(STKPlayTone()), this, SLOT(onSTKPlayTone()));
+    connect(m_pStkLogic, SIGNAL(STKSelItem()), this, SLOT(onSTKSelItem()));
+    connect(m_pStkLogic, SIGNAL(STKRefresh()), this, SLOT(onSTKRefresh()));
+    connect(m_pStkLogic, SIGNAL(STKSendSS()), this, SLOT(onSTKSendSS()));
+    connect(m_pStkLogic, SIGNAL(STKSendSMS()), this, SLOT(onSTKSendSMS()));
+    connect(m_pStkLogic, SIGNAL(STKSendUSSD()), this, SLOT(onSTKSendUSSD()));
+    connect(m_pStkLogic, SIGNAL(STKLaunchBrowser()), this, SLOT(onSTKLaunchBrowser()));
+    connect(m_pStkLogic, SIGNAL(STKSetupIdleModeText()), this, SLOT(onSTKSetupIdleModeText()));
+    connect(m_pStkLogic, SIGNAL(STKEndSession()), this, SLOT(onSTKEndSession()));
+    connect(m_pStkLogic, SIGNAL(ShowMainMenu()), this, SLOT(onShowMainMenu()));
+    connect(m_pStkLogic, SIGNAL(CloseInputDlg()), this, SLOT(onCloseInputDlg()));
+}
+
+STKDialog::~STKDialog()
+{
+    TRACE_START();
+    if (m_pStkThread && m_pStkThread->isRunning()) {
+        m_pStkThread->m_bStop.store(true, std::memory_order_relaxed);
+        // A thread that is only just starting clears the stop flag once more; the response flag ends
+        // its wait as well, and nobody reads it after this.
+        if (m_pStkLogic)
+            m_pStkLogic->SetResponseVar(true);
+        CommonUtils::WaitForThreadToStop(m_pStkThread, THREAD_STOP_SECONDS);
+        delete m_pStkThread;
+        m_pStkThread = nullptr;
+    }
+    // An idle thread is left behind: its destructor would take the logic from whoever has it by then.
+    STKLogic::DestroyInst();
+    m_pStkLogic = nullptr;
+    STKInputDlg::DestroyInstance();
+    m_pStkInputDlg = nullptr;
+    m_pExtendDlg = nullptr;
+    m_pMainWidget = nullptr;
+    m_pBtnBack = nullptr;
+    m_pBtnSelect = nullptr;
+    m_pBtnClose = nullptr;
+    m_pTableWidget = nullptr;
+    m_stMainMenu.itemList->clear();
+    delete m_stMainMenu.itemList;
+    m_stMainMenu.itemList = nullptr;
+    m_stSubMenu.itemList->clear();
+    delete m_stSubMenu.itemList;
+    m_stSubMenu.itemList = nullptr;
+    delete m_pPlayToneTimer;
+    m_pPlayToneTimer = nullptr;
+    delete m_pClipSoundSTK;
+    m_pClipSoundSTK = nullptr;
+    TRACE_END();
+}
+
+void STKDialog::unSDKRegisterEvent()
+{
+    TRACE_FILE_FUNC("%s: %s called");
+    if (m_pStkLogic)
+        STKLogic::UnresgisterSTKCB();
+    TRACE_FILE_FUNC("%s: %s exit");
+}
+
+/* ---- The toolkit window: building and showing ---- */
+
+bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
+{
+    TRACE_START();
+    const bool bOk = initUI(parent);
+    connectWidgets();
+    if (m_pStkLogic) {
+        // Fetched and drawn a second time: the card may have changed its menu while it was first read.
+        m_pStkLogic->GetMainMenu(&m_stMainMenu);
+        m_strTitle = m_stMainMenu.strTitle;
+        showMainMenu();
+    }
+    if (m_pBtnClose)
+        m_pBtnClose->setFocus(Qt::OtherFocusReason);
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(false);
+    if (m_pExtendDlg) {
+        m_pExtendDlg->setFixedSize(FRAME_WIDTH, FRAME_HEIGHT);
+        m_pExtendDlg->setWindowModality(Qt::WindowModal);
+        m_pExtendDlg->show();
+        CommonUtils::MoveCentre(m_pExtendDlg);
+        m_pExtendDlg->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    TRACE_END();
+    return bOk;
+}
+
+void STKDialog::connectWidgets()
+{
+    connect(m_pBtnBack, SIGNAL(clicked()), this, SLOT(onButtonClickBack()));
+    connect(m_pBtnSelect, SIGNAL(clicked()), this, SLOT(onButtonClickSelect()));
+    connect(m_pBtnClose, SIGNAL(clicked()), this, SLOT(onButtonClickClose()));
+    connect(m_pTableWidget, SIGNAL(cellDoubleClicked(int, int)), this,
+            SLOT(onCellDoubleClicked(int, int)));
+    connect(m_pStkTimer, SIGNAL(timeout()), this, SLOT(onSTKTimeOut()));
+    connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
+}
+
+bool STKDialog::initUI(QWidget *parent)
+{
+    TRACE_START();
+    m_pTableWidget = nullptr;
+    m_pBtnBack = nullptr;
+    m_pExtendDlg = nullptr;
+    m_pMainWidget = nullptr;
+    m_pBtnSelect = nullptr;
+    m_pBtnClose = nullptr;
+    m_pStkTimer = nullptr;
+    m_pPlayToneTimer = nullptr;
+    m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
+    if (!m_pExtendDlg) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return false;
+    }
+    m_pExtendDlg->Instantiate(this);
+    m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
+    m_pBtnBack = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pBtnSelect = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pBtnClose = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pTableWidget = new (std::nothrow) STKTableWidget(m_pMainWidget);
+    m_pStkTimer = new (std::nothrow) QTimer(this);
+    m_pPlayToneTimer = new (std::nothrow) QTimer(this);
+    if (!m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose || !m_pTableWidget
+        || !m_pStkTimer || !m_pPlayToneTimer) {
+        TRACE_TIME_FILE_FUNC("%s: %s: %s: Memory Allocation Failed");
+        return false;
+    }
+    m_pTableWidget->Instantiate(this);
+    m_pExtendDlg->AddMainWidget(m_pMainWidget);
+    SetStkUiText();
+    setStkObjectName();
+    setStkUiLayout();
+    m_pTableWidget->setColumnCount(1);
+    m_pTableWidget->verticalHeader()->hide();
+    m_pTableWidget->horizontalHeader()->hide();
+    m_pTableWidget->horizontalScrollBar()->hide();
+    m_pTableWidget->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_pTableWidget->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_pTableWidget->setShowGrid(false);
+    m_pTableWidget->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_pTableWidget->setColumnWidth(0, TABLE_WIDTH);
+    m_pTableWidget->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_pTableWidget->setTabKeyNavigation(false);
+    // A style's own minimum would make the rows higher.
+    m_pTableWidget->verticalHeader()->setMinimumSectionSize(ROW_HEIGHT);
+    if (m_pStkLogic && m_pStkLogic->GetMainMenu(&m_stMainMenu)) {
+        m_strMenuState = "STK_MAINMENU";
+        m_strTitle = m_stMainMenu.strTitle;
+        showMainMenu();
+    }
+    m_pExtendDlg->setWindowTitle(m_strTitle);
+    TRACE_END();
+    return true;
+}
+
+void STKDialog::setStkUiLayout()
+{
+    TRACE_START();
+    QVBoxLayout *pOuter = new (std::nothrow) QVBoxLayout;
+    QHBoxLayout *pButtonRow = new (std::nothrow) QHBoxLayout;
+    QHBoxLayout *pCloseRow = new (std::nothrow) QHBoxLayout;
+    if (!pOuter || !pButtonRow || !pCloseRow) {
+        TRACE_FILE_FUNC_TIME("Memory Allocation Failed %s: %s: %s: ");
+        return;
+    }
+    m_pTableWidget->setFixedSize(TABLE_WIDTH, TABLE_HEIGHT);
+    pButtonRow->addWidget(m_pBtnBack);
+    pButtonRow->addWidget(m_pBtnSelect);
+    pButtonRow->setAlignment(Qt::AlignLeft);
+    pButtonRow->setSpacing(20);
+    pCloseRow->addWidget(m_pBtnClose);
+    pCloseRow->insertSpacing(0, 55);
+    pCloseRow->setAlignment(Qt::AlignRight);
+    pButtonRow->addLayout(pCloseRow);
+    pOuter->addWidget(m_pTableWidget);
+    pOuter->addLayout(pButtonRow);
+    pOuter->setAlignment(Qt::AlignCenter);
+    pOuter->insertSpacing(1, 10);
+    m_pMainWidget->setLayout(pOuter);
+    TRACE_END();
+}
+
+void STKDialog::setStkObjectName()
+{
+    TRACE_START();
+    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose
+        || !m_pTableWidget) {
+        TRACE_FILE_FUNC_TIME("Some widget is null  %s: %s: %s: ");
+        return;
+    }
+    m_pExtendDlg->setObjectName("STKPlugin_Stkdialog");
+    m_pMainWidget->setObjectName("STKPlugin_StkWidget");
+    m_pBtnBack->setObjectName("STKPlugin_PushBtnBack");
+    m_pBtnSelect->setObjectName("STKPlugin_PushBtnSelect");
+    m_pBtnClose->setObjectName("STKPlugin_PushBtnClose");
+    m_pTableWidget->setObjectName("STKPlugin_TableWidgetMenu");
+    TRACE_END();
+}
+
+void STKDialog::SetStkUiText()
+{
+    TRACE_START();
+    if (!m_pBtnBack || !m_pBtnSelect || !m_pBtnClose) {
+        TRACE_FILE_FUNC_TIME("Widgets id NULL %s: %s: %s: ");
+        return;
+    }
+    m_pBtnBack->setText(tr(QString("IDS_STK_BTN_BACK")));
+    m_pBtnSelect->setText(tr(QString("IDS_STK_BTN_SELECT")));
+    m_pBtnClose->setText(tr(QString("IDS_STK_BTN_CLOSE")));
+    TRACE_END();
+}
+
+QString STKDialog::tr(QString id)
+{
+    TRACE_START();
+    const QString strText = Change::tr(id, "STKPlugin");
+    TRACE_END();
+    return strText;
+}
+
+/* ---- Menus ---- */
+
+bool STKDialog::deleteTableItems()
+{
+    TRACE_START();
+    if (!m_pTableWidget) {
+        TRACE_FILE_FUNC_TIME("Table Widget is null %s: %s: %s: ");
+        return false;
+    }
+    for (int i = 0; i < m_pTableWidget->rowCount(); ++i)
+        delete m_pTableWidget->takeItem(i, 0);
+    m_pTableWidget->clear();
+    TRACE_END();
+    return true;
+}
+
+void STKDialog::fillTable(const StkMenuItems &menu)
+{
+    m_pTableWidget->setRowCount(menu.itemList->count());
+    for (int i = 0; i < menu.itemList->count(); ++i) {
+        const StkItemClass &item = menu.itemList->at(i);
+        qDebug("Item name = %s, Index=%d", item.strItemText.toUtf8().constData(), item.nItemId);
+        m_pTableWidget->setItem(i, 0, new QTableWidgetItem(item.strItemText));
+        m_pTableWidget->setRowHeight(i, ROW_HEIGHT);
+    }
+}
+
+void STKDialog::showMainMenu()
+{
+    TRACE_START();
+    m_strMenuState = "STK_MAINMENU";
+    if (deleteTableItems()) {
+        if (!m_stMainMenu.strTitle.isEmpty()) {
+            m_strTitle = m_stMainMenu.strTitle;
+            m_pExtendDlg->setWindowTitle(m_strTitle);
+        } else {
+            m_pExtendDlg->setWindowTitle("");
+        }
+        fillTable(m_stMainMenu);
+    }
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(false);
+    TRACE_END();
+}
+
+void STKDialog::showSubMenu()
+{
+    TRACE_START();
+    m_strMenuState = "STK_SUBMENU";
+    if (deleteTableItems()) {
+        m_pExtendDlg->setWindowTitle(m_stSubMenu.strTitle.isEmpty() ? m_strTitle
+                                                                    : m_stSubMenu.strTitle);
+        fillTable(m_stSubMenu);
+    }
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(true);
+    TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
+}
+
+void STKDialog::fetchAndShowMainMenu()
+{
+    m_pStkLogic->GetMainMenu(&m_stMainMenu);
+    showMainMenu();
+}
+
+/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any. */
+int STKDialog::itemIdOf(const StkMenuItems &menu, const QString &strText)
+{
+    int nItemId = 0;
+    for (int i = 0; i < menu.itemList->count(); ++i) {
+        const StkItemClass &item = menu.itemList->at(i);
+        qDebug("Item name = %s, Index=%d", item.strItemText.toUtf8().constData(), item.nItemId);
+        if (item.strItemText == strText)
+            nItemId = item.nItemId;
+    }
+    return nItemId;
+}
+
+void STKDialog::onButtonClickSelect()
+{
+    TRACE_START();
+    if (!m_pTableWidget) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    QTableWidgetItem *pItem = m_pTableWidget->currentItem();
+    if (!pItem || pItem->text().isEmpty())
+        return;
+    const int nItemId = itemIdOf(m_stMainMenu, pItem->text());
+    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
+    if (m_strMenuState == "STK_UNKNOWN" || !m_pStkLogic)
+        return;
+    if (m_strMenuState == "STK_MAINMENU") {
+        if (m_pStkLogic->SelectMainMenuItem(nItemId))
+            stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
+        else
+            fetchAndShowMainMenu();
+    } else if (m_strMenuState == "STK_SUBMENU") {
+        subMenuSeleted(pItem);
+    }
+    TRACE_END();
+}
+
+void STKDialog::subMenuSeleted(QTableWidgetItem *item)
+{
+    TRACE_START();
+    if (!item) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pStkLogic) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    const int nItemId = itemIdOf(m_stSubMenu, item->text());
+    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
+    if (m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_SELECT_ITEM", nItemId))
+        stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
+    else
+        fetchAndShowMainMenu();
+    TRACE_END();
+}
+
+void STKDialog::onButtonClickBack()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        if (m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_RETURN_BACK_ITEM", 0))
+            stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
+        else
+            fetchAndShowMainMenu();
+    }
+    TRACE_END();
+}
+
+void STKDialog::onButtonClickClose()
+{
+    TRACE_START();
+    if (m_pStkLogic && !m_bEnterPressed)
+        m_pStkLogic->GetMainMenu(&m_stMainMenu);
+    bool bClosed = true;
+    if (m_pExtendDlg) {
+        QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
+        bClosed = m_pExtendDlg->close();
+    }
+    // A frame that turned the close into a selection is still there, also when the selection was
+    // refused or answered so fast that no wait is running any more: it keeps its widgets.
+    if (bClosed && m_pStkThread && !m_pStkThread->isRunning() && !m_bEnterPressed) {
+        if (m_pStkTimer)
+            m_pStkTimer->stop(); // it must not reach into the next showing
+        m_pPlayToneTimer = nullptr;
+        m_pTableWidget = nullptr;
+        m_pBtnBack = nullptr;
+        m_pExtendDlg = nullptr;
+        m_pMainWidget = nullptr;
+        m_pBtnSelect = nullptr;
+        m_pBtnClose = nullptr;
+        m_pStkTimer = nullptr;
+    }
+    TRACE_END();
+}
+
+void STKDialog::onCellDoubleClicked(int, int)
+{
+    TRACE_START();
+    onButtonClickSelect();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupMenu()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        fetchAndShowMainMenu();
+        m_pStkLogic->UpdateCBReturnVal(true);
+    }
+    TRACE_END();
+}
+
+void STKDialog::onShowMainMenu()
+{
+    TRACE_START();
+    if (m_pStkLogic)
+        fetchAndShowMainMenu();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSelItem()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        const bool bFetched = m_pStkLogic->GetSubMenu(&m_stSubMenu);
+        if (bFetched)
+            showSubMenu();
+        m_pStkLogic->UpdateCBReturnVal(bFetched);
+    }
+    TRACE_END();
+}
+
+void STKDialog::onSTKEndSession()
+{
+    TRACE_START();
+    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
+        m_pStkInputDlg->CloseDlg();
+    showMainMenu();
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+/* ---- Waiting for the card ---- */
+
+void STKDialog::stkWaitforRespond(int iTimeOut)
+{
+    TRACE_START();
+    if (iTimeOut < 1)
+        return;
+    if (!m_pStkLogic || !m_pStkThread) {
+        TRACE_FILE_FUNC_TIME("Logic instance or thread is null %s: %s: %s: ");
+        return;
+    }
+    m_pStkLogic->SetResponseVar(false);
+    QApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+    m_pStkThread->SetTimeOut(iTimeOut);
+    m_pStkThread->start(QThread::InheritPriority);
+    TRACE_END();
+}
+
+void STKDialog::onChangeCursor()
+{
+    TRACE_START();
+    if (m_pStkLogic && !m_pStkLogic->GetResponseVar()) {
+        TRACE_FILE_FUNC_TIME("m_bRespondence value is false %s: %s: %s: ");
+        if (m_pStkLogic->GetMainMenu(&m_stMainMenu))
+            showMainMenu();
+    }
+    // The wait cursor is covered, not popped: the stack grows by two entries a wait.
+    QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
+    TRACE_END();
+}
+
+void STKDialog::onSTKTimeOut()
+{
+    TRACE_START();
+    if (!m_pStkTimer)
+        return;
+    if (m_strTimerType == "STK_DEVICE_TIMER") {
+        m_strTimerType = "";
+        m_pStkTimer->stop();
+        if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
+            m_pStkInputDlg->CloseDlg();
+        onButtonClickClose();
+    } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
+        m_strTimerType = "";
+        m_pStkTimer->stop();
+        if (m_pMessageBox) {
+            m_pMessageBox->close();
+            m_pMessageBox = nullptr;
+        }
+    }
+    TRACE_END();
+}
+
+/* ---- The modem ---- */
+
+void STKDialog::onDeviceAvailable(bool isAvaialable)
+{
+    TRACE_START();
+    if (isAvaialable) {
+        if (m_pStkLogic)
+            fetchAndShowMainMenu();
+    } else if (m_pStkTimer) {
+        m_strTimerType = "STK_DEVICE_TIMER";
+        if (m_pStkTimer->isActive())
+            m_pStkTimer->stop();
+        m_pStkTimer->start(DEVICE_TIMER_MS);
+    }
+    TRACE_END();
+}
+
+/* ---- Proactive commands that the window does not present ---- */
+
+/* The card is told by the next notification that the command was terminated. */
+void STKDialog::refuseCommand()
+{
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(false);
+}
+
+void STKDialog::onSTKDisplayText()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKGetInkey()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKGetInput()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupCall()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKPlayTone()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKRefresh()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSS()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSMS()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendUSSD()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKLaunchBrowser()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupIdleModeText()
+{
+    TRACE_START();
+    refuseCommand();
+    TRACE_END();
+}
+
+void STKDialog::onCloseInputDlg()
+{
+    TRACE_START();
+    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
+        m_pStkInputDlg->CloseDlg();
+    TRACE_END();
+}
+
+/* No tone plays and no text counts down yet: the timers of these are never started. */
+void STKDialog::onSTKPlayToneTimeOut()
+{
+    TRACE_START();
+    TRACE_END();
+}
+
+void STKDialog::onPlayingFinished()
+{
+    TRACE_FILE_FUNC_LINE("Start of %s: %s: %d: ");
+    TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
+}
+
+void STKDialog::onMessageTimeOut()
+{
+}

@@ -1,0 +1,37 @@
+#ifndef TRACELOG_H
+#define TRACELOG_H
+
+#include <QByteArray>
+#include <QTime>
+#include <QtDebug>
+
+/* The running trace: one line per event on Qt's debug channel.
+ *
+ * The format stands at the place that writes the line, so that it can be searched for and is checked
+ * by the compiler.  A macro fixes nothing but the order of the arguments, which its name spells; the
+ * function is always the bare name of the one that writes.  An implementation file defines
+ * STK_TRACE_FILE, its name in the trace, before it writes its first line. */
+
+/* The time field of a line: hours to milliseconds, all separated by colons. */
+inline QByteArray TraceTime(const QTime &time = QTime::currentTime())
+{
+    return time.toString("hh:mm:ss:zzz").toLocal8Bit();
+}
+
+#define TRACE_FILE_FUNC(format) qDebug(format, STK_TRACE_FILE, __func__)
+#define TRACE_FILE_FUNC_LINE(format) qDebug(format, STK_TRACE_FILE, __func__, __LINE__)
+#define TRACE_FILE_FUNC_TIME(format)                                                               \
+    qDebug(format, STK_TRACE_FILE, __func__, TraceTime().constData())
+#define TRACE_VALUE_FILE_FUNC_TIME(format, value)                                                  \
+    qDebug(format, value, STK_TRACE_FILE, __func__, TraceTime().constData())
+#define TRACE_TIME_FILE_FUNC(format)                                                               \
+    qDebug(format, TraceTime().constData(), STK_TRACE_FILE, __func__)
+#define TRACE_TIME_FILE_FUNC_VALUE(format, value)                                                  \
+    qDebug(format, TraceTime().constData(), STK_TRACE_FILE, __func__, value)
+#define TRACE_TIME_FILE_FUNC_LINE(format) TRACE_TIME_FILE_FUNC_VALUE(format, __LINE__)
+
+/* The entry and exit lines that most functions write. */
+#define TRACE_START() TRACE_FILE_FUNC_TIME("Start of %s: %s: %s: ")
+#define TRACE_END() TRACE_FILE_FUNC_TIME("End of %s: %s: %s: ")
+
+#endif

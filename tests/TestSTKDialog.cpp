@@ -1,0 +1,509 @@
+#include "PluginTest.h"
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QPointer>
+#include <QTimer>
+
+#include "STKInputDlg.h"
+#include "STKThread.h"
+
+#define FILE_NAME "../../src/STKPlugin/STKDialog"
+
+/* The toolkit window: what the user does in it and what the card sends. */
+class TestSTKDialog : public PluginTest
+{
+    Q_OBJECT
+
+    static void waitForEnd(STKDialog *dialog)
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(!dialog->m_pStkThread->isRunning(), 5000);
+        deliver();
+    }
+
+    void answerWith(STKDialog *dialog, int type, int cmdId)
+    {
+        modem.notify(type, cmdId);
+        deliver();
+        waitForEnd(dialog);
+    }
+
+    static void selectBy(const QString &way, int row)
+    {
+        clickRow(row);
+        if (way == "button")
+            QTest::mouseClick(button("Select"), Qt::LeftButton);
+        else if (way == "double click")
+            QTest::mouseDClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                               table()->visualItemRect(table()->item(row, 0)).center());
+        else
+            QTest::keyClick(table(), way == "Return" ? Qt::Key_Return : Qt::Key_Enter);
+    }
+
+    static void addWays()
+    {
+        QTest::addColumn<QString>("way");
+        for (const char *way : {"button", "double click", "Return", "keypad Enter"})
+            QTest::newRow(way) << way;
+    }
+
+private slots:
+    void slotsStandInTheirOrder()
+    {
+        const QMetaObject &meta = STKDialog::staticMetaObject;
+        QStringList names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).methodSignature();
+        QCOMPARE(names.join(" "),
+                 QString("onButtonClickClose() onButtonClickBack() onButtonClickSelect() "
+                         "onCellDoubleClicked(int,int) onSTKTimeOut() onSTKPlayToneTimeOut() "
+                         "onPlayingFinished() onDeviceAvailable(bool) onSTKSetupMenu() onSTKDisplayText() "
+                         "onSTKGetInkey() onSTKGetInput() onSTKSetupCall() onSTKPlayTone() onSTKSelItem() "
+                         "onSTKRefresh() onSTKSendSS() onSTKSendSMS() onSTKSendUSSD() onSTKLaunchBrowser() "
+                         "onSTKSetupIdleModeText() onSTKEndSession() onShowMainMenu() onChangeCursor() "
+                         "onCloseInputDlg() onMessageTimeOut()"));
+        QCOMPARE(meta.method(meta.indexOfMethod("onDeviceAvailable(bool)")).parameterNames().first(),
+                 QByteArray("isAvaialable"));
+    }
+
+    void theWindowIsBuiltAsItShould()
+    {
+        putMainMenu();
+        QRect area;
+        QVERIFY(STKDialog::Instance() == STKDialog::Instance());
+        QCOMPARE(modem.takeCalls(), QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()"}));
+        QWidget parent;
+        QVERIFY(STKDialog::Instance()->ShowStkDlg(&parent, area));
+        QCOMPARE(modem.takeCalls(), QStringList({"GetMainMenu()", "ReleaseMenus()", "GetMainMenu()", "ReleaseMenus()"}));
+        QCOMPARE(frame()->size(), QSize(380, 357));
+        QCOMPARE(frame()->windowTitle(), QString("Operator"));
+        QCOMPARE(frame()->windowModality(), Qt::WindowModal);
+        QCOMPARE(frame()->parentWidget(), &parent);
+        QVERIFY(frame()->testAttribute(Qt::WA_DeleteOnClose));
+        QVERIFY(frame()->findChild<QWidget *>("STKPlugin_StkWidget"));
+        QCOMPARE(table()->size(), QSize(345, 250));
+        QCOMPARE(table()->columnCount(), 1);
+        QCOMPARE(table()->columnWidth(0), 345);
+        QCOMPARE(table()->rowHeight(2), 17);
+        QVERIFY(table()->horizontalHeader()->isHidden() && table()->verticalHeader()->isHidden());
+        QVERIFY(!table()->showGrid() && !table()->tabKeyNavigation());
+        QCOMPARE(table()->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+        QCOMPARE(table()->editTriggers(), QAbstractItemView::EditTriggers(QAbstractItemView::NoEditTriggers));
+        QCOMPARE(table()->selectionBehavior(), QAbstractItemView::SelectRows);
+        QCOMPARE(table()->selectionMode(), QAbstractItemView::SingleSelection);
+        QCOMPARE(rows(), QStringList({"Account", "Banking", "News"}));
+        QCOMPARE(button("Back")->text(), QString("STKPlugin:IDS_STK_BTN_BACK"));
+        QCOMPARE(button("Select")->text(), QString("STKPlugin:IDS_STK_BTN_SELECT"));
+        QCOMPARE(button("Close")->text(), QString("STKPlugin:IDS_STK_BTN_CLOSE"));
+        QVERIFY(!button("Back")->isEnabled());
+        QVERIFY(button("Select")->isEnabled() && button("Close")->isEnabled());
+        QCOMPARE(frame()->focusWidget(), button("Close"));
+        // Everything inside the frame, nothing over anything else.
+        const QRect close(button("Close")->mapTo(frame(), QPoint()), button("Close")->size());
+        const QRect select(button("Select")->mapTo(frame(), QPoint()), button("Select")->size());
+        QVERIFY(frame()->rect().contains(close));
+        QVERIFY(!close.intersects(select));
+    }
+
+    void aMenuIsTracedItemByItem()
+    {
+        STKDialog *const dialog = show();
+        dialog->showMainMenu();
+        QCOMPARE(takeTrace(),
+                 QStringList({"Start of " FILE_NAME ": showMainMenu: TIME: ",
+                              "Start of " FILE_NAME ": deleteTableItems: TIME: ",
+                              "End of " FILE_NAME ": deleteTableItems: TIME: ", "Item name = Account, Index=7",
+                              "Item name = Banking, Index=-1", "Item name = News, Index=300",
+                              "End of " FILE_NAME ": showMainMenu: TIME: "}));
+        dialog->showSubMenu();
+        QCOMPARE(takeTrace().last(), QString("End  of " FILE_NAME ": showSubMenu: TIME: "));
+    }
+
+    void aMainMenuItemIsSelected_data() { addWays(); }
+    void aMainMenuItemIsSelected()
+    {
+        QFETCH(QString, way);
+        STKDialog *const dialog = show();
+        selectBy(way, 2);
+        QCOMPARE(modem.takeCalls(), QStringList("SelectMenuItem(1,300)"));
+        QVERIFY(isBusy());
+        QVERIFY(!dialog->m_bEnterPressed);
+        answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 8);
+        QVERIFY(!isBusy());
+        QCOMPARE(modem.takeCalls(), QStringList({"GetSubMenu(8)", "ReleaseSubMenus()"}));
+        QCOMPARE(frame()->windowTitle(), QString("Accounts"));
+        QCOMPARE(rows(), QStringList({"Current", "Savings"}));
+        QVERIFY(button("Back")->isEnabled());
+
+        selectBy(way, 1);
+        QCOMPARE(modem.takeCalls(), QStringList("SelectSubMenuItem(8,1,6)"));
+        QVERIFY(isBusy());
+        modem.subTitle = "";
+        answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 9);
+        QCOMPARE(frame()->windowTitle(), QString("Operator"));
+        QTest::mouseClick(button("Back"), Qt::LeftButton);
+        QCOMPARE(modem.takeCalls(), QStringList({"GetSubMenu(9)", "ReleaseSubMenus()", "SelectSubMenuItem(9,3,0)"}));
+        QVERIFY(isBusy());
+        answerWith(dialog, MOVA_STKTYPE_END_SESSION, 9);
+        QCOMPARE(rows(), QStringList({"Account", "Banking", "News"}));
+        QVERIFY(!button("Back")->isEnabled());
+        QCOMPARE(modem.takeCalls(), QStringList());
+    }
+
+    void aRefusedSelectionShowsTheMainMenu_data() { addWays(); }
+    void aRefusedSelectionShowsTheMainMenu()
+    {
+        QFETCH(QString, way);
+        STKDialog *const dialog = show();
+        modem.status["SelectMenuItem"] = modem.status["SelectSubMenuItem"] = -1;
+        modem.mainItems = {{1, "Fresh"}};
+        selectBy(way, 0);
+        QCOMPARE(modem.takeCalls(), QStringList({"SelectMenuItem(1,7)", "GetMainMenu()", "ReleaseMenus()"}));
+        QCOMPARE(rows(), QStringList("Fresh"));
+        QVERIFY(!isBusy());
+
+        modem.notify(MOVA_STKTYPE_SELECT_ITEM, 8);
+        deliver();
+        modem.takeCalls();
+        selectBy(way, 0);
+        QCOMPARE(modem.takeCalls(), QStringList({"SelectSubMenuItem(8,1,5)", "GetMainMenu()", "ReleaseMenus()"}));
+        QCOMPARE(rows(), QStringList("Fresh"));
+        modem.notify(MOVA_STKTYPE_SELECT_ITEM, 9);
+        deliver();
+        QTest::mouseClick(button("Back"), Qt::LeftButton);
+        QCOMPARE(rows(), QStringList("Fresh"));
+        // The window is as usable as before, whichever way the refused selection came.
+        modem.status.clear();
+        modem.takeCalls();
+        selectBy(way, 0);
+        QCOMPARE(modem.takeCalls(), QStringList("SelectMenuItem(1,1)"));
+        QVERIFY(dialog->m_pStkThread->isRunning());
+    }
+
+    void identifiersAreFoundByName()
+    {
+        modem.mainItems.clear();
+        STKDialog *const dialog = show();
+        modem.mainItems = {{1, "Same"}, {2, "Other"}, {3, "Same"}, {4, ""}};
+        modem.subItems = {{9, "Same"}, {0, "Only here"}};
+        dialog->onSTKSetupMenu();
+        modem.takeCalls();
+        takeTrace();
+        clickRow(0);
+        takeTrace();
+        dialog->onButtonClickSelect();
+        QCOMPARE(modem.takeCalls(), QStringList("SelectMenuItem(1,3)"));
+        QCOMPARE(takeTrace().mid(0, 6),
+                 QStringList({"Start of " FILE_NAME ": onButtonClickSelect: TIME: ", "Item name = Same, Index=1",
+                              "Item name = Other, Index=2", "Item name = Same, Index=3", "Item name = , Index=4",
+                              "Current Index value = 3 " FILE_NAME ": onButtonClickSelect: TIME: "}));
+        answerWith(dialog, 55, 1);
+        clickRow(3); // no text: nothing to select
+        dialog->onButtonClickSelect();
+        QCOMPARE(modem.takeCalls(), QStringList());
+        answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 2);
+        modem.takeCalls();
+        clickRow(0);
+        dialog->onButtonClickSelect();
+        QCOMPARE(modem.takeCalls(), QStringList("SelectSubMenuItem(2,1,9)"));
+    }
+
+    void selectionsThatMeanNothing()
+    {
+        STKDialog *const dialog = STKDialog::Instance();
+        modem.takeCalls();
+        dialog->onButtonClickSelect(); // no window yet
+        QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": onButtonClickSelect "));
+        dialog->subMenuSeleted(nullptr);
+        QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": subMenuSeleted "));
+        dialog->showMainMenu();
+        QVERIFY(takeTrace().contains("Table Widget is null " FILE_NAME ": deleteTableItems: TIME: "));
+        modem.status["GetMainMenu"] = -1;
+        QRect area;
+        QVERIFY(dialog->ShowStkDlg(nullptr, area));
+        QCOMPARE(frame()->windowTitle(), QString());
+        modem.takeCalls();
+        QTest::mouseClick(button("Select"), Qt::LeftButton);
+        QCOMPARE(modem.takeCalls(), QStringList());
+    }
+
+    void aWaitWithoutAnAnswerEndsInTheMainMenu()
+    {
+        STKDialog *const dialog = show();
+        modem.notify(MOVA_STKTYPE_SELECT_ITEM, 8);
+        deliver();
+        modem.takeCalls();
+        dialog->stkWaitforRespond(1);
+        QVERIFY(isBusy());
+        waitForEnd(dialog);
+        QCOMPARE(modem.takeCalls(), QStringList({"GetMainMenu()", "ReleaseMenus()"}));
+        QCOMPARE(rows(), QStringList({"Account", "Banking", "News"}));
+        QVERIFY(!isBusy());
+        QVERIFY(takeTrace().contains("m_bRespondence value is false " FILE_NAME ": onChangeCursor: TIME: "));
+        for (int timeOut : {0, -1}) {
+            dialog->stkWaitforRespond(timeOut);
+            QVERIFY(!dialog->m_pStkThread->isRunning());
+            QVERIFY(!isBusy());
+        }
+    }
+
+    void aSecondWaitReplacesTheTimeOut()
+    {
+        STKDialog *const dialog = show();
+        dialog->stkWaitforRespond(1000000);
+        modem.notify(55, 1); // would end the wait at its next poll
+        dialog->stkWaitforRespond(1000000);
+        QTest::qWait(250);
+        QVERIFY(dialog->m_pStkThread->isRunning());
+        dialog->stkWaitforRespond(1);
+        waitForEnd(dialog);
+        QVERIFY(!isBusy());
+    }
+
+    void closing_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<bool>("waiting");
+        QTest::addColumn<bool>("returnPending");
+        QTest::addColumn<bool>("closes");
+        QTest::addColumn<QStringList>("calls");
+        const QStringList refresh({"GetMainMenu()", "ReleaseMenus()"});
+        for (const char *way : {"button", "escape", "title bar"}) {
+            const bool direct = QString(way) == "title bar";
+            QTest::addRow("%s, idle", way) << way << false << false << true << (direct ? refresh : refresh + refresh);
+            QTest::addRow("%s, waiting", way) << way << true << false << false
+                                              << (direct ? QStringList() : refresh);
+            QTest::addRow("%s, Return pending", way) << way << false << true << false
+                                                     << QStringList("SelectMenuItem(1,7)");
+            QTest::addRow("%s, both", way) << way << true << true << false << QStringList();
+        }
+    }
+
+    void closing()
+    {
+        QFETCH(QString, way);
+        QFETCH(bool, waiting);
+        QFETCH(bool, returnPending);
+        QFETCH(bool, closes);
+        QFETCH(QStringList, calls);
+        STKDialog *const dialog = show();
+        QPointer<QDialog> window = frame();
+        clickRow(0);
+        dialog->m_bEnterPressed = returnPending;
+        if (waiting)
+            dialog->stkWaitforRespond(1000000);
+        if (way == "button")
+            QTest::mouseClick(button("Close"), Qt::LeftButton);
+        else if (way == "escape")
+            QTest::keyClick(window, Qt::Key_Escape);
+        else
+            window->close();
+        QCOMPARE(modem.takeCalls(), calls);
+        QCOMPARE(!window->isVisible(), closes);
+        QCOMPARE(dialog->m_bEnterPressed, waiting && returnPending);
+        QCOMPARE(dialog->m_pTableWidget.isNull(), closes);
+        QCOMPARE(isBusy(), way == "title bar" ? waiting || returnPending : !waiting && returnPending);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(window.isNull(), closes);
+    }
+
+    void shownAndClosedTenTimes()
+    {
+        QWidget parent;
+        parent.show();
+        putMainMenu();
+        QRect area;
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(STKDialog::Instance()->ShowStkDlg(&parent, area));
+            QCOMPARE(rows().size(), 3);
+            QPointer<QDialog> window = frame();
+            if (i % 3 == 0)
+                QTest::mouseClick(button("Close"), Qt::LeftButton);
+            else if (i % 3 == 1)
+                window->close();
+            else
+                delete window; // its parent took it along
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QVERIFY(window.isNull());
+            // What the card sends to the closed window is taken without one.
+            for (int type : {0, 6, 99, 55})
+                modem.notify(type, i);
+            modem.device(i % 2 ? 6601 : 6602);
+            deliver();
+        }
+        // Both timers of every showing stay with the dialog.
+        QCOMPARE(STKDialog::Instance()->findChildren<QTimer *>().size(), 20);
+    }
+
+    void theWindowOutlivesItsDialogUnharmed()
+    {
+        show();
+        QPointer<QDialog> window = frame();
+        STKDialog::Destroy();
+        QVERIFY(window);
+        clickRow(0);
+        QTest::keyClick(table(), Qt::Key_Return);
+        QTest::keyClick(window, Qt::Key_Escape);
+        window->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(window.isNull());
+    }
+
+    void destructionStopsARunningWait()
+    {
+        for (int pause : {0, 150}) { // also in the moment in which the thread is only starting
+            STKDialog *const dialog = show();
+            dialog->stkWaitforRespond(1000000);
+            QTest::qWait(pause);
+            QElapsedTimer elapsed;
+            elapsed.start();
+            STKDialog::Destroy();
+            QVERIFY(elapsed.elapsed() < 2000);
+            QCOMPARE(ui.threadWaitSeconds, 5);
+            STKDialog::Destroy();
+        }
+    }
+
+    void theLogicGoesWithTheFirstOfItsOwners_data()
+    {
+        QTest::addColumn<QString>("first");
+        for (const char *first : {"window", "input", "logic"})
+            QTest::newRow(first) << first;
+    }
+
+    void theLogicGoesWithTheFirstOfItsOwners()
+    {
+        QFETCH(QString, first);
+        STKDialog *const dialog = show();
+        clickRow(0);
+        if (first == "input")
+            STKInputDlg::DestroyInstance();
+        else if (first == "logic")
+            STKLogic::DestroyInst();
+        else
+            STKDialog::Destroy();
+        modem.takeCalls();
+        modem.notify(MOVA_STKTYPE_SETUP_MENU, 1);
+        deliver();
+        if (first != "window") {
+            // Every slot finds the logic gone and leaves the card alone.
+            for (int i = STKDialog::staticMetaObject.methodOffset() + 1; i < STKDialog::staticMetaObject.methodCount(); ++i) {
+                const QMetaMethod slot = STKDialog::staticMetaObject.method(i);
+                if (slot.parameterCount() == 0)
+                    QVERIFY(slot.invoke(dialog));
+            }
+            dialog->stkWaitforRespond(20);
+            dialog->unSDKRegisterEvent();
+        }
+        QCOMPARE(modem.takeCalls(), QStringList());
+        STKDialog::Destroy();
+        QVERIFY(STKDialog::Instance());
+        QCOMPARE(modem.takeCalls().size(), 2);
+    }
+
+    void theCardRedrawsTheList()
+    {
+        STKDialog *const dialog = show();
+        modem.mainTitle = "Newer";
+        modem.mainItems = {{1, "<b>x</b>"}, {2, "<GO-BACKWARDS>"}};
+        modem.notify(MOVA_STKTYPE_SETUP_MENU, 1);
+        QCOMPARE(rows().size(), 3); // queued: the card's thread draws nothing
+        deliver();
+        QCOMPARE(rows(), QStringList({"<b>x</b>", "<GO-BACKWARDS>"}));
+        QCOMPARE(frame()->windowTitle(), QString("Newer"));
+        modem.status["GetSubMenu"] = -1;
+        modem.takeCalls();
+        modem.notify(MOVA_STKTYPE_SELECT_ITEM, 2);
+        deliver();
+        QCOMPARE(rows(), QStringList({"<b>x</b>", "<GO-BACKWARDS>"})); // unreadable: as it was
+        QCOMPARE(dialog->m_strMenuState, QString("STK_MAINMENU"));
+        // It reported false, so the next command is answered as terminated and the menu comes back.
+        modem.notify(MOVA_STKTYPE_SETUP_MENU, 3);
+        deliver();
+        QCOMPARE(modem.takeCalls(), QStringList({"GetSubMenu(2)", "SendNoDataResponse(3,0,0)", "GetMainMenu()",
+                                                 "ReleaseMenus()", "GetMainMenu()", "ReleaseMenus()"}));
+    }
+
+    void commandsThatAreNotPresentedAreTerminated()
+    {
+        show();
+        for (int type : {1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12}) {
+            modem.notify(type, type);
+            deliver();
+            QCOMPARE(modem.takeCalls(), QStringList());
+            modem.notify(99, 100 + type);
+            deliver();
+            QCOMPARE(modem.takeCalls().mid(0, 1), QStringList(QString("SendNoDataResponse(%1,99,0)").arg(100 + type)));
+        }
+    }
+
+    void theModemGoesAndComes()
+    {
+        STKDialog *const dialog = show();
+        QPointer<QDialog> window = frame();
+        modem.device(MOVA_DEV_EVENT_DEVICE_REMOVED);
+        QTRY_VERIFY(!window || !window->isVisible());
+        modem.device(MOVA_DEV_EVENT_DEVICE_NOT_READY); // nothing is open any more
+        deliver();
+        show();
+        modem.mainItems = {{1, "Back again"}};
+        modem.device(MOVA_DEV_EVENT_DEVICE_READY);
+        deliver();
+        QCOMPARE(rows(), QStringList("Back again"));
+        // Closed before the modem's own time-out could close it, and shown again: it stays.
+        modem.device(MOVA_DEV_EVENT_DEVICE_REMOVED);
+        deliver();
+        frame()->close();
+        show();
+        QTest::qWait(300);
+        QVERIFY(frame());
+        Q_UNUSED(dialog);
+    }
+
+    void textsFollowTheLanguage()
+    {
+        STKDialog *const dialog = STKDialog::Instance();
+        dialog->SetStkUiText();
+        QVERIFY(takeTrace().contains("Widgets id NULL " FILE_NAME ": SetStkUiText: TIME: "));
+        dialog->setStkObjectName();
+        QVERIFY(takeTrace().contains("Some widget is null  " FILE_NAME ": setStkObjectName: TIME: "));
+        show();
+        ui.language = "de:";
+        dialog->SetStkUiText();
+        QCOMPARE(button("Back")->text(), QString("de:STKPlugin:IDS_STK_BTN_BACK"));
+        QCOMPARE(rows(), QStringList({"Account", "Banking", "News"}));
+    }
+
+    void callbacksStormWhileTheUserActs()
+    {
+        STKDialog *const dialog = show();
+        std::atomic<bool> stop(false);
+        std::thread storm([&] {
+            MOVA_STKNotifyData data = {MOVA_STKTYPE_SETUP_MENU, 0, 0};
+            for (int i = 0; !stop; ++i) {
+                const int types[] = {0, 6, 99, 55};
+                data.enStkType = static_cast<_MOVA_EN_STKTYPE>(types[i % 4]);
+                data.sCmdId = static_cast<int16_t>(i);
+                modem.stkCallback(0, &data);
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+        for (int i = 0; i < 40; ++i) {
+            deliver();
+            clickRow(0);
+            dialog->onButtonClickSelect();
+            QTest::qWait(5);
+        }
+        stop = true;
+        storm.join();
+        waitForEnd(dialog);
+        QVERIFY(frame());
+    }
+};
+
+QTEST_MAIN(TestSTKDialog)
+#include "TestSTKDialog.moc"
