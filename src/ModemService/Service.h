@@ -1,0 +1,9 @@
+#ifndef SERVICE_H
+#define SERVICE_H
+
+#include "Session.h"
+
+/// The session of the process, which the C functions and the host share.  It ends with the process.
+Session& theSession();
+
+#endif

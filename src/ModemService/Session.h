@@ -1,0 +1,136 @@
+#ifndef SESSION_H
+#define SESSION_H
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "Card.h"
+#include "CardHost.h"
+#include "ProactiveCommand.h"
+#include "Transcript.h"
+
+/// The toolkit session between one card and one terminal.
+///
+/// It has a thread of its own, on which the card lives and both callbacks are called, one at a time
+/// and in order.  Every function may be called from any thread, from inside a callback too, and
+/// returns without waiting for the card; those that return a number return a ServiceStatus, or the
+/// status of a fault that the card asked for.
+class Session {
+public:
+    Session();
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // The terminal's side.
+
+    /// One callback of each kind: a second one fails, the same one again is a success.
+    int32_t registerCommandCallback(MOVA_STKCallback callback);
+    int32_t registerDeviceCallback(MOVA_DevMgrCallback callback);
+    /// No call of the callback is running on another thread when these return, and none will start.
+    int32_t unregisterCommandCallback(MOVA_STKCallback callback);
+    int32_t unregisterDeviceCallback(MOVA_DevMgrCallback callback);
+
+    int32_t mainMenu(CommandMenu& menu);
+    int32_t selectMenuItem(int16_t itemId);
+    /// The details of the command in progress, which must be of the given type.
+    int32_t details(ServiceFunction function, int16_t commandId, int32_t type, CommandBody& body);
+    int32_t selectSubMenuItem(int16_t commandId, int32_t action, int16_t itemId);
+    /// Answers the command in progress, which must be of the given type.
+    int32_t answer(ServiceFunction function, int16_t commandId, int32_t type,
+                   const TerminalResponse& response);
+    /// The status of a menu's release: what the card's faults say of it.
+    int32_t releaseStatus(ServiceFunction function);
+
+    // The network's side.
+
+    /// Puts the card into the modem, in place of the one that is there.  Null takes it out.
+    void insertCard(std::unique_ptr<Card> card);
+    void removeModem();
+    void insertModem();
+    void endSession();
+    void timeOutSession();
+    CardHost::ModemState state();
+    /// Runs the function with the card that is in the modem now, on the session's thread; never
+    /// where there is none or the modem was removed by then.
+    void withCard(std::function<void(Card&)> function);
+
+    Transcript& transcript() { return m_transcript; }
+
+private:
+    // Locks the session; at its end tells the transcript what happened under the lock.
+    class Guard;
+
+    struct CommandInProgress {
+        int16_t id = 0;
+        ProactiveCommand command;
+        bool open = true; // waits for its answer
+        Card::Time deadline;
+    };
+
+    enum class Running { None, CommandCallback, DeviceCallback };
+    using Request = std::function<void()>;
+
+    template <class Callback>
+    int32_t registerCallback(ServiceFunction function, Callback& slot, Callback callback);
+    template <class Callback>
+    int32_t unregisterCallback(ServiceFunction function, Callback& slot, Callback callback,
+                               Running kind);
+
+    // With the lock held:
+    int32_t cardStatus(ServiceFunction function) const;
+    int32_t commandStatus(ServiceFunction function, int16_t commandId, int32_t type) const;
+    int32_t refuse(ServiceFunction function, std::optional<int16_t> commandId, int32_t status);
+    int32_t mainMenuStatus(ServiceFunction function) const;
+    void post(Request request);
+    void postResponse(const TerminalResponse& response);
+    void answerCurrent(const TerminalResponse& response, std::optional<ServiceFunction> function);
+    std::optional<TerminalResponse> closeCurrent();
+    void forgetSession();
+    int16_t newCommandId();
+    Card::Time deadline() const;
+
+    // On the session's thread:
+    void run();
+    bool runRequest(std::unique_lock<std::mutex>& lock);
+    bool pollCard(std::unique_lock<std::mutex>& lock, Card::Time& wakeUp);
+    bool passDeadline(std::unique_lock<std::mutex>& lock);
+    void handle(CardEvent& event, std::unique_lock<std::mutex>& lock);
+    void announce(ProactiveCommand command, std::unique_lock<std::mutex>& lock);
+    void reportEndOfSession(std::unique_lock<std::mutex>& lock);
+    void reportTimeOut(std::unique_lock<std::mutex>& lock);
+    void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex>& lock);
+    void callDevice(int code, std::unique_lock<std::mutex>& lock);
+
+    Transcript m_transcript;
+    std::mutex m_mutex;
+    std::condition_variable m_wake; // for the session's thread
+    std::condition_variable m_returned; // a callback has returned
+
+    MOVA_STKCallback m_commandCallback = nullptr;
+    MOVA_DevMgrCallback m_deviceCallback = nullptr;
+    Running m_running = Running::None;
+
+    std::shared_ptr<Card> m_card;
+    std::vector<std::shared_ptr<Card>> m_oldCards; // to be destroyed on the session's thread
+    CardTraits m_traits;
+    unsigned m_epoch = 0; // changes where what the card is doing no longer counts
+    bool m_removed = false;
+    bool m_underWay = false; // a proactive session that is more than the card's main menu
+    std::optional<ProactiveCommand> m_menu;
+    std::optional<CommandInProgress> m_current;
+    int16_t m_lastCommandId = 0;
+
+    std::deque<Request> m_requests;
+    bool m_stop = false;
+    std::thread m_thread;
+};
+
+#endif
