@@ -9,7 +9,7 @@
     </message>
     <message>
         <source>IDS_STK_BTN_SELECT</source>
-        <translation>Auswählen</translation>
+        <translation>Wählen</translation>
     </message>
     <message>
         <source>IDS_STK_BTN_CLOSE</source>

@@ -45,8 +45,10 @@ CommandLine CommandLine::parse(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription("The connection manager of a mobile broadband modem.");
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
+    // The parser's own help option would also offer arguments of Qt, which are not read here.
+    const QCommandLineOption help({"h", "help"}, "Show this help.");
+    const QCommandLineOption version({"v", "version"}, "Show the version.");
+    parser.addOptions({help, version});
     for (const OptionRow &row : Options)
         parser.addOption({row.name, row.description, row.value});
 

@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenuBar>
+#include <QRegularExpression>
 #include <QStatusBar>
 
 #include "Languages.h"
@@ -56,6 +57,13 @@ QString cardName(const QString &fileName)
         return QFileInfo(fileName).completeBaseName();
     const QString name = QJsonDocument::fromJson(file.readAll()).object().value("name").toString();
     return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
+}
+
+// For buttons, which take no key; Chinese puts the key behind the text, in parentheses.
+QString withoutMnemonic(QString text)
+{
+    static const QRegularExpression trailingKey("\\(&.\\)");
+    return text.remove(trailingKey).remove('&');
 }
 
 } // namespace
@@ -266,8 +274,10 @@ QWidget *MainWindow::createTranscriptBar()
 void MainWindow::retranslate()
 {
     setWindowTitle(text("IDS_CM_TITLE"));
-    for (const auto &entry : qAsConst(m_actionTexts))
+    for (const auto &entry : qAsConst(m_actionTexts)) {
         entry.first->setText(text(entry.second));
+        entry.first->setIconText(withoutMnemonic(text(entry.second)));
+    }
     for (const auto &entry : qAsConst(m_menuTexts))
         entry.first->setTitle(text(entry.second));
     for (QAction *action : qAsConst(m_languageActions))
@@ -320,7 +330,7 @@ void MainWindow::chooseCard()
 
 void MainWindow::showAbout()
 {
-    CommonUtils::ShowMessage(QMessageBox::Information, this, text("IDS_CM_ABOUT").remove('&'),
+    CommonUtils::ShowMessage(QMessageBox::Information, this, withoutMnemonic(text("IDS_CM_ABOUT")),
                              text("IDS_CM_TITLE") + ' ' + QCoreApplication::applicationVersion(),
                              "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr,
                              text("IDS_CM_ABOUT_TEXT") + "\n\n" + m_plugin.description() + ", Qt "

@@ -39,11 +39,19 @@ void writeError(const QString &line)
     std::fflush(stderr);
 }
 
+// The offscreen platform says what a window manager would do for windows.
+bool isNoise(const QString &line)
+{
+    return line.startsWith("This plugin does not support ");
+}
+
 void handle(QtMsgType type, const QMessageLogContext &, const QString &line)
 {
     const QMutexLocker lock(&channel);
     if (type == QtDebugMsg)
         writeTrace(line);
+    else if (isNoise(line))
+        return;
     else if (!lookingForDisplay)
         writeError(line);
     else if (type == QtFatalMsg)

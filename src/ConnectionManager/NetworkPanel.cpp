@@ -11,6 +11,8 @@ namespace {
 
 constexpr int Gap = 12; // pixels between the two windows
 constexpr int ButtonHeight = 34;
+constexpr int Width = 270;
+constexpr int TitleBar = 32; // what a window manager adds, which is known only afterwards
 
 } // namespace
 
@@ -32,7 +34,7 @@ NetworkPanel::NetworkPanel(const QList<QAction *> &actions)
         layout->addWidget(button);
     }
     layout->addStretch();
-    setMinimumWidth(240);
+    setFixedWidth(Width);
     retranslate();
 }
 
@@ -44,12 +46,15 @@ void NetworkPanel::retranslate()
 
 void NetworkPanel::showBeside(const QWidget *window)
 {
-    adjustSize();
+    resize(Width, layout()->totalHeightForWidth(Width));
     const QRect screen = window->screen()->availableGeometry();
     const QRect beside = window->frameGeometry();
     QPoint place(beside.right() + Gap, beside.top());
     if (place.x() + width() > screen.right())
-        place.setX(qMax(screen.left(), beside.left() - Gap - width()));
+        place.setX(beside.left() - Gap - width());
+    if (place.x() < screen.left())
+        place = screen.bottomRight() - QPoint(width() + Gap, height() + TitleBar + Gap);
     move(place);
     show();
+    raise();
 }

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QMainWindow>
 #include <QPainter>
 #include <QWidget>
 
@@ -15,12 +16,15 @@ QRect framed(const QWidget *window)
     return window->geometry().adjusted(-1, -TitleHeight, 1, 1);
 }
 
-bool isDialog(const QWidget *window)
+// The main window lies under the other windows, and dialogs lie over all of them.
+int height(const QWidget *window)
 {
-    return window->windowFlags().testFlag(Qt::Dialog);
+    if (window->windowType() == Qt::Dialog)
+        return window->isModal() ? 3 : 2;
+    return qobject_cast<const QMainWindow *>(window) ? 0 : 1;
 }
 
-// Dialogs lie over the windows that they belong to; menus and tool tips are left out.
+// Menus and tool tips are left out.
 QList<QWidget *> visibleWindows()
 {
     QList<QWidget *> windows;
@@ -29,10 +33,8 @@ QList<QWidget *> visibleWindows()
         if (widget->isVisible() && framedWindow)
             windows << widget;
     }
-    std::stable_sort(windows.begin(), windows.end(), [](const QWidget *a, const QWidget *b) {
-        const auto rank = [](const QWidget *w) { return isDialog(w) ? 1 + w->isModal() : 0; };
-        return rank(a) < rank(b);
-    });
+    std::stable_sort(windows.begin(), windows.end(),
+                     [](const QWidget *a, const QWidget *b) { return height(a) < height(b); });
     return windows;
 }
 

@@ -1,7 +1,6 @@
 #include <cstdio>
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QDir>
 
 #include "CommandLine.h"
@@ -23,11 +22,24 @@ CommandLine readCommandLine(int argc, char *argv[])
     return CommandLine::parse(QCoreApplication::arguments());
 }
 
+bool hasScreen()
+{
+    const QString platform = QGuiApplication::platformName();
+    return platform != "offscreen" && platform != "minimal";
+}
+
 // Somebody who could close a message box is there.
 bool isWatched(const CommandLine &line)
 {
-    static const QStringList unseen = {"offscreen", "minimal", "minimalegl", "vnc"};
-    return line.walkthrough.isEmpty() && !unseen.contains(QGuiApplication::platformName());
+    return line.walkthrough.isEmpty() && hasScreen();
+}
+
+// Without a desktop to ask, Qt's font is larger than any desktop's.
+void useDesktopFontSize()
+{
+    QFont font = QApplication::font();
+    font.setPointSize(9);
+    QApplication::setFont(font);
 }
 
 int cannotStart(const CommandLine &line, const QString &reason)
@@ -127,6 +139,8 @@ int main(int argc, char *argv[])
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
     Messages::displayFound();
+    if (!hasScreen())
+        useDesktopFontSize();
     QApplication::setWindowIcon(ModemIcon::simCard());
     QApplication::setQuitOnLastWindowClosed(false);
     Languages::apply(line.language.isEmpty() ? Languages::ofDesktop() : line.language);

@@ -1,0 +1,228 @@
+// The real host with the real plug-in and libraries, as a person starts it.
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString Source = STK_SOURCE_DIR;
+
+struct Run
+{
+    int status;
+    QStringList errors; // lines of standard error
+};
+
+} // namespace
+
+class EndToEnd : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void refusesToStart_data();
+    void refusesToStart();
+    void needsDisplay();
+    void showsHelp();
+    void brokenCardKeepsRunning();
+    void playsDemo();
+    void failedStep_data();
+    void failedStep();
+    void closesInEveryState_data();
+    void closesInEveryState();
+
+private:
+    Run run(const QStringList &arguments, const QString &platform = "offscreen");
+    QString write(const QString &name, const QByteArray &text);
+    QList<QByteArray> linesOf(const QString &name);
+
+    QTemporaryDir m_folder;
+};
+
+Run EndToEnd::run(const QStringList &arguments, const QString &platform)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_QPA_PLATFORM", platform);
+    environment.insert("DISPLAY", ":4711");
+    environment.insert("XDG_RUNTIME_DIR", m_folder.path());
+    process.setProcessEnvironment(environment);
+    process.start(STK_BIN_DIR "/ConnectionManager", arguments);
+    if (!process.waitForFinished(200000) || process.exitStatus() != QProcess::NormalExit)
+        return {-1, {process.errorString(), process.readAllStandardError()}};
+    const QString errors = QString::fromUtf8(process.readAllStandardError());
+    return {process.exitCode(), errors.split('\n', Qt::SkipEmptyParts)};
+}
+
+QString EndToEnd::write(const QString &name, const QByteArray &text)
+{
+    const QString path = m_folder.filePath(name);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(text);
+    return path;
+}
+
+QList<QByteArray> EndToEnd::linesOf(const QString &name)
+{
+    QFile file(m_folder.filePath(name));
+    file.open(QIODevice::ReadOnly);
+    QList<QByteArray> lines = file.readAll().split('\n');
+    lines.removeLast();
+    return lines;
+}
+
+void EndToEnd::refusesToStart_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error"); // a regular expression for the one line
+    const auto row = [](const char *name, const QStringList &arguments, const QString &error) {
+        QTest::newRow(name) << arguments << error;
+    };
+    const auto foreign = [this](const QString &folder) { return m_folder.filePath(folder); };
+    write("text/STKPlugin/libSTKPlugin.so", QByteArray("no library\n").repeated(1000));
+
+    row("unknown option", {"--cart", "x"}, "Unknown option 'cart'\\.");
+    row("option without value", {"--card"}, "Missing value after '--card'\\.");
+    row("empty value", {"--card="}, "option --card needs a FILE");
+    row("unexpected argument", {"demo.json"}, "unexpected argument \"demo.json\"");
+    row("unknown language", {"--language", "tlh"},
+        "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
+    row("missing card", {"--card", "/absent.json"}, "/absent.json: no such card scenario");
+    row("missing walkthrough", {"--walkthrough", "/absent.json"},
+        "/absent.json: expected a walkthrough, found no readable file: .*");
+    row("bad walkthrough", {"--walkthrough", write("bad.json", "[{\"open\":1}]")},
+        ".*/bad.json: step 1: \"open\": expected true, found 1");
+    row("trace", {"--trace", "/absent/x"}, "/absent/x: cannot write the trace: No such file or directory");
+    row("transcript", {"--transcript", "/absent/x"},
+        "/absent/x: cannot write the transcript: No such file or directory");
+    row("screenshots", {"--screenshots", "/dev/null/x"},
+        "/dev/null/x: cannot make this folder for the pictures");
+
+    const QString plugin = "cannot load the SIM toolkit plug-in .*/STKPlugin/libSTKPlugin.so: ";
+    row("no plug-in", {"--plugins", "/absent"}, plugin + "no such file");
+    row("text as plug-in", {"--plugins", foreign("text")}, plugin + ".*(invalid ELF header|not a valid).*");
+    row("newer Qt", {"--plugins", STK_TEST_PLUGINS "/NewerQt"},
+        plugin + "it was built with Qt 5\\.99\\.0, this application runs with Qt .*");
+    row("other plug-in", {"--plugins", STK_TEST_PLUGINS "/NoInterfaces"},
+        plugin + "it is no user-interface plug-in of this application");
+}
+
+void EndToEnd::refusesToStart()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, error);
+    const Run result = run(arguments);
+    QCOMPARE(result.status, 2);
+    QVERIFY2(result.errors.size() == 1, qPrintable(result.errors.join(" | ")));
+    const QRegularExpression whole("^ConnectionManager: " + error + '$');
+    QVERIFY2(whole.match(result.errors.first()).hasMatch(), qPrintable(result.errors.first()));
+}
+
+void EndToEnd::needsDisplay()
+{
+    const Run result = run({}, "xcb");
+    QCOMPARE(result.status, 2);
+    QCOMPARE(result.errors, QStringList("ConnectionManager: no display: could not connect to display :4711"));
+}
+
+void EndToEnd::showsHelp()
+{
+    const Run result = run({"--help"}, "xcb");
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.errors, QStringList());
+}
+
+void EndToEnd::brokenCardKeepsRunning()
+{
+    const QString card = write("broken.json", "{\"menu\": 5}");
+    const Run result = run({"--card", card, "--walkthrough", write("quit.json", "[{\"wait\":50},{\"quit\":true}]")});
+    QCOMPARE(result.status, 0);
+    QVERIFY2(result.errors.size() == 1, qPrintable(result.errors.join(" | ")));
+    QVERIFY2(result.errors.first().startsWith("ConnectionManager: " + card + ": "), qPrintable(result.errors.first()));
+}
+
+void EndToEnd::playsDemo()
+{
+    const QString pictures = m_folder.filePath("new/pictures");
+    const Run result = run({"--card", Source + "/cards/demo.json", "--walkthrough",
+                            Source + "/cards/demo.walkthrough.json", "--screenshots", pictures, "--transcript",
+                            m_folder.filePath("transcript"), "--trace", m_folder.filePath("trace")});
+    QVERIFY2(result.status == 0, qPrintable(result.errors.join(" | ")));
+    QCOMPARE(result.errors, QStringList());
+
+    const QStringList names = QDir(pictures).entryList({"*.png"});
+    QVERIFY(names.size() >= 3);
+    for (const QString &name : names)
+        QVERIFY2(QImage(pictures + '/' + name).width() >= 700, qPrintable(name));
+    const QList<QByteArray> transcript = linesOf("transcript");
+    QVERIFY(transcript.size() > 10);
+    for (const QByteArray &line : transcript)
+        QVERIFY2(!QJsonDocument::fromJson(line).object().isEmpty(), line);
+    QVERIFY(linesOf("trace").contains("../../src/STKPlugin/STKPlugin: UnSDKRegisterEvent exit"));
+}
+
+void EndToEnd::failedStep_data()
+{
+    QTest::addColumn<QByteArray>("steps");
+    QTest::addColumn<QString>("error");
+    const QByteArray open = "[{\"open\":true},{\"expectMenu\":{\"back\":false}},";
+    QTest::newRow("menu") << open + "{\"expectMenu\":{\"title\":\"X\"},\"within\":50}]"
+                          << "step 3 (expectMenu): expected {\"title\":\"X\"}, seen {\"title\":\"T\"}";
+    QTest::newRow("row") << open + "{\"select\":\"x\",\"within\":50}]"
+                         << "step 3 (select): expected a row \"x\" to select, seen [\"a\",\"b\"]";
+    QTest::newRow("back") << open + "{\"back\":true,\"within\":50}]"
+                          << "step 3 (back): expected an enabled Back button, seen the button is disabled";
+    QTest::newRow("busy") << open + "{\"expectBusy\":true,\"within\":50}]"
+                          << "step 3 (expectBusy): expected a wait cursor, seen no wait cursor";
+    QTest::newRow("closed") << open + "{\"expectClosed\":true,\"within\":50}]"
+                            << "step 3 (expectClosed): expected no SIM toolkit window, seen one titled \"T\"";
+    QTest::newRow("no window") << "[{\"key\":\"Up\",\"within\":50}]"
+                               << "step 1 (key): expected a window of the SIM toolkit for the key, seen none";
+    QTest::newRow("no modem") << "[{\"modem\":\"removed\"},{\"wait\":300},{\"open\":true,\"within\":50}]"
+                              << "step 3 (open): expected a modem with a toolkit, seen the SIM toolkit button is disabled";
+}
+
+void EndToEnd::failedStep()
+{
+    QFETCH(QByteArray, steps);
+    QFETCH(QString, error);
+    const QString card = write("card.json", R"({"menu": {"title": "T", "items": [
+        {"id": 1, "text": "a", "do": []}, {"id": 2, "text": "b", "do": []}]}})");
+    const QString walkthrough = write("failing.json", steps);
+    const Run result = run({"--card", card, "--walkthrough", walkthrough, "--language", "en"});
+    QCOMPARE(result.errors, QStringList("ConnectionManager: " + walkthrough + ": " + error));
+    QCOMPARE(result.status, 1);
+}
+
+// The end of the application while the toolkit is in the middle of something.
+void EndToEnd::closesInEveryState_data()
+{
+    QTest::addColumn<QByteArray>("steps");
+    const QByteArray open = "[{\"open\":true},{\"expectMenu\":{\"title\":\"T\"}},";
+    QTest::newRow("no window") << QByteArray("[{\"quit\":true}]");
+    QTest::newRow("menu") << open + "{\"quit\":true}]";
+    QTest::newRow("waiting") << open + "{\"select\":\"a\"},{\"expectBusy\":true},{\"quit\":true}]";
+    QTest::newRow("closed") << open + "{\"close\":true},{\"expectClosed\":true},{\"open\":true},"
+                                      "{\"expectMenu\":{\"title\":\"T\"}},{\"escape\":true},{\"expectClosed\":true}]";
+    QTest::newRow("modem removed") << open + "{\"modem\":\"removed\"},{\"quit\":true}]";
+}
+
+void EndToEnd::closesInEveryState()
+{
+    QFETCH(QByteArray, steps);
+    const QString card = write("silent.json", R"({"menu": {"title": "T", "items": [
+        {"id": 1, "text": "a", "do": [{"silence": true}]}]}})");
+    const Run result = run({"--card", card, "--walkthrough", write("w.json", steps)});
+    QCOMPARE(result.errors, QStringList());
+    QCOMPARE(result.status, 0);
+}
+
+QTEST_GUILESS_MAIN(EndToEnd)
+#include "EndToEnd.moc"
