@@ -481,27 +481,29 @@ private slots:
     void callbacksStormWhileTheUserActs()
     {
         STKDialog *const dialog = show();
-        std::atomic<bool> stop(false);
+        std::atomic<bool> ended(false);
         std::thread storm([&] {
-            MOVA_STKNotifyData data = {MOVA_STKTYPE_SETUP_MENU, 0, 0};
-            for (int i = 0; !stop; ++i) {
-                const int types[] = {0, 6, 99, 55};
-                data.enStkType = static_cast<_MOVA_EN_STKTYPE>(types[i % 4]);
-                data.sCmdId = static_cast<int16_t>(i);
+            const int types[] = {0, 6, 99, 55};
+            for (int i = 0; i < 200; ++i) {
+                MOVA_STKNotifyData data = {static_cast<_MOVA_EN_STKTYPE>(types[i % 4]), static_cast<int16_t>(i), 0};
                 modem.stkCallback(0, &data);
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                if (i % 10 == 0)
+                    modem.deviceCallback(MOVA_DEV_EVENT_DEVICE_READY, nullptr);
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
+            ended = true;
         });
-        for (int i = 0; i < 40; ++i) {
-            deliver();
+        int acts = 0;
+        for (; !ended; ++acts) {
             clickRow(0);
             dialog->onButtonClickSelect();
             QTest::qWait(5);
         }
-        stop = true;
         storm.join();
         waitForEnd(dialog);
         QVERIFY(frame());
+        QVERIFY(modem.takeCalls().filter("SelectMenuItem(1,7)").size() > 0);
+        QVERIFY(acts > 1);
     }
 };
 

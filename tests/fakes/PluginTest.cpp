@@ -1,14 +1,16 @@
 #include "PluginTest.h"
 
+#include <mutex>
+
 #include <QApplication>
-#include <QMutex>
 #include <QRegularExpression>
 
 #include "STKInputDlg.h"
 
 namespace {
 
-QMutex traceMutex;
+// Not Qt's: its lock is invisible to the thread sanitizer.
+std::mutex traceMutex;
 QStringList traceLines;
 
 void recordTrace(QtMsgType type, const QMessageLogContext &, const QString &message)
@@ -17,7 +19,7 @@ void recordTrace(QtMsgType type, const QMessageLogContext &, const QString &mess
         fprintf(stderr, "%s\n", qPrintable(message));
         return;
     }
-    QMutexLocker lock(&traceMutex);
+    std::lock_guard<std::mutex> lock(traceMutex);
     traceLines << message;
 }
 
@@ -25,7 +27,7 @@ void recordTrace(QtMsgType type, const QMessageLogContext &, const QString &mess
 
 QStringList PluginTest::takeTrace()
 {
-    QMutexLocker lock(&traceMutex);
+    std::lock_guard<std::mutex> lock(traceMutex);
     QStringList lines;
     static const QRegularExpression time("\\b[0-2]\\d:[0-5]\\d:[0-5]\\d:\\d{3}\\b");
     for (QString line : qAsConst(traceLines))
@@ -54,6 +56,7 @@ void PluginTest::init()
 void PluginTest::cleanup()
 {
     STKDialog::Destroy();
+    takeTrace();
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (qobject_cast<ExtendDialog *>(window))
