@@ -44,7 +44,7 @@ public:
     virtual void selectMenuItem(int16_t itemId, Time now) = 0;
     /// The answer to the command that the card sent last.  After NoResponse it ends its session
     /// without a further event.
-    virtual void respond(const TerminalResponse& response, Time now) = 0;
+    virtual void respond(const TerminalResponse &response, Time now) = 0;
     /// The session was ended for the card: it stops without a further event.
     virtual void endSession() = 0;
 

@@ -8,7 +8,7 @@
 #include "Service.h"
 #include "Session.h"
 
-Session& theSession()
+Session &theSession()
 {
     static Session session;
     return session;
@@ -16,12 +16,12 @@ Session& theSession()
 
 namespace CardHost {
 
-std::string openScenario(const std::string& file)
+std::string openScenario(const std::string &file)
 {
     try {
         theSession().insertCard(std::make_unique<ScenarioCard>(readScenario(file)));
         return {};
-    } catch (const ScenarioError& error) {
+    } catch (const ScenarioError &error) {
         theSession().insertCard(nullptr);
         return error.what();
     }
@@ -57,18 +57,18 @@ void timeOutSession()
     theSession().timeOutSession();
 }
 
-std::string sendCommand(const std::string& json)
+std::string sendCommand(const std::string &json)
 {
     const ModemState modem = state();
     if (modem == ModemState::NoCard || modem == ModemState::Removed)
         return modem == ModemState::NoCard ? "no card is in the modem" : "the modem was removed";
     try {
-        theSession().withCard([script = readCommand(json)](Card& card) {
-            if (auto* scenarioCard = dynamic_cast<ScenarioCard*>(&card))
+        theSession().withCard([script = readCommand(json)](Card &card) {
+            if (auto *scenarioCard = dynamic_cast<ScenarioCard *>(&card))
                 scenarioCard->send(script, Card::Clock::now());
         });
         return {};
-    } catch (const ScenarioError& error) {
+    } catch (const ScenarioError &error) {
         return error.what();
     }
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr int16_t TheMainMenu = 1;
 
 // Items beyond those of the menu, where the card reports more than it has, are empty.
-template <class Record> void fillMenu(const CommandMenu& menu, Record& record)
+template <class Record> void fillMenu(const CommandMenu &menu, Record &record)
 {
     const int16_t count = menu.reportedCount.value_or(static_cast<int16_t>(menu.items.size()));
     const size_t rows = std::max(menu.items.size(), static_cast<size_t>(std::max<int>(count, 0)));
@@ -21,7 +21,7 @@ template <class Record> void fillMenu(const CommandMenu& menu, Record& record)
     record.pItems = nullptr;
     if (menu.withoutItems || rows == 0)
         return;
-    MOVA_STKMenuItem* items = new MOVA_STKMenuItem[rows](); // the release's
+    MOVA_STKMenuItem *items = new MOVA_STKMenuItem[rows](); // the release's
     for (size_t i = 0; i < menu.items.size(); ++i) {
         items[i].sItemId = menu.items[i].id;
         copyText(menu.items[i].text, items[i].szItemText);
@@ -30,7 +30,7 @@ template <class Record> void fillMenu(const CommandMenu& menu, Record& record)
 }
 
 // Frees the items even where the card makes the release fail: nobody releases twice.
-template <class Record> int32_t releaseMenu(ServiceFunction function, Record* record)
+template <class Record> int32_t releaseMenu(ServiceFunction function, Record *record)
 {
     if (!record)
         return StatusBadArgument;
@@ -40,31 +40,31 @@ template <class Record> int32_t releaseMenu(ServiceFunction function, Record* re
     return theSession().releaseStatus(function);
 }
 
-void fill(const SelectItem& command, MOVA_STKSubMenuInfo& record)
+void fill(const SelectItem &command, MOVA_STKSubMenuInfo &record)
 {
     record.sDefaultItem = command.defaultItem;
     fillMenu(command.menu, record);
 }
 
-void fill(const SetUpIdleModeText& command, MOVA_STKIdleModeTextInfo& record)
+void fill(const SetUpIdleModeText &command, MOVA_STKIdleModeTextInfo &record)
 {
     copyText(command.text, record.szText);
 }
 
-void fill(const PlayTone& command, MOVA_STKPlayToneInfo& record)
+void fill(const PlayTone &command, MOVA_STKPlayToneInfo &record)
 {
     record.nTone = command.tone;
     record.usDuration = command.duration;
     copyText(command.text, record.szText);
 }
 
-void fill(const LaunchBrowser& command, MOVA_STKLaunchBrowserInfo& record)
+void fill(const LaunchBrowser &command, MOVA_STKLaunchBrowserInfo &record)
 {
     record.nLaunchMode = command.launchMode;
     copyText(command.url, record.szUrl);
 }
 
-void fill(const GetInkey& command, MOVA_STKInKeyInfo& record)
+void fill(const GetInkey &command, MOVA_STKInKeyInfo &record)
 {
     copyText(command.text, record.szText);
     record.nInputType = command.inputType;
@@ -72,7 +72,7 @@ void fill(const GetInkey& command, MOVA_STKInKeyInfo& record)
     record.usDuration = command.duration;
 }
 
-void fill(const GetInput& command, MOVA_STKInputInfo& record)
+void fill(const GetInput &command, MOVA_STKInputInfo &record)
 {
     copyText(command.text, record.szText);
     record.nInputType = command.inputType;
@@ -83,14 +83,14 @@ void fill(const GetInput& command, MOVA_STKInputInfo& record)
     copyText(command.defaultText, record.szDefaultText);
 }
 
-void fill(const DisplayText& command, MOVA_STKPromptTextInfo& record)
+void fill(const DisplayText &command, MOVA_STKPromptTextInfo &record)
 {
     copyText(command.text, record.szText);
     record.nClearMode = command.clearMode;
     record.usDuration = command.duration;
 }
 
-void fill(const Refresh& command, MOVA_STKRefreshInfo& record)
+void fill(const Refresh &command, MOVA_STKRefreshInfo &record)
 {
     record = {};
     record.nQualifier = command.qualifier;
@@ -99,7 +99,7 @@ void fill(const Refresh& command, MOVA_STKRefreshInfo& record)
 }
 
 template <class Command, class Record>
-int32_t fetch(ServiceFunction function, int16_t commandId, Record* record)
+int32_t fetch(ServiceFunction function, int16_t commandId, Record *record)
 {
     if (!record)
         return StatusBadArgument;
@@ -111,7 +111,7 @@ int32_t fetch(ServiceFunction function, int16_t commandId, Record* record)
 }
 
 int32_t answer(ServiceFunction function, int16_t commandId, int32_t type, int32_t accepted,
-               const uint16_t* text)
+               const uint16_t *text)
 {
     TerminalResponse response;
     response.result =
@@ -156,7 +156,7 @@ int32_t MOVA_DevSrv_UnRegisterDevMgrCallback(MOVA_DevMgrCallback pfnCallback)
     return theSession().unregisterDeviceCallback(pfnCallback);
 }
 
-int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo* pMenu)
+int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo *pMenu)
 {
     if (!pMenu)
         return StatusBadArgument;
@@ -167,17 +167,17 @@ int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo* pMenu)
     return status;
 }
 
-int32_t MOVA_STKSrv_ReleaseMenus(MOVA_STKMenuInfo* pMenu)
+int32_t MOVA_STKSrv_ReleaseMenus(MOVA_STKMenuInfo *pMenu)
 {
     return releaseMenu(ServiceFunction::ReleaseMenus, pMenu);
 }
 
-int32_t MOVA_STKSrv_GetSubMenu(int16_t sCmdId, MOVA_STKSubMenuInfo* pMenu)
+int32_t MOVA_STKSrv_GetSubMenu(int16_t sCmdId, MOVA_STKSubMenuInfo *pMenu)
 {
     return fetch<SelectItem>(ServiceFunction::GetSubMenu, sCmdId, pMenu);
 }
 
-int32_t MOVA_STKSrv_ReleaseSubMenus(MOVA_STKSubMenuInfo* pMenu)
+int32_t MOVA_STKSrv_ReleaseSubMenus(MOVA_STKSubMenuInfo *pMenu)
 {
     return releaseMenu(ServiceFunction::ReleaseSubMenus, pMenu);
 }
@@ -192,47 +192,47 @@ int32_t MOVA_STKSrv_SelectSubMenuItem(int16_t sCmdId, int32_t nAction, int16_t s
     return theSession().selectSubMenuItem(sCmdId, nAction, sItemId);
 }
 
-int32_t MOVA_STKSrv_GetIdleModePrompt(int16_t sCmdId, MOVA_STKIdleModeTextInfo* pInfo)
+int32_t MOVA_STKSrv_GetIdleModePrompt(int16_t sCmdId, MOVA_STKIdleModeTextInfo *pInfo)
 {
     return fetch<SetUpIdleModeText>(ServiceFunction::GetIdleModePrompt, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetPlayTone(int16_t sCmdId, MOVA_STKPlayToneInfo* pInfo)
+int32_t MOVA_STKSrv_GetPlayTone(int16_t sCmdId, MOVA_STKPlayToneInfo *pInfo)
 {
     return fetch<PlayTone>(ServiceFunction::GetPlayTone, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetLaunchBrowser(int16_t sCmdId, MOVA_STKLaunchBrowserInfo* pInfo)
+int32_t MOVA_STKSrv_GetLaunchBrowser(int16_t sCmdId, MOVA_STKLaunchBrowserInfo *pInfo)
 {
     return fetch<LaunchBrowser>(ServiceFunction::GetLaunchBrowser, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetInKeyRequest(int16_t sCmdId, MOVA_STKInKeyInfo* pInfo)
+int32_t MOVA_STKSrv_GetInKeyRequest(int16_t sCmdId, MOVA_STKInKeyInfo *pInfo)
 {
     return fetch<GetInkey>(ServiceFunction::GetInKeyRequest, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetInputRequest(int16_t sCmdId, MOVA_STKInputInfo* pInfo)
+int32_t MOVA_STKSrv_GetInputRequest(int16_t sCmdId, MOVA_STKInputInfo *pInfo)
 {
     return fetch<GetInput>(ServiceFunction::GetInputRequest, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetPromptText(int16_t sCmdId, MOVA_STKPromptTextInfo* pInfo)
+int32_t MOVA_STKSrv_GetPromptText(int16_t sCmdId, MOVA_STKPromptTextInfo *pInfo)
 {
     return fetch<DisplayText>(ServiceFunction::GetPromptText, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_GetRefreshInfo(int16_t sCmdId, MOVA_STKRefreshInfo* pInfo)
+int32_t MOVA_STKSrv_GetRefreshInfo(int16_t sCmdId, MOVA_STKRefreshInfo *pInfo)
 {
     return fetch<Refresh>(ServiceFunction::GetRefreshInfo, sCmdId, pInfo);
 }
 
-int32_t MOVA_STKSrv_AnswerInKey(int16_t sCmdId, int32_t bAccepted, const uint16_t* szText)
+int32_t MOVA_STKSrv_AnswerInKey(int16_t sCmdId, int32_t bAccepted, const uint16_t *szText)
 {
     return answer(ServiceFunction::AnswerInKey, sCmdId, GetInkey::Type, bAccepted, szText);
 }
 
-int32_t MOVA_STKSrv_AnswerInput(int16_t sCmdId, int32_t bAccepted, const uint16_t* szText)
+int32_t MOVA_STKSrv_AnswerInput(int16_t sCmdId, int32_t bAccepted, const uint16_t *szText)
 {
     return answer(ServiceFunction::AnswerInput, sCmdId, GetInput::Type, bAccepted, szText);
 }

@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <type_traits>
 
-const CommandMenuItem* CommandMenu::find(int16_t id) const
+const CommandMenuItem *CommandMenu::find(int16_t id) const
 {
     const auto found = std::find_if(items.begin(), items.end(),
-                                    [id](const CommandMenuItem& item) { return item.id == id; });
+                                    [id](const CommandMenuItem &item) { return item.id == id; });
     return found == items.end() ? nullptr : &*found;
 }
 
-int32_t commandType(const CommandBody& body)
+int32_t commandType(const CommandBody &body)
 {
     return std::visit(
-        [](const auto& command) -> int32_t {
+        [](const auto &command) -> int32_t {
             using Command = std::decay_t<decltype(command)>;
             if constexpr (std::is_same_v<Command, UnknownCommand>)
                 return command.type;
@@ -23,29 +23,29 @@ int32_t commandType(const CommandBody& body)
         body);
 }
 
-const char* commandName(const CommandBody& body)
+const char *commandName(const CommandBody &body)
 {
-    return std::visit([](const auto& command) { return std::decay_t<decltype(command)>::Name; },
+    return std::visit([](const auto &command) { return std::decay_t<decltype(command)>::Name; },
                       body);
 }
 
-const CommandMenu* commandMenu(const CommandBody& body)
+const CommandMenu *commandMenu(const CommandBody &body)
 {
-    if (const auto* setUpMenu = std::get_if<SetUpMenu>(&body))
+    if (const auto *setUpMenu = std::get_if<SetUpMenu>(&body))
         return &setUpMenu->menu;
-    if (const auto* selectItem = std::get_if<SelectItem>(&body))
+    if (const auto *selectItem = std::get_if<SelectItem>(&body))
         return &selectItem->menu;
     return nullptr;
 }
 
-bool isAnsweredByModem(const CommandBody& body)
+bool isAnsweredByModem(const CommandBody &body)
 {
     return std::holds_alternative<SetUpMenu>(body) || std::holds_alternative<Refresh>(body) ||
         std::holds_alternative<SendSs>(body) || std::holds_alternative<SendShortMessage>(body) ||
         std::holds_alternative<SendUssd>(body);
 }
 
-const char* resultName(TerminalResponse::Result result)
+const char *resultName(TerminalResponse::Result result)
 {
     switch (result) {
     case TerminalResponse::Result::Performed:

@@ -31,18 +31,18 @@ struct CommandMenu {
     std::optional<int16_t> reportedCount; ///< reported in place of the number of items: a fault
     bool withoutItems = false; ///< the record's item pointer is null: a fault
 
-    const CommandMenuItem* find(int16_t id) const;
+    const CommandMenuItem *find(int16_t id) const;
 };
 
 struct SetUpMenu {
     static constexpr int32_t Type = MOVA_STKTYPE_SETUP_MENU;
-    static constexpr const char* Name = "SET UP MENU";
+    static constexpr const char *Name = "SET UP MENU";
     CommandMenu menu;
 };
 
 struct DisplayText {
     static constexpr int32_t Type = MOVA_STKTYPE_DISPLAY_TEXT;
-    static constexpr const char* Name = "DISPLAY TEXT";
+    static constexpr const char *Name = "DISPLAY TEXT";
     CommandText text;
     int32_t clearMode = 1;
     uint16_t duration = 0; ///< seconds
@@ -50,7 +50,7 @@ struct DisplayText {
 
 struct GetInkey {
     static constexpr int32_t Type = MOVA_STKTYPE_GET_INKEY;
-    static constexpr const char* Name = "GET INKEY";
+    static constexpr const char *Name = "GET INKEY";
     CommandText text;
     int32_t inputType = 0;
     int32_t option = 0;
@@ -59,7 +59,7 @@ struct GetInkey {
 
 struct GetInput {
     static constexpr int32_t Type = MOVA_STKTYPE_GET_INPUT;
-    static constexpr const char* Name = "GET INPUT";
+    static constexpr const char *Name = "GET INPUT";
     CommandText text;
     int32_t inputType = 0;
     int32_t echo = 1;
@@ -71,14 +71,14 @@ struct GetInput {
 
 struct SetUpCall {
     static constexpr int32_t Type = MOVA_STKTYPE_SETUP_CALL;
-    static constexpr const char* Name = "SET UP CALL";
+    static constexpr const char *Name = "SET UP CALL";
     CommandText text;
     std::string address; ///< dialling number
 };
 
 struct PlayTone {
     static constexpr int32_t Type = MOVA_STKTYPE_PLAY_TONE;
-    static constexpr const char* Name = "PLAY TONE";
+    static constexpr const char *Name = "PLAY TONE";
     CommandText text;
     int32_t tone = 16; ///< general beep, ETSI TS 102 223 clause 8.16
     uint16_t duration = 1; ///< seconds
@@ -86,28 +86,28 @@ struct PlayTone {
 
 struct SelectItem {
     static constexpr int32_t Type = MOVA_STKTYPE_SELECT_ITEM;
-    static constexpr const char* Name = "SELECT ITEM";
+    static constexpr const char *Name = "SELECT ITEM";
     CommandMenu menu;
     int16_t defaultItem = 0;
 };
 
 struct Refresh {
     static constexpr int32_t Type = MOVA_STKTYPE_REFRESH;
-    static constexpr const char* Name = "REFRESH";
+    static constexpr const char *Name = "REFRESH";
     int32_t qualifier = 0; ///< ETSI TS 102 223 clause 8.6
     std::vector<uint8_t> files; ///< file list, ETSI TS 102 223 clause 8.18; at most 256 bytes
 };
 
 struct SendSs {
     static constexpr int32_t Type = MOVA_STKTYPE_SEND_SS;
-    static constexpr const char* Name = "SEND SS";
+    static constexpr const char *Name = "SEND SS";
     CommandText text;
     std::string code; ///< supplementary service control string
 };
 
 struct SendShortMessage {
     static constexpr int32_t Type = MOVA_STKTYPE_SEND_SMS;
-    static constexpr const char* Name = "SEND SHORT MESSAGE";
+    static constexpr const char *Name = "SEND SHORT MESSAGE";
     CommandText text;
     std::string address;
     std::string message;
@@ -115,27 +115,27 @@ struct SendShortMessage {
 
 struct SendUssd {
     static constexpr int32_t Type = MOVA_STKTYPE_SEND_USSD;
-    static constexpr const char* Name = "SEND USSD";
+    static constexpr const char *Name = "SEND USSD";
     CommandText text;
     std::string code;
 };
 
 struct LaunchBrowser {
     static constexpr int32_t Type = MOVA_STKTYPE_LAUNCH_BROWSER;
-    static constexpr const char* Name = "LAUNCH BROWSER";
+    static constexpr const char *Name = "LAUNCH BROWSER";
     CommandText url;
     int32_t launchMode = 0;
 };
 
 struct SetUpIdleModeText {
     static constexpr int32_t Type = MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT;
-    static constexpr const char* Name = "SET UP IDLE MODE TEXT";
+    static constexpr const char *Name = "SET UP IDLE MODE TEXT";
     CommandText text;
 };
 
 /// A command that has no details, with any type number.
 struct UnknownCommand {
-    static constexpr const char* Name = "UNKNOWN COMMAND";
+    static constexpr const char *Name = "UNKNOWN COMMAND";
     int32_t type = 0;
 };
 
@@ -150,13 +150,13 @@ struct ProactiveCommand {
         0}; ///< how long the card waits for the answer, 0 for ever
 };
 
-int32_t commandType(const CommandBody& body);
-const char* commandName(const CommandBody& body);
+int32_t commandType(const CommandBody &body);
+const char *commandName(const CommandBody &body);
 /// The menu of a Set Up Menu or Select Item, null for every other command.
-const CommandMenu* commandMenu(const CommandBody& body);
+const CommandMenu *commandMenu(const CommandBody &body);
 /// True for what the modem carries out and answers by itself: Set Up Menu, Refresh, Send SS, Send
 /// Short Message, Send USSD.
-bool isAnsweredByModem(const CommandBody& body);
+bool isAnsweredByModem(const CommandBody &body);
 
 /// What the card is told of a command that it sent (ETSI TS 102 223 clause 6.8).
 struct TerminalResponse {
@@ -177,6 +177,6 @@ struct TerminalResponse {
 };
 
 /// "ok", "back", "cancelled", "terminated", "notSupported", "noResponse" or "other".
-const char* resultName(TerminalResponse::Result result);
+const char *resultName(TerminalResponse::Result result);
 
 #endif

@@ -9,10 +9,10 @@ using Result = TerminalResponse::Result;
 using std::chrono::milliseconds;
 
 // The branches that an answer may take, the most particular one first.
-std::optional<StepListId> findBranch(const CommandStep& step, const TerminalResponse& response)
+std::optional<StepListId> findBranch(const CommandStep &step, const TerminalResponse &response)
 {
-    const auto lookUp = [](const std::map<std::string, StepListId>& lists,
-                           const std::string& name) {
+    const auto lookUp = [](const std::map<std::string, StepListId> &lists,
+                           const std::string &name) {
         const auto found = lists.find(name);
         return found == lists.end() ? std::nullopt : std::optional<StepListId>(found->second);
     };
@@ -33,9 +33,9 @@ std::optional<StepListId> findBranch(const CommandStep& step, const TerminalResp
     return list || positive ? list : lookUp(step.branches, "otherwise");
 }
 
-std::optional<StepListId> itemList(const CommandStep& step, int16_t itemId)
+std::optional<StepListId> itemList(const CommandStep &step, int16_t itemId)
 {
-    const auto& items = commandMenu(step.command.body)->items;
+    const auto &items = commandMenu(step.command.body)->items;
     for (size_t i = 0; i < items.size(); ++i) {
         if (items[i].id == itemId)
             return step.itemLists[i];
@@ -53,10 +53,10 @@ ScenarioCard::ScenarioCard(Scenario scenario)
 void ScenarioCard::powerOn(Time now)
 {
     powerOff();
-    for (const Scenario::Unasked& unasked : m_scenario.unasked)
+    for (const Scenario::Unasked &unasked : m_scenario.unasked)
         m_unasked.push_back({now + unasked.after, unasked.list});
     std::stable_sort(m_unasked.begin(), m_unasked.end(),
-                     [](const Unasked& a, const Unasked& b) { return a.due > b.due; });
+                     [](const Unasked &a, const Unasked &b) { return a.due > b.due; });
     m_place = Place{m_scenario.script, {}};
     proceed(now);
 }
@@ -87,7 +87,7 @@ void ScenarioCard::selectMenuItem(int16_t itemId, Time now)
         plan(SessionEnd(), now + m_scenario.latency);
 }
 
-void ScenarioCard::respond(const TerminalResponse& response, Time now)
+void ScenarioCard::respond(const TerminalResponse &response, Time now)
 {
     if (!m_waitsForResponse)
         return;
@@ -96,7 +96,7 @@ void ScenarioCard::respond(const TerminalResponse& response, Time now)
         endSession();
         return;
     }
-    const CommandStep& step = m_place->command();
+    const CommandStep &step = m_place->command();
     if (const auto list =
             response.item ? itemList(step, *response.item) : findBranch(step, response))
         goTo(*list, now);
@@ -119,7 +119,7 @@ std::optional<CardEvent> ScenarioCard::nextEvent(Time now)
         return std::nullopt;
 
     std::optional<CardEvent> event = std::exchange(m_planned, std::nullopt);
-    if (const auto* command = std::get_if<ProactiveCommand>(&*event)) {
+    if (const auto *command = std::get_if<ProactiveCommand>(&*event)) {
         m_waitsForResponse = true;
         if (std::holds_alternative<SetUpMenu>(command->body))
             m_menu = m_place;
@@ -156,7 +156,7 @@ void ScenarioCard::goTo(StepListId list, Time now)
     proceed(now);
 }
 
-void ScenarioCard::goOnBehind(const StepPosition& position, Time now)
+void ScenarioCard::goOnBehind(const StepPosition &position, Time now)
 {
     m_place->position = {position.list, position.index + 1};
     proceed(now);
@@ -181,18 +181,18 @@ void ScenarioCard::proceed(Time now)
 {
     Time due = now + m_scenario.latency;
     while (true) {
-        const StepList& list = m_place->list();
-        StepPosition& position = m_place->position;
+        const StepList &list = m_place->list();
+        StepPosition &position = m_place->position;
         if (position.index == list.steps.size()) {
             if (list.endsSession || !list.parent)
                 return plan(SessionEnd(), due);
             position = {list.parent->list, list.parent->index + 1};
             continue;
         }
-        const Step& step = list.steps[position.index];
-        if (const auto* command = std::get_if<CommandStep>(&step))
+        const Step &step = list.steps[position.index];
+        if (const auto *command = std::get_if<CommandStep>(&step))
             return plan(command->command, due);
-        if (const auto* modem = std::get_if<ModemStep>(&step)) {
+        if (const auto *modem = std::get_if<ModemStep>(&step)) {
             due += modem->after;
             return modem->ready ? plan(ModemReady(), due) : plan(ModemRemoved(), due);
         }
@@ -202,7 +202,7 @@ void ScenarioCard::proceed(Time now)
             return plan(SessionTimeOut(), due);
         if (std::holds_alternative<SilenceStep>(step))
             return;
-        if (const auto* jump = std::get_if<GoToStep>(&step)) {
+        if (const auto *jump = std::get_if<GoToStep>(&step)) {
             position = jump->target;
             continue;
         }

@@ -16,7 +16,7 @@ public:
     void powerOn(Time now) override;
     void powerOff() override;
     void selectMenuItem(int16_t itemId, Time now) override;
-    void respond(const TerminalResponse& response, Time now) override;
+    void respond(const TerminalResponse &response, Time now) override;
     void endSession() override;
     std::optional<CardEvent> nextEvent(Time now) override;
     Time wakeUp() const override;
@@ -30,8 +30,8 @@ private:
         std::shared_ptr<const Script> script;
         StepPosition position;
 
-        const StepList& list() const { return script->lists[position.list]; }
-        const CommandStep& command() const
+        const StepList &list() const { return script->lists[position.list]; }
+        const CommandStep &command() const
         {
             return std::get<CommandStep>(list().steps[position.index]);
         }
@@ -44,7 +44,7 @@ private:
 
     void start(Place place, Time now);
     void goTo(StepListId list, Time now);
-    void goOnBehind(const StepPosition& position, Time now);
+    void goOnBehind(const StepPosition &position, Time now);
     void goBack(Time now);
     void proceed(Time now);
     void plan(CardEvent event, Time due);

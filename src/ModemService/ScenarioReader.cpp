@@ -31,26 +31,26 @@ template <class Number> struct Range {
     static constexpr int64_t Highest = std::numeric_limits<Number>::max();
 };
 
-template <class Number> void read(const Object& object, const char* key, Number& number)
+template <class Number> void read(const Object &object, const char *key, Number &number)
 {
     number = static_cast<Number>(
         object.number(key, Range<Number>::Lowest, Range<Number>::Highest, number));
 }
 
-milliseconds readTime(const Object& object, const char* key, milliseconds otherwise,
+milliseconds readTime(const Object &object, const char *key, milliseconds otherwise,
                       int64_t shortest = 0)
 {
     return milliseconds(object.number(key, shortest, LongestTime, otherwise.count()));
 }
 
-Faults readFaults(const Object& owner)
+Faults readFaults(const Object &owner)
 {
     Faults faults;
     if (!owner.has("fail"))
         return faults;
     const std::string pointer = owner.pointer("fail");
     const Object object(owner.required("fail", "an object"), pointer, functionNames());
-    for (const std::string& name : functionNames()) {
+    for (const std::string &name : functionNames()) {
         if (!object.has(name))
             continue;
         const int64_t status = object.number(name, Range<int32_t>::Lowest, Range<int32_t>::Highest);
@@ -61,22 +61,22 @@ Faults readFaults(const Object& owner)
     return faults;
 }
 
-CommandText readText(const Object& object, const char* key)
+CommandText readText(const Object &object, const char *key)
 {
     return {object.text(key), object.flag("unterminated")};
 }
 
-CommandText readOptionalText(const Object& object, const char* key)
+CommandText readOptionalText(const Object &object, const char *key)
 {
     return {object.text(key, ""), object.flag("unterminated")};
 }
 
 // ---- One function for each command: its own fields ----
 
-void readItems(const Object& object, CommandMenu& menu)
+void readItems(const Object &object, CommandMenu &menu)
 {
     constexpr size_t MostItems = Range<int16_t>::Highest; // the count is a signed 16-bit number
-    const Json& items = object.list("items");
+    const Json &items = object.list("items");
     if (items.size() > MostItems)
         StrictJson::fail(object.pointer("items"),
                          "expected at most " + std::to_string(MostItems) + " items, found " +
@@ -94,7 +94,7 @@ void readItems(const Object& object, CommandMenu& menu)
     }
 }
 
-void readMenu(const Object& object, CommandMenu& menu)
+void readMenu(const Object &object, CommandMenu &menu)
 {
     readItems(object, menu);
     menu.title = readText(object, "title");
@@ -104,14 +104,14 @@ void readMenu(const Object& object, CommandMenu& menu)
             object.number("itemCount", Range<int16_t>::Lowest, Range<int16_t>::Highest));
 }
 
-CommandBody readSetUpMenu(const Object& object)
+CommandBody readSetUpMenu(const Object &object)
 {
     SetUpMenu command;
     readMenu(object, command.menu);
     return command;
 }
 
-CommandBody readSelectItem(const Object& object)
+CommandBody readSelectItem(const Object &object)
 {
     SelectItem command;
     readMenu(object, command.menu);
@@ -119,7 +119,7 @@ CommandBody readSelectItem(const Object& object)
     return command;
 }
 
-CommandBody readDisplayText(const Object& object)
+CommandBody readDisplayText(const Object &object)
 {
     DisplayText command;
     command.text = readText(object, "text");
@@ -128,7 +128,7 @@ CommandBody readDisplayText(const Object& object)
     return command;
 }
 
-CommandBody readGetInkey(const Object& object)
+CommandBody readGetInkey(const Object &object)
 {
     GetInkey command;
     command.text = readText(object, "text");
@@ -138,7 +138,7 @@ CommandBody readGetInkey(const Object& object)
     return command;
 }
 
-CommandBody readGetInput(const Object& object)
+CommandBody readGetInput(const Object &object)
 {
     GetInput command;
     command.text = readText(object, "text");
@@ -151,12 +151,12 @@ CommandBody readGetInput(const Object& object)
     return command;
 }
 
-CommandBody readSetUpCall(const Object& object)
+CommandBody readSetUpCall(const Object &object)
 {
     return SetUpCall{readOptionalText(object, "text"), object.text("address", "")};
 }
 
-CommandBody readPlayTone(const Object& object)
+CommandBody readPlayTone(const Object &object)
 {
     PlayTone command;
     command.text = readOptionalText(object, "text");
@@ -165,7 +165,7 @@ CommandBody readPlayTone(const Object& object)
     return command;
 }
 
-std::vector<uint8_t> readBytes(const Object& object, const char* key)
+std::vector<uint8_t> readBytes(const Object &object, const char *key)
 {
     constexpr size_t MostBytes = sizeof MOVA_STKRefreshInfo::abFiles;
     const std::string digits = object.text(key, "");
@@ -179,7 +179,7 @@ std::vector<uint8_t> readBytes(const Object& object, const char* key)
     return bytes;
 }
 
-CommandBody readRefresh(const Object& object)
+CommandBody readRefresh(const Object &object)
 {
     Refresh command;
     read(object, "qualifier", command.qualifier);
@@ -187,23 +187,23 @@ CommandBody readRefresh(const Object& object)
     return command;
 }
 
-CommandBody readSendSs(const Object& object)
+CommandBody readSendSs(const Object &object)
 {
     return SendSs{readOptionalText(object, "text"), object.text("code", "")};
 }
 
-CommandBody readSendShortMessage(const Object& object)
+CommandBody readSendShortMessage(const Object &object)
 {
     return SendShortMessage{readOptionalText(object, "text"), object.text("address", ""),
                             object.text("message", "")};
 }
 
-CommandBody readSendUssd(const Object& object)
+CommandBody readSendUssd(const Object &object)
 {
     return SendUssd{readOptionalText(object, "text"), object.text("code", "")};
 }
 
-CommandBody readLaunchBrowser(const Object& object)
+CommandBody readLaunchBrowser(const Object &object)
 {
     LaunchBrowser command;
     command.url = readOptionalText(object, "url");
@@ -211,12 +211,12 @@ CommandBody readLaunchBrowser(const Object& object)
     return command;
 }
 
-CommandBody readSetUpIdleModeText(const Object& object)
+CommandBody readSetUpIdleModeText(const Object &object)
 {
     return SetUpIdleModeText{readText(object, "text")};
 }
 
-CommandBody readUnknownCommand(const Object& object)
+CommandBody readUnknownCommand(const Object &object)
 {
     return UnknownCommand{static_cast<int32_t>(
         object.number("type", Range<int32_t>::Lowest, Range<int32_t>::Highest))};
@@ -225,10 +225,10 @@ CommandBody readUnknownCommand(const Object& object)
 struct CommandFormat {
     Names fields;
     Names branches;
-    CommandBody (*read)(const Object& object);
+    CommandBody (*read)(const Object &object);
 };
 
-const std::map<std::string, CommandFormat>& commandFormats()
+const std::map<std::string, CommandFormat> &commandFormats()
 {
     static const Names NoData = {"ok", "terminated", "notSupported", "otherwise"};
     static const Names Input = {"ok", "text", "cancelled", "terminated", "otherwise"};
@@ -257,7 +257,7 @@ const std::map<std::string, CommandFormat>& commandFormats()
     return Formats;
 }
 
-const Names& kindsOfStep()
+const Names &kindsOfStep()
 {
     static const Names Kinds = {"command", "wait", "silence", "endSession",
                                 "timeout", "goto", "modem"};
@@ -273,12 +273,12 @@ public:
     {
     }
 
-    StepListId readList(const Json& steps, const std::string& pointer,
+    StepListId readList(const Json &steps, const std::string &pointer,
                         std::optional<StepPosition> parent, bool endsSession);
     // A list of a single command.
-    StepListId readSingle(const Json& command, const std::string& pointer);
+    StepListId readSingle(const Json &command, const std::string &pointer);
     // The card's main menu: a Set Up Menu that says so by its place.
-    StepListId readMainMenu(const Json& menu, const std::string& pointer);
+    StepListId readMainMenu(const Json &menu, const std::string &pointer);
     std::shared_ptr<const Script> finish();
 
 private:
@@ -289,14 +289,14 @@ private:
     };
 
     StepListId newList(std::optional<StepPosition> parent, bool endsSession);
-    Step readStep(const Json& value, const std::string& pointer, const StepPosition& position);
-    CommandStep readCommand(const std::string& name, const Json& value, const std::string& pointer,
-                            const StepPosition& position, const Names& extraKeys);
-    void readItemLists(const Object& object, CommandStep& step, const StepPosition& position);
-    void readBranches(const Object& owner, const Names& allowed, CommandStep& step,
-                      const StepPosition& position);
-    ModemStep readModemStep(const Json& value, const std::string& pointer);
-    void checkRemovals(const StepList& list, const std::string& pointer) const;
+    Step readStep(const Json &value, const std::string &pointer, const StepPosition &position);
+    CommandStep readCommand(const std::string &name, const Json &value, const std::string &pointer,
+                            const StepPosition &position, const Names &extraKeys);
+    void readItemLists(const Object &object, CommandStep &step, const StepPosition &position);
+    void readBranches(const Object &owner, const Names &allowed, CommandStep &step,
+                      const StepPosition &position);
+    ModemStep readModemStep(const Json &value, const std::string &pointer);
+    void checkRemovals(const StepList &list, const std::string &pointer) const;
 
     milliseconds m_responseTime;
     Script m_script;
@@ -310,7 +310,7 @@ StepListId ScriptReader::newList(std::optional<StepPosition> parent, bool endsSe
     return m_script.lists.size() - 1;
 }
 
-StepListId ScriptReader::readList(const Json& steps, const std::string& pointer,
+StepListId ScriptReader::readList(const Json &steps, const std::string &pointer,
                                   std::optional<StepPosition> parent, bool endsSession)
 {
     StrictJson::list(steps, pointer);
@@ -324,7 +324,7 @@ StepListId ScriptReader::readList(const Json& steps, const std::string& pointer,
     return id;
 }
 
-StepListId ScriptReader::readSingle(const Json& command, const std::string& pointer)
+StepListId ScriptReader::readSingle(const Json &command, const std::string &pointer)
 {
     StrictJson::object(command, pointer);
     if (!command.contains("command"))
@@ -335,7 +335,7 @@ StepListId ScriptReader::readSingle(const Json& command, const std::string& poin
     return id;
 }
 
-StepListId ScriptReader::readMainMenu(const Json& menu, const std::string& pointer)
+StepListId ScriptReader::readMainMenu(const Json &menu, const std::string &pointer)
 {
     const StepListId id = newList(std::nullopt, true);
     Step step = readCommand("setUpMenu", menu, pointer, {id, 0}, {});
@@ -346,9 +346,9 @@ StepListId ScriptReader::readMainMenu(const Json& menu, const std::string& point
 std::shared_ptr<const Script> ScriptReader::finish()
 {
     Names labels;
-    for (const auto& label : m_labels)
+    for (const auto &label : m_labels)
         labels.push_back(label.first);
-    for (const Jump& jump : m_jumps) {
+    for (const Jump &jump : m_jumps) {
         const auto target = m_labels.find(jump.label);
         if (target == m_labels.end())
             StrictJson::fail(jump.pointer,
@@ -360,18 +360,18 @@ std::shared_ptr<const Script> ScriptReader::finish()
     return std::make_shared<const Script>(std::move(m_script));
 }
 
-Step ScriptReader::readStep(const Json& value, const std::string& pointer,
-                            const StepPosition& position)
+Step ScriptReader::readStep(const Json &value, const std::string &pointer,
+                            const StepPosition &position)
 {
     StrictJson::object(value, pointer);
-    const Names& kinds = kindsOfStep();
+    const Names &kinds = kindsOfStep();
     const auto kind = std::find_if(kinds.begin(), kinds.end(),
-                                   [&](const std::string& name) { return value.contains(name); });
+                                   [&](const std::string &name) { return value.contains(name); });
     if (kind == kinds.end())
-        StrictJson::fail(
-            pointer, "expected a step with one of the keys " + StrictJson::joined(kinds), value);
+        StrictJson::fail(pointer, "a step with one of the keys " + StrictJson::joined(kinds),
+                         value);
     if (*kind == "command") {
-        const Json& name = value["command"];
+        const Json &name = value["command"];
         if (!name.is_string())
             StrictJson::fail(pointer + "/command", "a string", name);
         return readCommand(name.get<std::string>(), value, pointer, position, {"command"});
@@ -393,20 +393,20 @@ Step ScriptReader::readStep(const Json& value, const std::string& pointer,
     return *kind == "timeout" ? Step(TimeOutStep()) : Step(EndSessionStep());
 }
 
-CommandStep ScriptReader::readCommand(const std::string& name, const Json& value,
-                                      const std::string& pointer, const StepPosition& position,
-                                      const Names& extraKeys)
+CommandStep ScriptReader::readCommand(const std::string &name, const Json &value,
+                                      const std::string &pointer, const StepPosition &position,
+                                      const Names &extraKeys)
 {
-    const auto& formats = commandFormats();
+    const auto &formats = commandFormats();
     const auto format = formats.find(name);
     if (format == formats.end()) {
         Names names;
-        for (const auto& known : formats)
+        for (const auto &known : formats)
             names.push_back(known.first);
         StrictJson::fail(pointer + "/command", "one of " + StrictJson::joined(names), name);
     }
     Names keys = extraKeys;
-    for (const Names& more :
+    for (const Names &more :
          {format->second.fields, Names{"label", "on", "fail", "responseTime", "unterminated"}})
         keys.insert(keys.end(), more.begin(), more.end());
     const Object object(value, pointer, keys);
@@ -424,13 +424,13 @@ CommandStep ScriptReader::readCommand(const std::string& name, const Json& value
     return step;
 }
 
-void ScriptReader::readItemLists(const Object& object, CommandStep& step,
-                                 const StepPosition& position)
+void ScriptReader::readItemLists(const Object &object, CommandStep &step,
+                                 const StepPosition &position)
 {
     // A Set Up Menu's items are chosen when its own script is long over.
     const bool isSubMenu = std::holds_alternative<SelectItem>(step.command.body);
     const auto parent = isSubMenu ? std::optional<StepPosition>(position) : std::nullopt;
-    const Json& items = object.list("items");
+    const Json &items = object.list("items");
     for (size_t i = 0; i < items.size(); ++i) {
         static const Json NoSteps = Json::array();
         const auto steps = items[i].find("do");
@@ -440,13 +440,13 @@ void ScriptReader::readItemLists(const Object& object, CommandStep& step,
     }
 }
 
-void ScriptReader::readBranches(const Object& owner, const Names& allowed, CommandStep& step,
-                                const StepPosition& position)
+void ScriptReader::readBranches(const Object &owner, const Names &allowed, CommandStep &step,
+                                const StepPosition &position)
 {
     if (!owner.has("on"))
         return;
     const Object on(owner.required("on", "an object"), owner.pointer("on"), allowed);
-    for (const std::string& name : allowed) {
+    for (const std::string &name : allowed) {
         if (!on.has(name))
             continue;
         const std::string pointer = on.pointer(name);
@@ -455,14 +455,14 @@ void ScriptReader::readBranches(const Object& owner, const Names& allowed, Comma
             step.branches[name] = readList(on.list(name), pointer, position, !positive);
             continue;
         }
-        const Json& texts = StrictJson::object(on.required(name, "an object"), pointer);
-        for (const auto& entry : texts.items())
+        const Json &texts = StrictJson::object(on.required(name, "an object"), pointer);
+        for (const auto &entry : texts.items())
             step.textBranches[entry.key()] = readList(
                 entry.value(), StrictJson::keyPointer(pointer, entry.key()), position, false);
     }
 }
 
-ModemStep ScriptReader::readModemStep(const Json& value, const std::string& pointer)
+ModemStep ScriptReader::readModemStep(const Json &value, const std::string &pointer)
 {
     const Object object(value, pointer, {"modem", "after"});
     const std::string state = object.text("modem");
@@ -472,12 +472,12 @@ ModemStep ScriptReader::readModemStep(const Json& value, const std::string& poin
 }
 
 // Without a modem the card can say nothing, and with a new one it starts from its beginning.
-void ScriptReader::checkRemovals(const StepList& list, const std::string& pointer) const
+void ScriptReader::checkRemovals(const StepList &list, const std::string &pointer) const
 {
     bool removed = false;
     bool over = false;
     for (size_t i = 0; i < list.steps.size(); ++i) {
-        const auto* modem = std::get_if<ModemStep>(&list.steps[i]);
+        const auto *modem = std::get_if<ModemStep>(&list.steps[i]);
         const std::string place = StrictJson::elementPointer(pointer, i);
         if (over)
             StrictJson::fail(place,
@@ -494,7 +494,7 @@ void ScriptReader::checkRemovals(const StepList& list, const std::string& pointe
 
 // ---- Files ----
 
-Scenario readScenarioObject(const Json& json)
+Scenario readScenarioObject(const Json &json)
 {
     const Object object(
         json, "", {"name", "latency", "responseTime", "modemTime", "menu", "unasked", "fail"});
@@ -506,25 +506,25 @@ Scenario readScenarioObject(const Json& json)
     ScriptReader reader(readTime(object, "responseTime", DefaultResponseTime));
     reader.readMainMenu(object.required("menu", "an object"), object.pointer("menu"));
     const Json none = Json::array();
-    const Json& unasked = object.has("unasked") ? object.list("unasked") : none;
+    const Json &unasked = object.has("unasked") ? object.list("unasked") : none;
     for (size_t i = 0; i < unasked.size(); ++i) {
         const Object entry(unasked[i], StrictJson::elementPointer(object.pointer("unasked"), i),
                            {"after", "send"});
-        const Json& command = entry.required("send", "a command");
+        const Json &command = entry.required("send", "a command");
         scenario.unasked.push_back({milliseconds(entry.number("after", 0, LongestTime)),
                                     reader.readSingle(command, entry.pointer("send"))});
     }
     scenario.script = reader.finish();
-    const CommandStep& menu = std::get<CommandStep>(scenario.script->lists[0].steps[0]);
+    const CommandStep &menu = std::get<CommandStep>(scenario.script->lists[0].steps[0]);
     scenario.traits.name = object.text("name", commandMenu(menu.command.body)->title.utf8.c_str());
     return scenario;
 }
 
 struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE *file) const { std::fclose(file); }
 };
 
-std::string readFile(const std::string& name)
+std::string readFile(const std::string &name)
 {
     std::error_code ignored;
     const auto status = std::filesystem::status(name, ignored);
@@ -548,22 +548,22 @@ std::string readFile(const std::string& name)
 
 } // namespace
 
-Scenario readScenario(const std::string& file)
+Scenario readScenario(const std::string &file)
 {
     try {
         return readScenarioObject(StrictJson::parse(readFile(file)));
-    } catch (const StrictJson::Error& error) {
+    } catch (const StrictJson::Error &error) {
         throw ScenarioError(oneLine(file) + ": " + error.what());
     }
 }
 
-std::shared_ptr<const Script> readCommand(const std::string& json)
+std::shared_ptr<const Script> readCommand(const std::string &json)
 {
     try {
         ScriptReader reader(DefaultResponseTime);
         reader.readSingle(StrictJson::parse(json), "");
         return reader.finish();
-    } catch (const StrictJson::Error& error) {
+    } catch (const StrictJson::Error &error) {
         throw ScenarioError(std::string("command: ") + error.what());
     }
 }

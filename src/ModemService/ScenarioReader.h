@@ -15,10 +15,10 @@ public:
 };
 
 /// Reads a scenario file of at most 16 MiB.  Throws ScenarioError.
-Scenario readScenario(const std::string& file);
+Scenario readScenario(const std::string &file);
 
 /// Reads one command, written as in a scenario, into a script that sends it.  Throws ScenarioError;
 /// the file's name in its line is "command".
-std::shared_ptr<const Script> readCommand(const std::string& json);
+std::shared_ptr<const Script> readCommand(const std::string &json);
 
 #endif

@@ -4,6 +4,6 @@
 #include "Session.h"
 
 /// The session of the process, which the C functions and the host share.  It ends with the process.
-Session& theSession();
+Session &theSession();
 
 #endif

@@ -8,7 +8,7 @@
 namespace {
 
 // In the order of ServiceFunction.
-const char* const FunctionNames[] = {
+const char *const FunctionNames[] = {
     "MOVA_STK_RegisterCallBack",
     "MOVA_STK_UnRegisterCallBack",
     "MOVA_DevSrv_RegisterDevMgrCallback",
@@ -36,12 +36,12 @@ static_assert(std::size(FunctionNames) ==
 
 } // namespace
 
-const char* functionName(ServiceFunction function)
+const char *functionName(ServiceFunction function)
 {
     return FunctionNames[static_cast<size_t>(function)];
 }
 
-std::optional<ServiceFunction> functionByName(const std::string& name)
+std::optional<ServiceFunction> functionByName(const std::string &name)
 {
     const auto found = std::find(std::begin(FunctionNames), std::end(FunctionNames), name);
     if (found == std::end(FunctionNames))
@@ -54,7 +54,7 @@ std::vector<std::string> functionNames()
     return {std::begin(FunctionNames), std::end(FunctionNames)};
 }
 
-const char* statusText(int32_t status)
+const char *statusText(int32_t status)
 {
     switch (status) {
     case StatusSuccess:

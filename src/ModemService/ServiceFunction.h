@@ -32,8 +32,8 @@ enum class ServiceFunction {
 };
 
 /// The name of the C function, e.g. "MOVA_STKSrv_GetSubMenu".
-const char* functionName(ServiceFunction function);
-std::optional<ServiceFunction> functionByName(const std::string& name);
+const char *functionName(ServiceFunction function);
+std::optional<ServiceFunction> functionByName(const std::string &name);
 std::vector<std::string> functionNames();
 
 /// Calls that are made to fail, with the status that each returns (never 0).

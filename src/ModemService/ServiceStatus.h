@@ -19,6 +19,6 @@ enum ServiceStatus : int32_t {
 };
 
 /// The same in words, for the transcript; empty for a number that is not in the list.
-const char* statusText(int32_t status);
+const char *statusText(int32_t status);
 
 #endif

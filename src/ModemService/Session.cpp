@@ -12,7 +12,7 @@ namespace {
 
 constexpr Card::Time Never = Card::Time::max();
 
-int32_t faultStatus(const Faults& faults, ServiceFunction function)
+int32_t faultStatus(const Faults &faults, ServiceFunction function)
 {
     const auto fault = faults.find(function);
     return fault == faults.end() ? StatusSuccess : fault->second;
@@ -29,7 +29,7 @@ bool givesDetails(ServiceFunction function)
 
 class Session::Guard {
 public:
-    explicit Guard(Session& session)
+    explicit Guard(Session &session)
         : m_session(session)
         , m_lock(session.m_mutex)
     {
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    Session& m_session;
+    Session &m_session;
     Lock m_lock;
 };
 
@@ -66,7 +66,7 @@ Session::~Session()
 // ---- The terminal's side ----
 
 template <class Callback>
-int32_t Session::registerCallback(ServiceFunction function, Callback& slot, Callback callback)
+int32_t Session::registerCallback(ServiceFunction function, Callback &slot, Callback callback)
 {
     Guard guard(*this);
     if (!callback)
@@ -80,7 +80,7 @@ int32_t Session::registerCallback(ServiceFunction function, Callback& slot, Call
 }
 
 template <class Callback>
-int32_t Session::unregisterCallback(ServiceFunction function, Callback& slot, Callback callback,
+int32_t Session::unregisterCallback(ServiceFunction function, Callback &slot, Callback callback,
                                     Running kind)
 {
     {
@@ -119,7 +119,7 @@ int32_t Session::unregisterDeviceCallback(MOVA_DevMgrCallback callback)
                               Running::DeviceCallback);
 }
 
-int32_t Session::mainMenu(CommandMenu& menu)
+int32_t Session::mainMenu(CommandMenu &menu)
 {
     Guard guard(*this);
     if (const int32_t status = mainMenuStatus(ServiceFunction::GetMainMenu))
@@ -134,7 +134,7 @@ int32_t Session::selectMenuItem(int16_t itemId)
     Guard guard(*this);
     if (const int32_t status = mainMenuStatus(Function))
         return refuse(Function, std::nullopt, status);
-    const CommandMenuItem* item = commandMenu(m_menu->body)->find(itemId);
+    const CommandMenuItem *item = commandMenu(m_menu->body)->find(itemId);
     if (!item)
         return refuse(Function, std::nullopt, StatusUnknownItem);
 
@@ -157,7 +157,7 @@ int32_t Session::selectMenuItem(int16_t itemId)
 }
 
 int32_t Session::details(ServiceFunction function, int16_t commandId, int32_t type,
-                         CommandBody& body)
+                         CommandBody &body)
 {
     Guard guard(*this);
     if (const int32_t status = commandStatus(function, commandId, type))
@@ -192,7 +192,7 @@ int32_t Session::selectSubMenuItem(int16_t commandId, int32_t action, int16_t it
 }
 
 int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t type,
-                        const TerminalResponse& response)
+                        const TerminalResponse &response)
 {
     Guard guard(*this);
     if (const int32_t status = commandStatus(function, commandId, type))
@@ -312,7 +312,7 @@ CardHost::ModemState Session::state()
     return m_underWay ? CardHost::ModemState::Busy : CardHost::ModemState::Ready;
 }
 
-void Session::withCard(std::function<void(Card&)> function)
+void Session::withCard(std::function<void(Card &)> function)
 {
     Guard guard(*this);
     if (m_card && !m_removed)
@@ -344,7 +344,7 @@ int32_t Session::commandStatus(ServiceFunction function, int16_t commandId, int3
         return status;
     if (!m_current || m_current->id != commandId)
         return StatusNotInProgress;
-    const CommandBody& body = m_current->command.body;
+    const CommandBody &body = m_current->command.body;
     const bool readable = givesDetails(function) && isAnsweredByModem(body);
     if (!m_current->open && !readable)
         return StatusNotInProgress;
@@ -367,12 +367,12 @@ void Session::post(Request request)
     m_wake.notify_one();
 }
 
-void Session::postResponse(const TerminalResponse& response)
+void Session::postResponse(const TerminalResponse &response)
 {
     post([card = m_card, response] { card->respond(response, Card::Clock::now()); });
 }
 
-void Session::answerCurrent(const TerminalResponse& response,
+void Session::answerCurrent(const TerminalResponse &response,
                             std::optional<ServiceFunction> function)
 {
     m_transcript.response(m_current->id, m_current->command.body, response, function);
@@ -387,7 +387,7 @@ std::optional<TerminalResponse> Session::closeCurrent()
     if (!m_current || !m_current->open)
         return std::nullopt;
     using Result = TerminalResponse::Result;
-    const CommandBody& body = m_current->command.body;
+    const CommandBody &body = m_current->command.body;
     const TerminalResponse response{isAnsweredByModem(body) ? Result::Performed
                                                             : Result::Terminated};
     m_transcript.response(m_current->id, body, response, std::nullopt);
@@ -438,7 +438,7 @@ void Session::run()
     m_card.reset();
 }
 
-bool Session::runRequest(Lock& lock)
+bool Session::runRequest(Lock &lock)
 {
     if (m_requests.empty() && m_oldCards.empty())
         return false;
@@ -458,7 +458,7 @@ bool Session::runRequest(Lock& lock)
     return true;
 }
 
-bool Session::pollCard(Lock& lock, Card::Time& wakeUp)
+bool Session::pollCard(Lock &lock, Card::Time &wakeUp)
 {
     if (!m_card)
         return false;
@@ -475,7 +475,7 @@ bool Session::pollCard(Lock& lock, Card::Time& wakeUp)
     return true;
 }
 
-bool Session::passDeadline(Lock& lock)
+bool Session::passDeadline(Lock &lock)
 {
     if (Card::Clock::now() < deadline())
         return false;
@@ -488,9 +488,9 @@ bool Session::passDeadline(Lock& lock)
     return true;
 }
 
-void Session::handle(CardEvent& event, Lock& lock)
+void Session::handle(CardEvent &event, Lock &lock)
 {
-    if (auto* command = std::get_if<ProactiveCommand>(&event)) {
+    if (auto *command = std::get_if<ProactiveCommand>(&event)) {
         announce(std::move(*command), lock);
     } else if (std::holds_alternative<SessionEnd>(event)) {
         // The card's main menu alone, at its start, is no session that anybody saw begin.
@@ -512,7 +512,7 @@ void Session::handle(CardEvent& event, Lock& lock)
     }
 }
 
-void Session::announce(ProactiveCommand command, Lock& lock)
+void Session::announce(ProactiveCommand command, Lock &lock)
 {
     if (m_current && m_current->open)
         m_transcript.overtaken(m_current->id, m_current->command.body);
@@ -532,7 +532,7 @@ void Session::announce(ProactiveCommand command, Lock& lock)
     callCommand(type, id, false, lock);
 }
 
-void Session::reportEndOfSession(Lock& lock)
+void Session::reportEndOfSession(Lock &lock)
 {
     m_current.reset();
     m_underWay = false;
@@ -541,7 +541,7 @@ void Session::reportEndOfSession(Lock& lock)
     callCommand(MOVA_STKTYPE_END_SESSION, id, false, lock);
 }
 
-void Session::reportTimeOut(Lock& lock)
+void Session::reportTimeOut(Lock &lock)
 {
     const int16_t id = m_current ? m_current->id : newCommandId();
     const int32_t type =
@@ -552,7 +552,7 @@ void Session::reportTimeOut(Lock& lock)
     callCommand(type, id, true, lock);
 }
 
-void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock& lock)
+void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
 {
     const MOVA_STKCallback callback = m_commandCallback;
     m_running = Running::CommandCallback;
@@ -567,7 +567,7 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock& lock)
     m_returned.notify_all();
 }
 
-void Session::callDevice(int code, Lock& lock)
+void Session::callDevice(int code, Lock &lock)
 {
     const MOVA_DevMgrCallback callback = m_deviceCallback;
     m_running = Running::DeviceCallback;

@@ -26,8 +26,8 @@ class Session {
 public:
     Session();
     ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
 
     // The terminal's side.
 
@@ -38,14 +38,14 @@ public:
     int32_t unregisterCommandCallback(MOVA_STKCallback callback);
     int32_t unregisterDeviceCallback(MOVA_DevMgrCallback callback);
 
-    int32_t mainMenu(CommandMenu& menu);
+    int32_t mainMenu(CommandMenu &menu);
     int32_t selectMenuItem(int16_t itemId);
     /// The details of the command in progress, which must be of the given type.
-    int32_t details(ServiceFunction function, int16_t commandId, int32_t type, CommandBody& body);
+    int32_t details(ServiceFunction function, int16_t commandId, int32_t type, CommandBody &body);
     int32_t selectSubMenuItem(int16_t commandId, int32_t action, int16_t itemId);
     /// Answers the command in progress, which must be of the given type.
     int32_t answer(ServiceFunction function, int16_t commandId, int32_t type,
-                   const TerminalResponse& response);
+                   const TerminalResponse &response);
     /// The status of a menu's release: what the card's faults say of it.
     int32_t releaseStatus(ServiceFunction function);
 
@@ -60,9 +60,9 @@ public:
     CardHost::ModemState state();
     /// Runs the function with the card that is in the modem now, on the session's thread; never
     /// where there is none or the modem was removed by then.
-    void withCard(std::function<void(Card&)> function);
+    void withCard(std::function<void(Card &)> function);
 
-    Transcript& transcript() { return m_transcript; }
+    Transcript &transcript() { return m_transcript; }
 
 private:
     // Locks the session; at its end tells the transcript what happened under the lock.
@@ -79,9 +79,9 @@ private:
     using Request = std::function<void()>;
 
     template <class Callback>
-    int32_t registerCallback(ServiceFunction function, Callback& slot, Callback callback);
+    int32_t registerCallback(ServiceFunction function, Callback &slot, Callback callback);
     template <class Callback>
-    int32_t unregisterCallback(ServiceFunction function, Callback& slot, Callback callback,
+    int32_t unregisterCallback(ServiceFunction function, Callback &slot, Callback callback,
                                Running kind);
 
     // With the lock held:
@@ -90,8 +90,8 @@ private:
     int32_t refuse(ServiceFunction function, std::optional<int16_t> commandId, int32_t status);
     int32_t mainMenuStatus(ServiceFunction function) const;
     void post(Request request);
-    void postResponse(const TerminalResponse& response);
-    void answerCurrent(const TerminalResponse& response, std::optional<ServiceFunction> function);
+    void postResponse(const TerminalResponse &response);
+    void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
     std::optional<TerminalResponse> closeCurrent();
     void forgetSession();
     int16_t newCommandId();
@@ -99,15 +99,15 @@ private:
 
     // On the session's thread:
     void run();
-    bool runRequest(std::unique_lock<std::mutex>& lock);
-    bool pollCard(std::unique_lock<std::mutex>& lock, Card::Time& wakeUp);
-    bool passDeadline(std::unique_lock<std::mutex>& lock);
-    void handle(CardEvent& event, std::unique_lock<std::mutex>& lock);
-    void announce(ProactiveCommand command, std::unique_lock<std::mutex>& lock);
-    void reportEndOfSession(std::unique_lock<std::mutex>& lock);
-    void reportTimeOut(std::unique_lock<std::mutex>& lock);
-    void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex>& lock);
-    void callDevice(int code, std::unique_lock<std::mutex>& lock);
+    bool runRequest(std::unique_lock<std::mutex> &lock);
+    bool pollCard(std::unique_lock<std::mutex> &lock, Card::Time &wakeUp);
+    bool passDeadline(std::unique_lock<std::mutex> &lock);
+    void handle(CardEvent &event, std::unique_lock<std::mutex> &lock);
+    void announce(ProactiveCommand command, std::unique_lock<std::mutex> &lock);
+    void reportEndOfSession(std::unique_lock<std::mutex> &lock);
+    void reportTimeOut(std::unique_lock<std::mutex> &lock);
+    void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex> &lock);
+    void callDevice(int code, std::unique_lock<std::mutex> &lock);
 
     Transcript m_transcript;
     std::mutex m_mutex;

@@ -13,7 +13,7 @@ namespace {
 constexpr int DeepestLevel = 400;
 constexpr size_t LongestFound = 40; // bytes of a value that are shown
 
-std::string escapedKey(const std::string& key)
+std::string escapedKey(const std::string &key)
 {
     std::string escaped;
     for (char character : key) {
@@ -27,7 +27,7 @@ std::string escapedKey(const std::string& key)
     return escaped;
 }
 
-std::string described(const Json& value)
+std::string described(const Json &value)
 {
     if (value.is_object())
         return value.empty() ? "an empty object" : "an object";
@@ -41,7 +41,7 @@ std::string described(const Json& value)
 // Watches over the parser: it knows where it is, which the parser does not tell.
 class Watcher {
 public:
-    bool operator()(int, Json::parse_event_t event, Json& parsed)
+    bool operator()(int, Json::parse_event_t event, Json &parsed)
     {
         switch (event) {
         case Json::parse_event_t::object_start:
@@ -85,7 +85,7 @@ private:
     std::string pointer() const
     {
         std::string path;
-        for (const Level& level : m_levels) {
+        for (const Level &level : m_levels) {
             if (level.isList && level.count > 0)
                 path += '/' + std::to_string(level.count - 1);
             else if (!level.isList && !level.keys.empty())
@@ -98,7 +98,7 @@ private:
 };
 
 // "syntax error while parsing value - invalid literal; last read: '...'" out of the library's text.
-std::string reason(const std::string& what)
+std::string reason(const std::string &what)
 {
     const size_t start = what.find("column");
     const size_t colon = what.find(": ", start == std::string::npos ? 0 : start);
@@ -107,46 +107,46 @@ std::string reason(const std::string& what)
 
 } // namespace
 
-Json parse(const std::string& text)
+Json parse(const std::string &text)
 {
     try {
         return Json::parse(text, Watcher());
-    } catch (const Json::parse_error& error) {
+    } catch (const Json::parse_error &error) {
         const size_t end = std::min(text.size(), error.byte > 0 ? error.byte - 1 : 0);
         const auto lineFeeds = std::count(text.begin(), text.begin() + end, '\n');
         const size_t lineStart = end == 0 ? 0 : text.rfind('\n', end - 1) + 1;
         fail("line " + std::to_string(lineFeeds + 1) + ", column " +
                  std::to_string(end - lineStart + 1),
              "not JSON: " + reason(error.what()));
-    } catch (const Json::exception& error) {
+    } catch (const Json::exception &error) {
         // E.g. a number that no type holds.
         fail("", std::string("not JSON: ") + error.what());
     }
 }
 
-void fail(const std::string& pointer, const std::string& message)
+void fail(const std::string &pointer, const std::string &message)
 {
     throw Error(oneLine((pointer.empty() ? "/" : pointer) + ": " + message));
 }
 
-void fail(const std::string& pointer, const std::string& expected, const Json& found)
+void fail(const std::string &pointer, const std::string &expected, const Json &found)
 {
     fail(pointer, "expected " + expected + ", found " + described(found));
 }
 
-std::string joined(const std::vector<std::string>& names)
+std::string joined(const std::vector<std::string> &names)
 {
     std::string line;
-    for (const std::string& name : names)
+    for (const std::string &name : names)
         line += (line.empty() ? "" : ", ") + name;
     return line;
 }
 
-Object::Object(const Json& value, std::string pointer, const std::vector<std::string>& keys)
+Object::Object(const Json &value, std::string pointer, const std::vector<std::string> &keys)
     : m_value(object(value, pointer))
     , m_pointer(std::move(pointer))
 {
-    for (const auto& entry : m_value.items()) {
+    for (const auto &entry : m_value.items()) {
         if (entry.key() == "comment")
             text("comment");
         else if (std::find(keys.begin(), keys.end(), entry.key()) == keys.end())
@@ -154,12 +154,12 @@ Object::Object(const Json& value, std::string pointer, const std::vector<std::st
     }
 }
 
-std::string Object::pointer(const std::string& key) const
+std::string Object::pointer(const std::string &key) const
 {
     return keyPointer(m_pointer, key);
 }
 
-const Json& Object::required(const std::string& key, const char* expected) const
+const Json &Object::required(const std::string &key, const char *expected) const
 {
     const auto found = m_value.find(key);
     if (found == m_value.end())
@@ -167,56 +167,56 @@ const Json& Object::required(const std::string& key, const char* expected) const
     return *found;
 }
 
-std::string Object::text(const std::string& key) const
+std::string Object::text(const std::string &key) const
 {
-    const Json& value = required(key, "a string");
+    const Json &value = required(key, "a string");
     if (!value.is_string())
         fail(pointer(key), "a string", value);
     return value.get<std::string>();
 }
 
-std::string Object::text(const std::string& key, const char* otherwise) const
+std::string Object::text(const std::string &key, const char *otherwise) const
 {
     return has(key) ? text(key) : otherwise;
 }
 
-int64_t Object::number(const std::string& key, int64_t lowest, int64_t highest) const
+int64_t Object::number(const std::string &key, int64_t lowest, int64_t highest) const
 {
     return StrictJson::number(required(key, "a number"), pointer(key), lowest, highest);
 }
 
-int64_t Object::number(const std::string& key, int64_t lowest, int64_t highest,
+int64_t Object::number(const std::string &key, int64_t lowest, int64_t highest,
                        int64_t otherwise) const
 {
     return has(key) ? number(key, lowest, highest) : otherwise;
 }
 
-bool Object::flag(const std::string& key) const
+bool Object::flag(const std::string &key) const
 {
     if (!has(key))
         return false;
-    const Json& value = m_value.at(key);
+    const Json &value = m_value.at(key);
     if (!value.is_boolean())
         fail(pointer(key), "true or false", value);
     return value.get<bool>();
 }
 
-const Json& Object::list(const std::string& key) const
+const Json &Object::list(const std::string &key) const
 {
     return StrictJson::list(required(key, "a list"), pointer(key));
 }
 
-std::string keyPointer(const std::string& object, const std::string& key)
+std::string keyPointer(const std::string &object, const std::string &key)
 {
     return object + '/' + escapedKey(key);
 }
 
-std::string elementPointer(const std::string& list, size_t index)
+std::string elementPointer(const std::string &list, size_t index)
 {
     return list + '/' + std::to_string(index);
 }
 
-int64_t number(const Json& value, const std::string& pointer, int64_t lowest, int64_t highest)
+int64_t number(const Json &value, const std::string &pointer, int64_t lowest, int64_t highest)
 {
     const std::string expected =
         "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
@@ -227,14 +227,14 @@ int64_t number(const Json& value, const std::string& pointer, int64_t lowest, in
     return value.get<int64_t>();
 }
 
-const Json& object(const Json& value, const std::string& pointer)
+const Json &object(const Json &value, const std::string &pointer)
 {
     if (!value.is_object())
         fail(pointer, "an object", value);
     return value;
 }
 
-const Json& list(const Json& value, const std::string& pointer)
+const Json &list(const Json &value, const std::string &pointer)
 {
     if (!value.is_array())
         fail(pointer, "a list", value);

@@ -35,7 +35,7 @@ int continuationBytes(unsigned char first)
 }
 
 // Reads the character at the position and moves behind it.
-char32_t nextCharacter(const std::string& utf8, size_t& position)
+char32_t nextCharacter(const std::string &utf8, size_t &position)
 {
     static constexpr char32_t Smallest[] = {0, 0x80, 0x800, 0x10000};
     static constexpr unsigned char FirstByteBits[] = {0x7f, 0x1f, 0x0f, 0x07};
@@ -55,7 +55,7 @@ char32_t nextCharacter(const std::string& utf8, size_t& position)
     return valid ? character : Replacement;
 }
 
-void appendUtf8(std::string& utf8, char32_t character)
+void appendUtf8(std::string &utf8, char32_t character)
 {
     if (character < 0x80) {
         utf8 += static_cast<char>(character);
@@ -69,7 +69,7 @@ void appendUtf8(std::string& utf8, char32_t character)
 }
 
 // At most `limit` units from the start of the text that end with a whole character.
-size_t wholeCharacters(const std::u16string& text, size_t limit)
+size_t wholeCharacters(const std::u16string &text, size_t limit)
 {
     if (text.size() <= limit)
         return text.size();
@@ -78,7 +78,7 @@ size_t wholeCharacters(const std::u16string& text, size_t limit)
 
 } // namespace
 
-std::u16string toUtf16(const std::string& utf8)
+std::u16string toUtf16(const std::string &utf8)
 {
     std::u16string utf16;
     for (size_t position = 0; position < utf8.size();) {
@@ -93,7 +93,7 @@ std::u16string toUtf16(const std::string& utf8)
     return utf16;
 }
 
-std::string toUtf8(const std::u16string& utf16)
+std::string toUtf8(const std::u16string &utf16)
 {
     std::string utf8;
     for (size_t i = 0; i < utf16.size(); ++i) {
@@ -108,7 +108,7 @@ std::string toUtf8(const std::u16string& utf16)
     return utf8;
 }
 
-std::string toUtf8(const uint16_t* zeroTerminated)
+std::string toUtf8(const uint16_t *zeroTerminated)
 {
     std::u16string utf16;
     for (; zeroTerminated && *zeroTerminated != 0; ++zeroTerminated)
@@ -116,9 +116,9 @@ std::string toUtf8(const uint16_t* zeroTerminated)
     return toUtf8(utf16);
 }
 
-void copyText(const CommandText& text, uint16_t* units, size_t capacity)
+void copyText(const CommandText &text, uint16_t *units, size_t capacity)
 {
-    std::u16string utf16 = toUtf16(text.utf8);
+    std::u16string utf16 = toUtf16(text.utf8.c_str()); // a zero in the text ends it
     std::fill(units, units + capacity, uint16_t(0));
     if (!text.unterminated) {
         std::copy_n(utf16.begin(), wholeCharacters(utf16, capacity - 1), units);
@@ -130,7 +130,7 @@ void copyText(const CommandText& text, uint16_t* units, size_t capacity)
         units[i] = utf16[i % utf16.size()];
 }
 
-std::string oneLine(const std::string& utf8)
+std::string oneLine(const std::string &utf8)
 {
     std::string line;
     for (size_t position = 0; position < utf8.size();) {
@@ -155,7 +155,7 @@ std::string oneLine(const std::string& utf8)
     return line;
 }
 
-std::string shortened(const std::string& utf8, size_t bytes)
+std::string shortened(const std::string &utf8, size_t bytes)
 {
     if (utf8.size() <= bytes)
         return utf8;

@@ -11,28 +11,28 @@
 using Json = nlohmann::ordered_json;
 
 struct Transcript::Line {
-    const char* road; // who tells whom
+    const char *road; // who tells whom
     std::string text;
     Json json;
 };
 
 namespace {
 
-constexpr const char* FromCard = "card → terminal";
-constexpr const char* ToCard = "terminal → card";
-constexpr const char* OfModem = "modem          ";
+constexpr const char *FromCard = "card → terminal";
+constexpr const char *ToCard = "terminal → card";
+constexpr const char *OfModem = "modem          ";
 
 std::string number(int64_t value)
 {
     return std::to_string(value);
 }
 
-std::string quoted(const std::string& text)
+std::string quoted(const std::string &text)
 {
     return '"' + oneLine(text) + '"';
 }
 
-std::string hex(const std::vector<uint8_t>& bytes)
+std::string hex(const std::vector<uint8_t> &bytes)
 {
     std::string digits;
     for (uint8_t byte : bytes) {
@@ -43,34 +43,34 @@ std::string hex(const std::vector<uint8_t>& bytes)
     return digits;
 }
 
-void addMenu(Json& json, const CommandMenu& menu)
+void addMenu(Json &json, const CommandMenu &menu)
 {
     json["title"] = menu.title.utf8;
     Json items = Json::array();
-    for (const CommandMenuItem& item : menu.items)
+    for (const CommandMenuItem &item : menu.items)
         items.push_back({{"id", item.id}, {"text", item.text.utf8}});
     json["items"] = std::move(items);
 }
 
 struct FieldWriter {
-    Json& json;
+    Json &json;
 
-    void operator()(const UnknownCommand& command) { json["type"] = command.type; }
-    void operator()(const SetUpMenu& command) { addMenu(json, command.menu); }
-    void operator()(const DisplayText& command)
+    void operator()(const UnknownCommand &command) { json["type"] = command.type; }
+    void operator()(const SetUpMenu &command) { addMenu(json, command.menu); }
+    void operator()(const DisplayText &command)
     {
         json["text"] = command.text.utf8;
         json["clearMode"] = command.clearMode;
         json["duration"] = command.duration;
     }
-    void operator()(const GetInkey& command)
+    void operator()(const GetInkey &command)
     {
         json["text"] = command.text.utf8;
         json["inputType"] = command.inputType;
         json["option"] = command.option;
         json["duration"] = command.duration;
     }
-    void operator()(const GetInput& command)
+    void operator()(const GetInput &command)
     {
         json["text"] = command.text.utf8;
         json["inputType"] = command.inputType;
@@ -80,58 +80,58 @@ struct FieldWriter {
         json["option"] = command.option;
         json["defaultText"] = command.defaultText.utf8;
     }
-    void operator()(const SetUpCall& command)
+    void operator()(const SetUpCall &command)
     {
         json["text"] = command.text.utf8;
         json["address"] = command.address;
     }
-    void operator()(const PlayTone& command)
+    void operator()(const PlayTone &command)
     {
         json["text"] = command.text.utf8;
         json["tone"] = command.tone;
         json["duration"] = command.duration;
     }
-    void operator()(const SelectItem& command)
+    void operator()(const SelectItem &command)
     {
         addMenu(json, command.menu);
         json["defaultItem"] = command.defaultItem;
     }
-    void operator()(const Refresh& command)
+    void operator()(const Refresh &command)
     {
         json["qualifier"] = command.qualifier;
         json["files"] = hex(command.files);
     }
-    void operator()(const SendSs& command)
+    void operator()(const SendSs &command)
     {
         json["text"] = command.text.utf8;
         json["code"] = command.code;
     }
-    void operator()(const SendShortMessage& command)
+    void operator()(const SendShortMessage &command)
     {
         json["text"] = command.text.utf8;
         json["address"] = command.address;
         json["message"] = command.message;
     }
-    void operator()(const SendUssd& command)
+    void operator()(const SendUssd &command)
     {
         json["text"] = command.text.utf8;
         json["code"] = command.code;
     }
-    void operator()(const LaunchBrowser& command)
+    void operator()(const LaunchBrowser &command)
     {
         json["url"] = command.url.utf8;
         json["launchMode"] = command.launchMode;
     }
-    void operator()(const SetUpIdleModeText& command) { json["text"] = command.text.utf8; }
+    void operator()(const SetUpIdleModeText &command) { json["text"] = command.text.utf8; }
 };
 
 // What a command says, for people: its text, then the other fields in brackets.
-std::string inWords(const Json& fields)
+std::string inWords(const Json &fields)
 {
     std::string text;
     std::string rest;
-    for (const auto& field : fields.items()) {
-        const std::string& name = field.key();
+    for (const auto &field : fields.items()) {
+        const std::string &name = field.key();
         if (name == "title" || name == "text" || name == "url") {
             text += ' ' + quoted(field.value().get<std::string>());
             continue;
@@ -147,7 +147,7 @@ std::string inWords(const Json& fields)
     return text + (rest.empty() ? "" : rest + ")");
 }
 
-std::string commandNumber(const char* name, int16_t id)
+std::string commandNumber(const char *name, int16_t id)
 {
     return std::string(name) + " #" + number(id);
 }
@@ -199,7 +199,7 @@ bool Transcript::hasListeners()
     return !m_listeners.empty();
 }
 
-void Transcript::cardOpened(const std::string& name)
+void Transcript::cardOpened(const std::string &name)
 {
     append({OfModem,
             "card opened " + quoted(name),
@@ -213,11 +213,11 @@ void Transcript::cardClosed()
 
 void Transcript::device(bool ready)
 {
-    const char* state = ready ? "ready" : "removed";
+    const char *state = ready ? "ready" : "removed";
     append({OfModem, state, {{"event", "device"}, {"state", state}}});
 }
 
-void Transcript::command(int16_t id, const CommandBody& body)
+void Transcript::command(int16_t id, const CommandBody &body)
 {
     if (!hasListeners()) // a menu may be long
         return;
@@ -228,7 +228,7 @@ void Transcript::command(int16_t id, const CommandBody& body)
     append({FromCard, commandNumber(commandName(body), id) + inWords(fields), std::move(json)});
 }
 
-void Transcript::response(int16_t id, const CommandBody& body, const TerminalResponse& response,
+void Transcript::response(int16_t id, const CommandBody &body, const TerminalResponse &response,
                           std::optional<ServiceFunction> function)
 {
     std::string text = commandNumber(commandName(body), id) + ": " + resultName(response.result);
@@ -246,8 +246,8 @@ void Transcript::response(int16_t id, const CommandBody& body, const TerminalRes
     if (response.item) {
         json["item"] = *response.item;
         text += ", item " + number(*response.item);
-        const CommandMenu* menu = commandMenu(body);
-        if (const CommandMenuItem* item = menu ? menu->find(*response.item) : nullptr) {
+        const CommandMenu *menu = commandMenu(body);
+        if (const CommandMenuItem *item = menu ? menu->find(*response.item) : nullptr) {
             json["itemText"] = item->text.utf8;
             text += ' ' + quoted(item->text.utf8);
         }
@@ -259,14 +259,14 @@ void Transcript::response(int16_t id, const CommandBody& body, const TerminalRes
     append({function ? ToCard : OfModem, text, std::move(json)});
 }
 
-void Transcript::overtaken(int16_t id, const CommandBody& body)
+void Transcript::overtaken(int16_t id, const CommandBody &body)
 {
     append({FromCard,
             commandNumber(commandName(body), id) + ": overtaken by the next command",
             {{"event", "overtaken"}, {"command", commandName(body)}, {"id", id}}});
 }
 
-void Transcript::selection(const CommandMenuItem& item)
+void Transcript::selection(const CommandMenuItem &item)
 {
     append({ToCard,
             "MENU SELECTION, item " + number(item.id) + ' ' + quoted(item.text.utf8),
@@ -285,7 +285,7 @@ void Transcript::endOfSession(int16_t id)
 
 void Transcript::refused(ServiceFunction function, std::optional<int16_t> id, int32_t status)
 {
-    const char* reason = *statusText(status) ? statusText(status) : "the card's fault";
+    const char *reason = *statusText(status) ? statusText(status) : "the card's fault";
     std::string text = std::string("refused: ") + functionName(function);
     Json json = {{"event", "refused"}, {"call", functionName(function)}};
     if (id) {
@@ -297,7 +297,7 @@ void Transcript::refused(ServiceFunction function, std::optional<int16_t> id, in
     append({ToCard, text + ": " + reason + " (" + number(status) + ')', std::move(json)});
 }
 
-void Transcript::append(const Line& line)
+void Transcript::append(const Line &line)
 {
     if (!hasListeners())
         return;
@@ -326,7 +326,7 @@ void Transcript::deliver()
     m_changed.notify_all();
 }
 
-void Transcript::tell(std::unique_lock<std::mutex>& lock, const CardHost::TranscriptEntry& entry)
+void Transcript::tell(std::unique_lock<std::mutex> &lock, const CardHost::TranscriptEntry &entry)
 {
     // A listener may remove itself or another while it is called: walk by identifier.
     for (auto next = m_listeners.begin(); next != m_listeners.end();

@@ -25,16 +25,16 @@ public:
     void removeListener(int id);
     void removeAllListeners();
 
-    void cardOpened(const std::string& name);
+    void cardOpened(const std::string &name);
     void cardClosed();
     void device(bool ready);
-    void command(int16_t id, const CommandBody& body);
+    void command(int16_t id, const CommandBody &body);
     /// `function` is the call that answered, none where the modem did.
-    void response(int16_t id, const CommandBody& body, const TerminalResponse& response,
+    void response(int16_t id, const CommandBody &body, const TerminalResponse &response,
                   std::optional<ServiceFunction> function);
     /// The card did not wait for the answer to this command.
-    void overtaken(int16_t id, const CommandBody& body);
-    void selection(const CommandMenuItem& item);
+    void overtaken(int16_t id, const CommandBody &body);
+    void selection(const CommandMenuItem &item);
     void timeOut(int16_t id);
     void endOfSession(int16_t id);
     /// A call that failed; `id` is the command that it was about.
@@ -48,9 +48,9 @@ public:
 private:
     struct Line; // an entry under construction
 
-    void append(const Line& line);
+    void append(const Line &line);
     bool hasListeners();
-    void tell(std::unique_lock<std::mutex>& lock, const CardHost::TranscriptEntry& entry);
+    void tell(std::unique_lock<std::mutex> &lock, const CardHost::TranscriptEntry &entry);
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
