@@ -183,9 +183,9 @@ void EndToEnd::failedStep_data()
                           << "step 3 (expectBusy): expected a wait cursor, seen no wait cursor";
     QTest::newRow("closed") << open + "{\"expectClosed\":true,\"within\":50}]"
                             << "step 3 (expectClosed): expected no SIM toolkit window, seen one titled \"T\"";
-    QTest::newRow("no window") << "[{\"key\":\"Up\",\"within\":50}]"
+    QTest::newRow("no window") << QByteArray("[{\"key\":\"Up\",\"within\":50}]")
                                << "step 1 (key): expected a window of the SIM toolkit for the key, seen none";
-    QTest::newRow("no modem") << "[{\"modem\":\"removed\"},{\"wait\":300},{\"open\":true,\"within\":50}]"
+    QTest::newRow("no modem") << QByteArray("[{\"modem\":\"removed\"},{\"wait\":300},{\"open\":true,\"within\":50}]")
                               << "step 3 (open): expected a modem with a toolkit, seen the SIM toolkit button is disabled";
 }
 

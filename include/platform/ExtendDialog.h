@@ -35,8 +35,6 @@ protected:
     void showEvent(QShowEvent *event);
 
 private:
-    void showTitleAsTyped();
-
     QVBoxLayout *m_layout;
     int m_widgetType;
 };

@@ -66,6 +66,17 @@ QString withoutMnemonic(QString text)
     return text.remove(trailingKey).remove('&');
 }
 
+// The plug-in covers the cursor at the start and at the end of every wait and never uncovers it.  An
+// arrow on top says that no wait is under way: then the whole pile can go.
+void dropCoveredCursors()
+{
+    const QCursor *top = QApplication::overrideCursor();
+    if (!top || top->shape() != Qt::ArrowCursor)
+        return;
+    while (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+}
+
 } // namespace
 
 MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
@@ -293,14 +304,8 @@ void MainWindow::refresh()
 {
     if (m_state != CardHost::state())
         refreshTexts();
-    // The plug-in covers the cursor after every wait and never uncovers it.
-    if (m_plugin.isWindowOpen())
-        return;
-    const QCursor *cursor = QApplication::overrideCursor();
-    while (cursor && cursor->shape() == Qt::ArrowCursor) {
-        QApplication::restoreOverrideCursor();
-        cursor = QApplication::overrideCursor();
-    }
+    if (!m_plugin.isWindowOpen())
+        dropCoveredCursors();
 }
 
 void MainWindow::refreshTexts()

@@ -76,11 +76,15 @@ void doubleClickAt(QWidget *widget, const QPoint &place)
     QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, widget->mapTo(window, place));
 }
 
-void pressKey(QWidget *window, int keyWithModifiers)
+void pressKey(QWidget *widget, int keyWithModifiers)
 {
-    const int modifiers = keyWithModifiers & int(Qt::KeyboardModifierMask);
-    QTest::keyClick(window->windowHandle(), Qt::Key(keyWithModifiers & ~modifiers),
-                    Qt::KeyboardModifiers(modifiers));
+    const Qt::KeyboardModifiers modifiers(keyWithModifiers & int(Qt::KeyboardModifierMask));
+    const Qt::Key key = Qt::Key(keyWithModifiers & ~int(Qt::KeyboardModifierMask));
+    const QPointer<QWindow> window = widget->window()->windowHandle();
+    QTest::keyPress(window, key, modifiers);
+    // The press may have closed the window.
+    if (window)
+        QTest::keyRelease(window, key, modifiers);
 }
 
 } // namespace
@@ -233,7 +237,7 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::select(const Walkthrough::Step &st
     if (step.by == Walkthrough::SelectBy::DoubleClick)
         doubleClickAt(table, inTable);
     else if (step.by == Walkthrough::SelectBy::Return)
-        pressKey(table->window(), Qt::Key_Return);
+        pressKey(table, Qt::Key_Return);
     else
         return clickButton("STKPlugin_PushBtnSelect", expected);
     return {Outcome::Done, {}, {}};

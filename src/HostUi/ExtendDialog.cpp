@@ -5,8 +5,31 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
+
 #if QT_VERSION >= 0x050000
 #include <QWindow>
+
+static QString storedTitle(const QString &title)
+{
+    return title;
+}
+
+// windowTitle() keeps the text as it was set, while the title bar would lose every "[*]".
+static void showTitleAsTyped(QWidget *window)
+{
+    if (window->windowHandle())
+        window->windowHandle()->setTitle(window->windowTitle());
+}
+#else
+// The title bar cannot be reached: only a doubled placeholder is shown as typed.
+static QString storedTitle(const QString &title)
+{
+    return QString(title).replace("[*]", "[*][*]");
+}
+
+static void showTitleAsTyped(QWidget *)
+{
+}
 #endif
 
 namespace {
@@ -46,12 +69,8 @@ void ExtendDialog::AddMainWidget(QWidget *widget)
 
 void ExtendDialog::setWindowTitle(const QString &title)
 {
-#if QT_VERSION >= 0x050000
-    QDialog::setWindowTitle(title);
-    showTitleAsTyped();
-#else
-    QDialog::setWindowTitle(QString(title).replace("[*]", "[*][*]"));
-#endif
+    QDialog::setWindowTitle(storedTitle(title));
+    showTitleAsTyped(this);
 }
 
 void ExtendDialog::setWindowFlags(Qt::WindowFlags flags)
@@ -88,14 +107,5 @@ void ExtendDialog::changeSize(QSize size)
 void ExtendDialog::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
-    showTitleAsTyped();
-}
-
-void ExtendDialog::showTitleAsTyped()
-{
-#if QT_VERSION >= 0x050000
-    // windowTitle() keeps the text as it was set, while the title bar would lose every "[*]".
-    if (windowHandle())
-        windowHandle()->setTitle(windowTitle());
-#endif
+    showTitleAsTyped(this);
 }
