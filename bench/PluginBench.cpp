@@ -1,0 +1,372 @@
+/* What the toolkit window costs, as ratios against the plainest Qt program that does the same, taken
+ * in one run.  The trace is written as ever and discarded by the message handler.
+ *
+ *     build/bench/PluginBench            (with a display, or with QT_QPA_PLATFORM=offscreen)
+ */
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include <QApplication>
+#include <QDialog>
+#include <QEventLoop>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTemporaryFile>
+#include <QVBoxLayout>
+
+#include "CardHost.h"
+#include "STKDialog.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+void putCard(int items)
+{
+    QTemporaryFile file;
+    if (!file.open())
+        qFatal("no temporary file");
+    file.write(R"({"menu":{"title":"Operator","items":[)");
+    for (int i = 0; i < items; ++i)
+        file.write(qPrintable(QString(R"(%1{"id":%2,"text":"Service number %2","do":[]})").arg(i ? "," : "").arg(i + 1)));
+    file.write("]}}");
+    file.flush();
+    const std::string error = CardHost::openScenario(file.fileName().toStdString());
+    if (!error.empty())
+        qFatal("%s", error.c_str());
+}
+
+/* The card tells its menu when it has started. */
+void waitForMenu(int items)
+{
+    QList<StkItemClass> list;
+    StkMenuItems menu;
+    menu.itemList = &list;
+    while (!STKLogic::CreateInstance()->GetMainMenu(&menu) || list.size() != items)
+        QCoreApplication::processEvents();
+}
+
+/* A thread that stands for the service's: does one thing whenever it is asked to. */
+class ForeignThread
+{
+public:
+    ForeignThread()
+        : m_thread([this] { run(); })
+    {
+    }
+    ~ForeignThread()
+    {
+        post(nullptr);
+        m_thread.join();
+    }
+    void post(std::function<void()> act)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_act = std::move(act);
+        m_asked = true;
+        m_changed.notify_one();
+    }
+
+private:
+    void run()
+    {
+        for (;;) {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            m_changed.wait(lock, [this] { return m_asked; });
+            m_asked = false;
+            if (!m_act)
+                return;
+            m_act();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::function<void()> m_act;
+    bool m_asked = false;
+    std::thread m_thread;
+};
+
+/* Emits on a foreign thread what a plain program would. */
+class PlainSender : public QObject
+{
+    Q_OBJECT
+signals:
+    void menuChanged();
+};
+
+/* Takes the time at which a queued signal arrives: connected last, it runs after the slot measured. */
+class Arrival : public QObject
+{
+    Q_OBJECT
+public:
+    Clock::time_point start;
+    double seconds = 0;
+
+    void wait() { m_loop.exec(); }
+
+public slots:
+    void take()
+    {
+        seconds = secondsSince(start);
+        m_loop.quit();
+    }
+
+private:
+    QEventLoop m_loop;
+};
+
+void fillPlain(QTableWidget *table, int items)
+{
+    table->clear();
+    table->setRowCount(items);
+    for (int i = 0; i < items; ++i) {
+        table->setItem(i, 0, new QTableWidgetItem(QString("Service number %1").arg(i + 1)));
+        table->setRowHeight(i, 17);
+    }
+}
+
+/* A dialog with a table and three buttons, as anybody would write it. */
+class PlainDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit PlainDialog(QWidget *parent, int items)
+        : QDialog(parent)
+        , table(new QTableWidget(this))
+    {
+        auto *buttons = new QHBoxLayout;
+        for (const char *text : {"Back", "Select", "Close"})
+            buttons->addWidget(new QPushButton(text, this));
+        auto *outer = new QVBoxLayout(this);
+        outer->addWidget(table);
+        outer->addLayout(buttons);
+        table->setColumnCount(1);
+        table->horizontalHeader()->hide();
+        table->verticalHeader()->hide();
+        table->verticalHeader()->setMinimumSectionSize(17);
+        table->setColumnWidth(0, 345);
+        table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+        table->setSelectionBehavior(QAbstractItemView::SelectRows);
+        setFixedSize(380, 357);
+        fillPlain(table, items);
+    }
+
+    QTableWidget *table;
+
+public slots:
+    void fill() { fillPlain(table, 20); }
+};
+
+/* Counts the paints of one widget. */
+class PaintWatch : public QObject
+{
+public:
+    bool painted = false;
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        painted = painted || event->type() == QEvent::Paint;
+        return false;
+    }
+    static void untilPainted(QWidget *widget)
+    {
+        PaintWatch watch;
+        widget->installEventFilter(&watch);
+        while (!watch.painted)
+            QCoreApplication::processEvents();
+    }
+};
+
+STKDialog *toolkit()
+{
+    return STKDialog::Instance();
+}
+
+QDialog *showToolkit(QWidget *parent, int items)
+{
+    QRect area;
+    toolkit()->ShowStkDlg(parent, area);
+    if (toolkit()->m_pTableWidget->rowCount() != items)
+        qFatal("the menu has %d rows, not %d", toolkit()->m_pTableWidget->rowCount(), items);
+    return qobject_cast<QDialog *>(toolkit()->m_pTableWidget->window());
+}
+
+void closeAndDelete(QDialog *dialog)
+{
+    dialog->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    while (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+}
+
+void setupMenuFromForeignThread(benchmark::State &state)
+{
+    putCard(20);
+    waitForMenu(20);
+    QDialog *const dialog = showToolkit(nullptr, 20);
+    PaintWatch::untilPainted(dialog);
+    ForeignThread thread;
+    Arrival arrival;
+    QObject::connect(STKLogic::CreateInstance(), SIGNAL(STKSetupMenu()), &arrival, SLOT(take()));
+    for (auto _ : state) {
+        thread.post([&] {
+            MOVA_STKNotifyData data = {MOVA_STKTYPE_SETUP_MENU, 1, 0};
+            arrival.start = Clock::now();
+            STKLogic::OnSTKEventCB(0, &data);
+        });
+        arrival.wait();
+        state.SetIterationTime(arrival.seconds);
+    }
+    closeAndDelete(dialog);
+}
+
+void plainSignalFromForeignThread(benchmark::State &state)
+{
+    PlainDialog dialog(nullptr, 20);
+    dialog.show();
+    PaintWatch::untilPainted(&dialog);
+    PlainSender sender;
+    ForeignThread thread;
+    Arrival arrival;
+    QObject::connect(&sender, SIGNAL(menuChanged()), &dialog, SLOT(fill()));
+    QObject::connect(&sender, SIGNAL(menuChanged()), &arrival, SLOT(take()));
+    for (auto _ : state) {
+        thread.post([&] {
+            arrival.start = Clock::now();
+            emit sender.menuChanged();
+        });
+        arrival.wait();
+        state.SetIterationTime(arrival.seconds);
+    }
+}
+
+void drawMainMenu(benchmark::State &state)
+{
+    putCard(250);
+    waitForMenu(250);
+    QDialog *const dialog = showToolkit(nullptr, 250);
+    PaintWatch::untilPainted(dialog);
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        toolkit()->showMainMenu();
+        toolkit()->m_pTableWidget->viewport()->repaint();
+        state.SetIterationTime(secondsSince(start));
+    }
+    closeAndDelete(dialog);
+}
+
+void drawPlainTable(benchmark::State &state)
+{
+    PlainDialog dialog(nullptr, 250);
+    dialog.show();
+    PaintWatch::untilPainted(&dialog);
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        fillPlain(dialog.table, 250);
+        dialog.table->viewport()->repaint();
+        state.SetIterationTime(secondsSince(start));
+    }
+}
+
+void showWindow(benchmark::State &state)
+{
+    putCard(20);
+    waitForMenu(20);
+    QWidget parent;
+    parent.show();
+    PaintWatch::untilPainted(&parent);
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        QDialog *const dialog = showToolkit(&parent, 20);
+        PaintWatch::untilPainted(dialog);
+        state.SetIterationTime(secondsSince(start));
+        closeAndDelete(dialog);
+    }
+}
+
+void showPlainDialog(benchmark::State &state)
+{
+    QWidget parent;
+    parent.show();
+    PaintWatch::untilPainted(&parent);
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        auto *dialog = new PlainDialog(&parent, 20);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->setWindowModality(Qt::WindowModal);
+        dialog->show();
+        PaintWatch::untilPainted(dialog);
+        state.SetIterationTime(secondsSince(start));
+        closeAndDelete(dialog);
+    }
+}
+
+BENCHMARK(setupMenuFromForeignThread)->UseManualTime()->Repetitions(5);
+BENCHMARK(plainSignalFromForeignThread)->UseManualTime()->Repetitions(5);
+BENCHMARK(drawMainMenu)->UseManualTime()->Repetitions(5);
+BENCHMARK(drawPlainTable)->UseManualTime()->Repetitions(5);
+BENCHMARK(showWindow)->UseManualTime()->Repetitions(5);
+BENCHMARK(showPlainDialog)->UseManualTime()->Repetitions(5);
+
+/* Prints what Google Benchmark prints and keeps the medians for the ratios. */
+class Medians : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.aggregate_name == "median")
+                m_median[run.run_name.function_name] = run.GetAdjustedRealTime();
+        }
+    }
+
+    void printRatio(const char *what, const char *ours, const char *plain, double bound) const
+    {
+        const auto our = m_median.find(ours), other = m_median.find(plain);
+        if (our == m_median.end() || other == m_median.end())
+            return; // filtered out
+        std::printf("%-62s %5.2f   (wanted: at most %.1f)\n", what, our->second / other->second, bound);
+    }
+
+private:
+    std::map<std::string, double> m_median;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    QApplication application(argc, argv);
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
+        if (type == QtFatalMsg)
+            std::fprintf(stderr, "%s\n", qPrintable(message));
+    });
+    Medians medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    std::printf("\n");
+    medians.printRatio("Set Up Menu, 20 items, from the service's thread to the slot's end",
+                       "setupMenuFromForeignThread", "plainSignalFromForeignThread", 2);
+    medians.printRatio("drawing a main menu of 250 items", "drawMainMenu", "drawPlainTable", 1.5);
+    medians.printRatio("ShowWindow to the first paint", "showWindow", "showPlainDialog", 2);
+    STKDialog::Instance()->unSDKRegisterEvent();
+    STKDialog::Destroy();
+    CardHost::closeCard();
+    return 0;
+}
+
+#include "PluginBench.moc"
