@@ -51,8 +51,8 @@ MOVA_API void timeOutSession();
 /// result is empty, or one line that says what is wrong with it, and then nothing was sent.
 MOVA_API std::string sendCommand(const std::string &json);
 
-/// Calls the listener for every entry from now on, on the thread that caused it, one entry at a time
-/// and in order.  The listener must not call back into this header.  The result is never 0.
+/// Calls the listener for every entry from now on, one entry at a time and in order, before the call
+/// that caused the entry returns: on its thread, or on another that is telling entries just then.  The listener must not call back into this header.  The result is never 0.
 MOVA_API int addTranscriptListener(TranscriptListener listener);
 /// No call of the listener runs after this returns, except the one that it is called from.
 MOVA_API void removeTranscriptListener(int id);
