@@ -52,7 +52,8 @@ MOVA_API void timeOutSession();
 MOVA_API std::string sendCommand(const std::string &json);
 
 /// Calls the listener for every entry from now on, one entry at a time and in order, before the call
-/// that caused the entry returns: on its thread, or on another that is telling entries just then.  The listener must not call back into this header.  The result is never 0.
+/// that caused the entry returns: on its thread, or on another that is telling entries just then.
+/// The listener must not call back into this header.  The result is never 0.
 MOVA_API int addTranscriptListener(TranscriptListener listener);
 /// No call of the listener runs after this returns, except the one that it is called from.
 MOVA_API void removeTranscriptListener(int id);
