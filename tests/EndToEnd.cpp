@@ -51,6 +51,9 @@ Run EndToEnd::run(const QStringList &arguments, const QString &platform)
     environment.insert("QT_QPA_PLATFORM", platform);
     environment.insert("DISPLAY", ":4711");
     environment.insert("XDG_RUNTIME_DIR", m_folder.path());
+    // The host unloads the plug-in, so that a leak checker could no longer name what the plug-in keeps
+    // on purpose; the plug-in's own tests check for leaks.
+    environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
     process.setProcessEnvironment(environment);
     process.start(STK_BIN_DIR "/ConnectionManager", arguments);
     if (!process.waitForFinished(200000) || process.exitStatus() != QProcess::NormalExit)

@@ -74,6 +74,10 @@
         <translation>الل&amp;غة</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>اللغة</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>م&amp;ساعدة</translation>
     </message>

@@ -74,6 +74,10 @@
         <translation>&amp;Sprache</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>Sprache</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>&amp;Hilfe</translation>
     </message>

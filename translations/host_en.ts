@@ -74,6 +74,10 @@
         <translation>&amp;Language</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>Language</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>&amp;Help</translation>
     </message>

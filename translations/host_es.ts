@@ -74,6 +74,10 @@
         <translation>&amp;Idioma</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>Idioma</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>A&amp;yuda</translation>
     </message>

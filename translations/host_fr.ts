@@ -74,6 +74,10 @@
         <translation>&amp;Langue</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>Langue</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>&amp;Aide</translation>
     </message>

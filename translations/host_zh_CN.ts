@@ -74,6 +74,10 @@
         <translation>语言(&amp;L)</translation>
     </message>
     <message>
+        <source>IDS_CM_LANGUAGE</source>
+        <translation>语言</translation>
+    </message>
+    <message>
         <source>IDS_CM_MENU_HELP</source>
         <translation>帮助(&amp;H)</translation>
     </message>

@@ -88,7 +88,7 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
     createMenus();
     createContent();
     m_panel = std::make_unique<NetworkPanel>(
-        QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession});
+        QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession}, m_languageMenu);
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
     connect(&transcript, &Transcript::linesAdded, this, &MainWindow::appendLines);
@@ -186,10 +186,10 @@ void MainWindow::createMenus()
     add("IDS_CM_MENU_FILE", {m_openCard, m_quit})->insertSeparator(m_quit);
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
     add("IDS_CM_MENU_CARD", {m_endSession, m_timeOutSession, m_showPanel})->insertSeparator(m_showPanel);
-    QMenu *languages = add("IDS_CM_MENU_LANGUAGE", {});
+    m_languageMenu = add("IDS_CM_MENU_LANGUAGE", {});
     auto *group = new QActionGroup(this);
     for (const QString &code : Languages::codes()) {
-        QAction *action = languages->addAction(Languages::nativeName(code));
+        QAction *action = m_languageMenu->addAction(Languages::nativeName(code));
         action->setCheckable(true);
         action->setData(code);
         group->addAction(action);

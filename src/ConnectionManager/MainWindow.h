@@ -74,6 +74,7 @@ private:
     QAction *m_about = nullptr;
     QAction *m_copy = nullptr;
     QAction *m_clear = nullptr;
+    QMenu *m_languageMenu = nullptr;
     QList<QAction *> m_languageActions;
 
     QLabel *m_icon = nullptr;

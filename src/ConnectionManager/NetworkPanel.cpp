@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QScreen>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "Languages.h"
@@ -16,7 +15,7 @@ constexpr int TitleBar = 32; // what a window manager adds, which is known only 
 
 } // namespace
 
-NetworkPanel::NetworkPanel(const QList<QAction *> &actions)
+NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *languages)
     : m_hint(new QLabel(this))
 {
     setObjectName("ConnectionManager_NetworkPanel");
@@ -26,22 +25,31 @@ NetworkPanel::NetworkPanel(const QList<QAction *> &actions)
     m_hint->setTextFormat(Qt::PlainText);
     layout->addWidget(m_hint);
     layout->addSpacing(6);
-    for (QAction *action : actions) {
-        auto *button = new QToolButton(this);
-        button->setDefaultAction(action);
-        button->setMinimumHeight(ButtonHeight);
-        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        layout->addWidget(button);
-    }
+    for (QAction *action : actions)
+        addButton()->setDefaultAction(action);
+    layout->addSpacing(6);
+    m_languages = addButton();
+    m_languages->setMenu(languages);
+    m_languages->setPopupMode(QToolButton::InstantPopup);
     layout->addStretch();
     setFixedWidth(Width);
     retranslate();
+}
+
+QToolButton *NetworkPanel::addButton()
+{
+    auto *button = new QToolButton(this);
+    button->setMinimumHeight(ButtonHeight);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    layout()->addWidget(button);
+    return button;
 }
 
 void NetworkPanel::retranslate()
 {
     setWindowTitle(Languages::text("IDS_CM_NETWORK_TITLE"));
     m_hint->setText(Languages::text("IDS_CM_NETWORK_HINT"));
+    m_languages->setText(Languages::text("IDS_CM_LANGUAGE"));
 }
 
 void NetworkPanel::showBeside(const QWidget *window)

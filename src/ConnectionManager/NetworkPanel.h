@@ -2,23 +2,29 @@
 #define NETWORKPANEL_H
 
 #include <QLabel>
+#include <QToolButton>
 #include <QWidget>
 
 /// The network side of the simulated card: a window of its own, because the windows of the toolkit
-/// keep the main window from being used while they are open.
+/// keep the main window from being used while they are open.  The language can be switched here too,
+/// for the same reason.
 class NetworkPanel : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit NetworkPanel(const QList<QAction *> &actions);
+    /// One button for each action, and one for the menu of languages.
+    NetworkPanel(const QList<QAction *> &actions, QMenu *languages);
 
     void retranslate();
     /// Shows the panel beside the window, wherever the screen has room, without taking the focus.
     void showBeside(const QWidget *window);
 
 private:
+    QToolButton *addButton();
+
     QLabel *m_hint;
+    QToolButton *m_languages;
 };
 
 #endif
