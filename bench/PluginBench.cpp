@@ -1,5 +1,5 @@
-/* What the toolkit window costs, as ratios against the plainest Qt program that does the same, taken
- * in one run.  The trace is written as ever and discarded by the message handler.
+/* What the toolkit window costs, as ratios against the plainest Qt program that does the same,
+ * taken in one run.  The trace is written as ever and discarded by the message handler.
  *
  *     build/bench/PluginBench            (with a display, or with QT_QPA_PLATFORM=offscreen)
  */
@@ -41,7 +41,9 @@ void putCard(int items)
         qFatal("no temporary file");
     file.write(R"({"menu":{"title":"Operator","items":[)");
     for (int i = 0; i < items; ++i)
-        file.write(qPrintable(QString(R"(%1{"id":%2,"text":"Service number %2","do":[]})").arg(i ? "," : "").arg(i + 1)));
+        file.write(qPrintable(QString(R"(%1{"id":%2,"text":"Service number %2","do":[]})")
+                                  .arg(i ? "," : "")
+                                  .arg(i + 1)));
     file.write("]}}");
     file.flush();
     const std::string error = CardHost::openScenario(file.fileName().toStdString());
@@ -60,8 +62,7 @@ void waitForMenu(int items)
 }
 
 /* A thread that stands for the service's: does one thing whenever it is asked to. */
-class ForeignThread
-{
+class ForeignThread {
 public:
     ForeignThread()
         : m_thread([this] { run(); })
@@ -101,16 +102,15 @@ private:
 };
 
 /* Emits on a foreign thread what a plain program would. */
-class PlainSender : public QObject
-{
+class PlainSender : public QObject {
     Q_OBJECT
 signals:
     void menuChanged();
 };
 
-/* Takes the time at which a queued signal arrives: connected last, it runs after the slot measured. */
-class Arrival : public QObject
-{
+/* Takes the time at which a queued signal arrives: connected last, it runs after the slot measured.
+ */
+class Arrival : public QObject {
     Q_OBJECT
 public:
     Clock::time_point start;
@@ -140,8 +140,7 @@ void fillPlain(QTableWidget *table, int items)
 }
 
 /* A dialog with a table and three buttons, as anybody would write it. */
-class PlainDialog : public QDialog
-{
+class PlainDialog : public QDialog {
     Q_OBJECT
 public:
     explicit PlainDialog(QWidget *parent, int items)
@@ -172,8 +171,7 @@ public slots:
 };
 
 /* Counts the paints of one widget. */
-class PaintWatch : public QObject
-{
+class PaintWatch : public QObject {
 public:
     bool painted = false;
     bool eventFilter(QObject *, QEvent *event) override
@@ -322,8 +320,7 @@ BENCHMARK(showWindow)->UseManualTime()->Repetitions(5);
 BENCHMARK(showPlainDialog)->UseManualTime()->Repetitions(5);
 
 /* Prints what Google Benchmark prints and keeps the medians for the ratios. */
-class Medians : public benchmark::ConsoleReporter
-{
+class Medians : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run> &runs) override
     {
@@ -339,7 +336,8 @@ public:
         const auto our = m_median.find(ours), other = m_median.find(plain);
         if (our == m_median.end() || other == m_median.end())
             return; // filtered out
-        std::printf("%-62s %5.2f   (wanted: at most %.1f)\n", what, our->second / other->second, bound);
+        std::printf("%-62s %5.2f   (wanted: at most %.1f)\n", what, our->second / other->second,
+                    bound);
     }
 
 private:

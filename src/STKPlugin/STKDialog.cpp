@@ -42,9 +42,7 @@ STKTableWidget::STKTableWidget(QWidget *parent)
     TRACE_TIME_FILE_FUNC("%s: %s: %s Entered");
 }
 
-STKTableWidget::~STKTableWidget()
-{
-}
+STKTableWidget::~STKTableWidget() { }
 
 void STKTableWidget::Instantiate(STKDialog *pStkDialog)
 {
@@ -125,9 +123,7 @@ STKExtendDlg::STKExtendDlg(QWidget *parent)
 {
 }
 
-STKExtendDlg::~STKExtendDlg()
-{
-}
+STKExtendDlg::~STKExtendDlg() { }
 
 void STKExtendDlg::Instantiate(STKDialog *pStkDialog)
 {
@@ -244,15 +240,16 @@ STKDialog::~STKDialog()
     TRACE_START();
     if (m_pStkThread && m_pStkThread->isRunning()) {
         m_pStkThread->m_bStop.store(true, std::memory_order_relaxed);
-        // A thread that is only just starting clears the stop flag once more; the response flag ends
-        // its wait as well, and nobody reads it after this.
+        // A thread that is only just starting clears the stop flag once more; the response flag
+        // ends its wait as well, and nobody reads it after this.
         if (m_pStkLogic)
             m_pStkLogic->SetResponseVar(true);
         CommonUtils::WaitForThreadToStop(m_pStkThread, THREAD_STOP_SECONDS);
         delete m_pStkThread;
         m_pStkThread = nullptr;
     }
-    // An idle thread is left behind: its destructor would take the logic from whoever has it by then.
+    // An idle thread is left behind: its destructor would take the logic from whoever has it by
+    // then.
     STKLogic::DestroyInst();
     m_pStkLogic = nullptr;
     STKInputDlg::DestroyInstance();
@@ -292,7 +289,8 @@ bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
     const bool bOk = initUI(parent);
     connectWidgets();
     if (m_pStkLogic) {
-        // Fetched and drawn a second time: the card may have changed its menu while it was first read.
+        // Fetched and drawn a second time: the card may have changed its menu while it was first
+        // read.
         m_pStkLogic->GetMainMenu(&m_stMainMenu);
         m_strTitle = m_stMainMenu.strTitle;
         showMainMenu();
@@ -347,8 +345,8 @@ bool STKDialog::initUI(QWidget *parent)
     m_pTableWidget = new (std::nothrow) STKTableWidget(m_pMainWidget);
     m_pStkTimer = new (std::nothrow) QTimer(this);
     m_pPlayToneTimer = new (std::nothrow) QTimer(this);
-    if (!m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose || !m_pTableWidget
-        || !m_pStkTimer || !m_pPlayToneTimer) {
+    if (!m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose || !m_pTableWidget ||
+        !m_pStkTimer || !m_pPlayToneTimer) {
         TRACE_TIME_FILE_FUNC("%s: %s: %s: Memory Allocation Failed");
         return false;
     }
@@ -410,8 +408,8 @@ void STKDialog::setStkUiLayout()
 void STKDialog::setStkObjectName()
 {
     TRACE_START();
-    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose
-        || !m_pTableWidget) {
+    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose ||
+        !m_pTableWidget) {
         TRACE_FILE_FUNC_TIME("Some widget is null  %s: %s: %s: ");
         return;
     }
@@ -510,7 +508,8 @@ void STKDialog::fetchAndShowMainMenu()
     showMainMenu();
 }
 
-/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any. */
+/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any.
+ */
 int STKDialog::itemIdOf(const StkMenuItems &menu, const QString &strText)
 {
     int nItemId = 0;
@@ -832,6 +831,4 @@ void STKDialog::onPlayingFinished()
     TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
 }
 
-void STKDialog::onMessageTimeOut()
-{
-}
+void STKDialog::onMessageTimeOut() { }

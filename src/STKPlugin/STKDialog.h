@@ -17,11 +17,10 @@ class STKThread;
 
 /* The list of the card's menu items.
  *
- * While the card is being waited for it swallows presses and keys.  Return on a selected row does not
- * select by itself: it goes on to the frame's default button, Close, and the frame then turns the
- * close into a selection because of the dialog's m_bEnterPressed. */
-class STKTableWidget : public QTableWidget
-{
+ * While the card is being waited for it swallows presses and keys.  Return on a selected row does
+ * not select by itself: it goes on to the frame's default button, Close, and the frame then turns
+ * the close into a selection because of the dialog's m_bEnterPressed. */
+class STKTableWidget : public QTableWidget {
     Q_OBJECT
 
 public:
@@ -40,8 +39,7 @@ private:
 };
 
 /* The frame of the toolkit window. */
-class STKExtendDlg : public ExtendDialog
-{
+class STKExtendDlg : public ExtendDialog {
     Q_OBJECT
 
 public:
@@ -62,15 +60,15 @@ private:
  * logic does too, because the first of its owners to go takes it along.
  *
  * GUI thread only.  What STKLogic and STKThread emit arrives queued. */
-class STKDialog : public QObject
-{
+class STKDialog : public QObject {
     Q_OBJECT
 
 public:
     static STKDialog *Instance();
     static void Destroy();
 
-    /* Builds and shows the window over parent; false when it could not be built.  rect is not used. */
+    /* Builds and shows the window over parent; false when it could not be built.  rect is not used.
+     */
     bool ShowStkDlg(QWidget *parent, QRect &rect);
     bool initUI(QWidget *parent);
     void setStkUiLayout();
@@ -86,13 +84,14 @@ public:
     bool deleteTableItems();
     void subMenuSeleted(QTableWidgetItem *item);
 
-    /* Waits, with a busy cursor, until the card sends something or the time-out of STKThread passed. */
+    /* Waits, with a busy cursor, until the card sends something or the time-out of STKThread
+     * passed. */
     void stkWaitforRespond(int iTimeOut);
 
     STKThread *m_pStkThread;
     QPointer<STKTableWidget> m_pTableWidget;
     QPointer<QPushButton> m_pBtnBack;
-    bool m_bEnterPressed;   /* Return is on its way from the list to the frame */
+    bool m_bEnterPressed; /* Return is on its way from the list to the frame */
     QString m_strMenuState; /* "STK_UNKNOWN", "STK_MAINMENU" or "STK_SUBMENU" */
     QPointer<ExtendDialog> m_pTimeMsgDlg;
 

@@ -35,9 +35,7 @@ STKInputExtendDlg::STKInputExtendDlg(QWidget *parent)
 {
 }
 
-STKInputExtendDlg::~STKInputExtendDlg()
-{
-}
+STKInputExtendDlg::~STKInputExtendDlg() { }
 
 void STKInputExtendDlg::Instantiate(STKInputDlg *pStkInputDlg)
 {
@@ -135,8 +133,8 @@ bool STKInputDlg::initUI(QWidget *parent)
     m_pLabelText = new (std::nothrow) QLabel(m_pExtendDlg);
     m_pLineEditInput = new (std::nothrow) QLineEdit(m_pExtendDlg);
     m_pInputTimer = new (std::nothrow) QTimer(this);
-    if (!m_pMainWidget || !m_pBtnOk || !m_pBtnCancel || !m_pLabelText || !m_pLineEditInput
-        || !m_pInputTimer) {
+    if (!m_pMainWidget || !m_pBtnOk || !m_pBtnCancel || !m_pLabelText || !m_pLineEditInput ||
+        !m_pInputTimer) {
         TRACE_TIME_FILE_FUNC("%s: %s: %s: Memory Allocation Failed");
         return false;
     }
@@ -183,8 +181,8 @@ void STKInputDlg::setStkInputUiLayout()
 void STKInputDlg::setStkInputObjectName()
 {
     TRACE_START();
-    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnOk || !m_pBtnCancel || !m_pLabelText
-        || !m_pLineEditInput) {
+    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnOk || !m_pBtnCancel || !m_pLabelText ||
+        !m_pLineEditInput) {
         TRACE_FILE_FUNC_TIME("Memory is null  %s: %s: %s: ");
         return;
     }
@@ -365,7 +363,8 @@ void STKInputDlg::onButtonClickOk()
     } else {
         m_nLastError = -1;
         QDialog *pMessageBox = nullptr;
-        CommonUtils::ShowMessage(QMessageBox::Information, m_pExtendDlg, tr(QString("IDS_STK_MSG_PROMPT")),
+        CommonUtils::ShowMessage(QMessageBox::Information, m_pExtendDlg,
+                                 tr(QString("IDS_STK_MSG_PROMPT")),
                                  tr(QString("IDS_STK_MSG_INPUTFAILED")), "IDS_OK", "", "", true,
                                  Qt::WindowCloseButtonHint, &pMessageBox, QString(), true);
     }

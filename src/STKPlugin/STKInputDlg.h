@@ -13,8 +13,7 @@ class QTimer;
 class STKInputDlg;
 
 /* The frame of the input window: every way out that is not a button answers Cancel. */
-class STKInputExtendDlg : public ExtendDialog
-{
+class STKInputExtendDlg : public ExtendDialog {
     Q_OBJECT
 
 public:
@@ -34,8 +33,7 @@ private:
  *
  * GUI thread only.  The order of use is SetInKeyRequest or SetInputRequest, ShowStkInputDlg, which
  * returns when the window has closed, GetLastError. */
-class STKInputDlg : public QObject
-{
+class STKInputDlg : public QObject {
     Q_OBJECT
 
 public:
@@ -89,8 +87,9 @@ private:
     QTimer *m_pInputTimer; /* this object's child: one stays behind for every window shown */
     StkInKeyRequest m_stInKeyRequest;
     int m_nLastError;
-    int m_enStkType;    /* MOVA_STKTYPE_GET_INKEY or MOVA_STKTYPE_GET_INPUT */
-    bool m_bBtnClicked; /* OK or Cancel has dealt with the answer: the close must not answer again */
+    int m_enStkType; /* MOVA_STKTYPE_GET_INKEY or MOVA_STKTYPE_GET_INPUT */
+    bool
+        m_bBtnClicked; /* OK or Cancel has dealt with the answer: the close must not answer again */
 
     static STKInputDlg *m_pStkInputDlgInstance;
 };

@@ -4,14 +4,12 @@
 
 #define STK_TRACE_FILE "../../src/STKPlugin/STKLogic"
 
-#define TRACE_STATUS(format, status)                                                               \
-    TRACE_VALUE_FILE_FUNC_TIME(format, static_cast<long>(status))
+#define TRACE_STATUS(format, status) TRACE_VALUE_FILE_FUNC_TIME(format, static_cast<long>(status))
 
 namespace {
 
 /* The text of a record: up to the first zero unit, or the whole array where it has none. */
-template <int units>
-QString TextOf(const uint16_t (&szText)[units])
+template <int units> QString TextOf(const uint16_t (&szText)[units])
 {
     int length = 0;
     while (length < units && szText[length] != 0)
@@ -33,8 +31,7 @@ void ClearMenu(StkMenuItems *pMenu)
 }
 
 /* Record: MOVA_STKMenuInfo or MOVA_STKSubMenuInfo. */
-template <typename Record>
-void CopyMenu(const Record &record, StkMenuItems *pMenu)
+template <typename Record> void CopyMenu(const Record &record, StkMenuItems *pMenu)
 {
     pMenu->strTitle = TextOf(record.szTitle);
     if (!record.pItems)
@@ -135,7 +132,8 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
     pLogic->stkEventSwitchCase(data.enStkType);
     if (!pLogic->m_bRet.load(std::memory_order_relaxed)) {
         TRACE_FILE_FUNC_TIME("m_bRet is false %s: %s: %s: ");
-        if (MOVA_STKSrv_SendNoDataResponse(pLogic->CmdId(), data.enStkType, STK_UI_TR_TERMINATED) != 0)
+        if (MOVA_STKSrv_SendNoDataResponse(pLogic->CmdId(), data.enStkType, STK_UI_TR_TERMINATED) !=
+            0)
             TRACE_FILE_FUNC_TIME("MOVA_STKSrv_SendNoDataResponse Failed %s: %s: %s: ");
         emit pLogic->ShowMainMenu();
     }
@@ -219,7 +217,8 @@ void STKLogic::UpdateCBReturnVal(bool bRet)
 bool STKLogic::GetResponseVar()
 {
     const int32_t bRespondence = m_bRespondence.load(std::memory_order_relaxed);
-    TRACE_VALUE_FILE_FUNC_TIME("Start of with m_bRespondence  value= %d, %s: %s: %s: ", bRespondence);
+    TRACE_VALUE_FILE_FUNC_TIME("Start of with m_bRespondence  value= %d, %s: %s: %s: ",
+                               bRespondence);
     return bRespondence;
 }
 

@@ -10,41 +10,37 @@
 #include "platform/ModemService.h"
 
 /* One item of a menu of the card. */
-struct StkItemClass
-{
+struct StkItemClass {
     int nItemId; /* its identifier on the card */
     QString strItemText;
 };
 
 /* A menu of the card, its items in the card's order.  Whoever owns the record owns the list, which
  * must exist before a menu is fetched into it. */
-struct StkMenuItems
-{
+struct StkMenuItems {
     QString strTitle;
     QList<StkItemClass> *itemList = nullptr;
 };
 
-struct MOVAPlayToneRequest
-{
+struct MOVAPlayToneRequest {
     int nTone;
     int nDuration; /* seconds */
     QString strText;
 };
 
-struct MOVALaunchBrowser
-{
+struct MOVALaunchBrowser {
     int nLaunchMode; /* 0, 2 or 3 */
     QString strUrl;
 };
 
-/* Get Inkey or Get Input.  What a request does not carry keeps the value that its owner put there. */
-struct StkInKeyRequest
-{
+/* Get Inkey or Get Input.  What a request does not carry keeps the value that its owner put there.
+ */
+struct StkInKeyRequest {
     QString strText;
     int nInputType;
     int bOption;
     int nDuration; /* Get Inkey only */
-    int bEcho;     /* this and the rest: Get Input only */
+    int bEcho; /* this and the rest: Get Input only */
     int nMinLen;
     int nMaxLen;
     QString strDefaultText;
@@ -54,16 +50,16 @@ struct StkInKeyRequest
  *
  * It turns each notification of the card into one signal, keeps the identifier of the command in
  * progress, and wraps every call of the service.  The two callbacks run on the service's thread;
- * everything else runs on the GUI thread, GetResponseVar also on the waiting thread.  The words that
- * threads share are relaxed atomics: each stands for itself and orders nothing else. */
-class STKLogic : public QObject
-{
+ * everything else runs on the GUI thread, GetResponseVar also on the waiting thread.  The words
+ * that threads share are relaxed atomics: each stands for itself and orders nothing else. */
+class STKLogic : public QObject {
     Q_OBJECT
 
 public:
     /* The instance, made on the first call. */
     static STKLogic *CreateInstance();
-    /* Every owner calls it at its own end: the first one destroys the instance, the rest do nothing. */
+    /* Every owner calls it at its own end: the first one destroys the instance, the rest do
+     * nothing. */
     static void DestroyInst();
 
     static void RegisterSTKCB();

@@ -8,10 +8,9 @@
 
 class STKDialog;
 
-/* The root object that the host obtains from the library.  It owns the toolkit window's singleton and
- * hands it what matters. */
-class STKPlugin : public QObject, public IUIPlugin, public INotify
-{
+/* The root object that the host obtains from the library.  It owns the toolkit window's singleton
+ * and hands it what matters. */
+class STKPlugin : public QObject, public IUIPlugin, public INotify {
     Q_OBJECT
 #if QT_VERSION >= 0x050000
     Q_PLUGIN_METADATA(IID "com.velora.linkassistant.plugin.IUIPlugin")

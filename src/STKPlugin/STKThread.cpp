@@ -55,9 +55,9 @@ void STKThread::run()
         return;
     }
     // The time-out is read anew on every pass: a further user action replaces it while this runs.
-    while (!m_bStop.load(std::memory_order_relaxed) && !m_pStkLogic->GetResponseVar()
-           && !IsTimedOut(iStart, TimeStamp(QTime::currentTime()),
-                          m_iTimeOut.load(std::memory_order_relaxed)))
+    while (!m_bStop.load(std::memory_order_relaxed) && !m_pStkLogic->GetResponseVar() &&
+           !IsTimedOut(iStart, TimeStamp(QTime::currentTime()),
+                       m_iTimeOut.load(std::memory_order_relaxed)))
         msleep(POLL_INTERVAL_MS);
     emit ChangeCursor();
     m_iTimeOut.store(0, std::memory_order_relaxed);

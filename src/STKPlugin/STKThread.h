@@ -10,8 +10,7 @@ class STKLogic;
 
 /* Polls for the card's answer after a user action, so that the GUI thread never waits for the card.
  * One object serves every wait. */
-class STKThread : public QThread
-{
+class STKThread : public QThread {
     Q_OBJECT
 
 public:
@@ -21,8 +20,9 @@ public:
     /* Bound of the next wait, or of the one under way, in the unit of TimeStamp. */
     void SetTimeOut(int iTimeOut);
 
-    /* The digits of the time of day as one number: 12:34:56 is 123456.  A wait is measured on it, so
-     * that a minute's end counts 40 more than its second and a wait of 20 is at most 20 seconds. */
+    /* The digits of the time of day as one number: 12:34:56 is 123456.  A wait is measured on it,
+     * so that a minute's end counts 40 more than its second and a wait of 20 is at most 20 seconds.
+     */
     static int TimeStamp(const QTime &time);
     /* Whether a wait that began at iStart is over at iNow. */
     static bool IsTimedOut(int iStart, int iNow, int iTimeOut);

@@ -7,10 +7,10 @@
 
 /* The running trace: one line per event on Qt's debug channel.
  *
- * The format stands at the place that writes the line, so that it can be searched for and is checked
- * by the compiler.  A macro fixes nothing but the order of the arguments, which its name spells; the
- * function is always the bare name of the one that writes.  An implementation file defines
- * STK_TRACE_FILE, its name in the trace, before it writes its first line. */
+ * The format stands at the place that writes the line, so that it can be searched for and is
+ * checked by the compiler.  A macro fixes nothing but the order of the arguments, which its name
+ * spells; the function is always the bare name of the one that writes.  An implementation file
+ * defines STK_TRACE_FILE, its name in the trace, before it writes its first line. */
 
 /* The time field of a line: hours to milliseconds, all separated by colons. */
 inline QByteArray TraceTime(const QTime &time = QTime::currentTime())
