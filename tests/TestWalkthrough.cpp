@@ -3,8 +3,7 @@
 
 #include "Walkthrough.h"
 
-class TestWalkthrough : public QObject
-{
+class TestWalkthrough : public QObject {
     Q_OBJECT
 
 private slots:
@@ -56,9 +55,11 @@ void TestWalkthrough::refusesBadFiles_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("error");
-    const QString steps = "open, expectMenu, select, back, close, escape, key, expectBusy, expectClosed, modem, "
-                          "timeout, endSession, send, language, wait, screenshot, quit";
-    const QString menu = "an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)";
+    const QString steps =
+        "open, expectMenu, select, back, close, escape, key, expectBusy, expectClosed, modem, "
+        "timeout, endSession, send, language, wait, screenshot, quit";
+    const QString menu =
+        "an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)";
     const auto row = [](const char *name, const char *text, const QString &error) {
         QTest::newRow(name) << QByteArray(text) << error;
     };
@@ -66,7 +67,8 @@ void TestWalkthrough::refusesBadFiles_data()
         "line 2, column 12: expected JSON, found: missing name separator");
     row("empty", "", "line 1, column 1: expected JSON, found: illegal value");
     row("no array", "{\"open\":true}", "expected an array of steps, found an object");
-    row("no object", "[{\"open\":true}, 5]", "step 2: expected an object with one of " + steps + ", found 5");
+    row("no object", "[{\"open\":true}, 5]",
+        "step 2: expected an object with one of " + steps + ", found 5");
     row("unknown step", "[{\"opn\":true}]",
         "step 1: expected an object with one of " + steps + ", found {\"opn\":true}");
     row("two steps", "[{\"back\":true, \"open\":true}]",
@@ -90,19 +92,23 @@ void TestWalkthrough::refusesBadFiles_data()
         "step 1: \"expectBusy\": expected true or false, found \"yes\"");
     row("empty text", "[{\"select\":\"\"}]",
         "step 1: \"select\": expected a text that is not empty, found \"\"");
-    row("empty menu", "[{\"expectMenu\":{}}]", "step 1: \"expectMenu\": expected " + menu + ", found {}");
+    row("empty menu", "[{\"expectMenu\":{}}]",
+        "step 1: \"expectMenu\": expected " + menu + ", found {}");
     row("menu with a number", "[{\"expectMenu\":{\"items\":[\"a\",1]}}]",
         "step 1: \"expectMenu\": expected " + menu + ", found {\"items\":[\"a\",1]}");
     row("menu with an unknown field", "[{\"expectMenu\":{\"titel\":\"a\"}}]",
         "step 1: \"expectMenu\": expected " + menu + ", found {\"titel\":\"a\"}");
     row("unknown key", "[{\"key\":\"Sideways\"}]",
-        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found \"Sideways\"");
+        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found "
+        "\"Sideways\"");
     row("two keys", "[{\"key\":\"Up, Down\"}]",
-        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found \"Up, Down\"");
+        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found "
+        "\"Up, Down\"");
     row("modem", "[{\"modem\":\"broken\"}]",
         "step 1: \"modem\": expected \"removed\" or \"ready\", found \"broken\"");
     row("command", "[{\"send\":\"displayText\"}]",
-        "step 1: \"send\": expected a proactive command as in a card scenario, found \"displayText\"");
+        "step 1: \"send\": expected a proactive command as in a card scenario, found "
+        "\"displayText\"");
     row("language", "[{\"language\":\"xx\"}]",
         "step 1: \"language\": expected a language: en, de, fr, es, zh_CN, ar, found \"xx\"");
     row("picture outside the folder", "[{\"screenshot\":\"../x\"}]",

@@ -10,14 +10,13 @@ target_compile_definitions(TestHostUi PRIVATE ${host_definitions})
 add_dependencies(TestHostUi translations)
 
 stk_qtest(NAME TestWalkthrough SOURCES TestWalkthrough.cpp LIBS ConnectionManagerObjects)
-stk_qtest(NAME TestPluginHost SOURCES TestPluginHost.cpp LIBS ConnectionManagerObjects)
 
 stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})
 add_dependencies(EndToEnd ConnectionManager STKPlugin)
 
-# Two plug-ins that the host must refuse: built with a newer Qt, and without the host's interfaces.
-foreach(kind NewerQt NoInterfaces)
+# Plug-ins that the host must refuse.
+foreach(kind NewerQt OlderQt NoVerification NoInterfaces)
   add_library(EndToEnd${kind} MODULE EndToEndOtherPlugin.cpp)
   target_link_libraries(EndToEnd${kind} PRIVATE stk_options Stk::Gui)
   target_compile_definitions(EndToEnd${kind} PRIVATE QT_PLUGIN OTHER_PLUGIN_${kind})

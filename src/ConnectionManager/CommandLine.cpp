@@ -7,8 +7,7 @@
 
 namespace {
 
-struct OptionRow
-{
+struct OptionRow {
     const char *name;
     const char *value;
     const char *description;
@@ -20,7 +19,8 @@ const OptionRow Options[] = {
     {"language", "LL", "Language of the user interface: en, de, fr, es, zh_CN or ar.",
      &CommandLine::language},
     {"plugins", "DIR", "Folder that holds STKPlugin/libSTKPlugin.so.", &CommandLine::plugins},
-    {"walkthrough", "FILE", "Play these steps on the windows, then quit.", &CommandLine::walkthrough},
+    {"walkthrough", "FILE", "Play these steps on the windows, then quit.",
+     &CommandLine::walkthrough},
     {"screenshots", "DIR", "Where the pictures of a walkthrough go.", &CommandLine::screenshots},
     {"transcript", "FILE", "Write what passes between card and terminal, as JSON Lines.",
      &CommandLine::transcript},
@@ -66,7 +66,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         return line;
     }
     if (!parser.positionalArguments().isEmpty()) {
-        line.error = QString("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
+        line.error =
+            QString("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
         return line;
     }
     for (const OptionRow &row : Options) {

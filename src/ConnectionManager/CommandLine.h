@@ -5,8 +5,7 @@
 #include <QStringList>
 
 /// What the user asked for on the command line; an empty text was not given.
-struct CommandLine
-{
+struct CommandLine {
     QString card;
     QString language;
     QString plugins;

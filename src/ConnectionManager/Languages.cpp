@@ -10,14 +10,13 @@
 
 namespace {
 
-struct Language
-{
+struct Language {
     const char *code;
     const char *name;
 };
 
 const Language Known[] = {
-    {"en", "English"}, {"de", "Deutsch"}, {"fr", "Français"},
+    {"en", "English"}, {"de", "Deutsch"},     {"fr", "Français"},
     {"es", "Español"}, {"zh_CN", "简体中文"}, {"ar", "العربية"},
 };
 

@@ -66,7 +66,7 @@ QString withoutMnemonic(QString text)
     return text.remove(trailingKey).remove('&');
 }
 
-// The plug-in covers the cursor at the start and at the end of every wait and never uncovers it.  An
+// The plug-in covers the cursor at the start and at the end of every wait and never uncovers it. An
 // arrow on top says that no wait is under way: then the whole pile can go.
 void dropCoveredCursors()
 {
@@ -98,7 +98,8 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
 
 QString MainWindow::openCard(const QString &file)
 {
-    const QString error = QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
+    const QString error =
+        QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
     m_cardName = error.isEmpty() ? cardName(file) : QString();
     showError(error);
     refreshTexts();
@@ -138,7 +139,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
     QCoreApplication::exit(0);
 }
 
-QAction *MainWindow::addNetworkAction(const char *textId, const QKeySequence &shortcut, void (*act)())
+QAction *MainWindow::addNetworkAction(const char *textId, const QKeySequence &shortcut,
+                                      void (*act)())
 {
     auto *action = new QAction(this);
     action->setShortcut(shortcut);
@@ -163,16 +165,17 @@ void MainWindow::createActions()
     m_quit = add("IDS_CM_QUIT", QKeySequence("Ctrl+Q"), &MainWindow::close);
     m_toolkit = add("IDS_CM_TOOLKIT", QKeySequence("Ctrl+T"), &MainWindow::openToolkit);
     m_about = add("IDS_CM_ABOUT", {}, &MainWindow::showAbout);
-    m_copy = add("IDS_CM_COPY", {}, [this] {
-        QApplication::clipboard()->setText(m_transcriptView->toPlainText());
-    });
+    m_copy = add("IDS_CM_COPY", {},
+                 [this] { QApplication::clipboard()->setText(m_transcriptView->toPlainText()); });
     m_clear = add("IDS_CM_CLEAR", {}, [this] { m_transcriptView->clear(); });
-    m_showPanel = add("IDS_CM_SHOW_NETWORK", QKeySequence("Ctrl+N"), [this] { m_panel->showBeside(this); });
+    m_showPanel =
+        add("IDS_CM_SHOW_NETWORK", QKeySequence("Ctrl+N"), [this] { m_panel->showBeside(this); });
     m_remove = addNetworkAction("IDS_CM_REMOVE", QKeySequence("Ctrl+R"), CardHost::removeModem);
     m_insert = addNetworkAction("IDS_CM_INSERT", QKeySequence("Ctrl+I"), CardHost::insertModem);
-    m_endSession = addNetworkAction("IDS_CM_END_SESSION", QKeySequence("Ctrl+E"), CardHost::endSession);
-    m_timeOutSession
-        = addNetworkAction("IDS_CM_TIME_OUT", QKeySequence("Ctrl+Shift+E"), CardHost::timeOutSession);
+    m_endSession =
+        addNetworkAction("IDS_CM_END_SESSION", QKeySequence("Ctrl+E"), CardHost::endSession);
+    m_timeOutSession =
+        addNetworkAction("IDS_CM_TIME_OUT", QKeySequence("Ctrl+Shift+E"), CardHost::timeOutSession);
 }
 
 void MainWindow::createMenus()
@@ -185,7 +188,8 @@ void MainWindow::createMenus()
     };
     add("IDS_CM_MENU_FILE", {m_openCard, m_quit})->insertSeparator(m_quit);
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
-    add("IDS_CM_MENU_CARD", {m_endSession, m_timeOutSession, m_showPanel})->insertSeparator(m_showPanel);
+    add("IDS_CM_MENU_CARD", {m_endSession, m_timeOutSession, m_showPanel})
+        ->insertSeparator(m_showPanel);
     m_languageMenu = add("IDS_CM_MENU_LANGUAGE", {});
     auto *group = new QActionGroup(this);
     for (const QString &code : Languages::codes()) {
@@ -212,7 +216,8 @@ void MainWindow::createContent()
     m_errorLabel->setTextFormat(Qt::PlainText);
     m_errorLabel->setWordWrap(true);
     m_errorLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_errorLabel->setStyleSheet("background: #fbe3e1; color: #7a1710; border-radius: 4px; padding: 8px;");
+    m_errorLabel->setStyleSheet(
+        "background: #fbe3e1; color: #7a1710; border-radius: 4px; padding: 8px;");
     m_errorLabel->hide();
     layout->addWidget(m_errorLabel);
 
@@ -335,12 +340,11 @@ void MainWindow::chooseCard()
 
 void MainWindow::showAbout()
 {
-    CommonUtils::ShowMessage(QMessageBox::Information, this, withoutMnemonic(text("IDS_CM_ABOUT")),
-                             text("IDS_CM_TITLE") + ' ' + QCoreApplication::applicationVersion(),
-                             "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr,
-                             text("IDS_CM_ABOUT_TEXT") + "\n\n" + m_plugin.description() + ", Qt "
-                                 + qVersion(),
-                             true);
+    CommonUtils::ShowMessage(
+        QMessageBox::Information, this, withoutMnemonic(text("IDS_CM_ABOUT")),
+        text("IDS_CM_TITLE") + ' ' + QCoreApplication::applicationVersion(), "IDS_OK", {}, {}, true,
+        Qt::WindowCloseButtonHint, nullptr,
+        text("IDS_CM_ABOUT_TEXT") + "\n\n" + m_plugin.description() + ", Qt " + qVersion(), true);
 }
 
 void MainWindow::showError(const QString &line)

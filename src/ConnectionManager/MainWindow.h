@@ -16,8 +16,7 @@ class Transcript;
 
 /// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
 /// transcript, and the menus that play the network side.
-class MainWindow : public QMainWindow
-{
+class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:

@@ -77,7 +77,8 @@ QIcon ModemIcon::simCard()
 
 QPixmap ModemIcon::forState(CardHost::ModemState state, int size, qreal devicePixelRatio)
 {
-    const bool present = state == CardHost::ModemState::Ready || state == CardHost::ModemState::Busy;
+    const bool present =
+        state == CardHost::ModemState::Ready || state == CardHost::ModemState::Busy;
     QPixmap pixmap = blank(size, devicePixelRatio);
     QPainter painter(&pixmap);
     prepare(painter, pixmap);
@@ -85,7 +86,8 @@ QPixmap ModemIcon::forState(CardHost::ModemState state, int size, qreal devicePi
     painter.translate(-10, 0);
     drawSimCard(painter, present ? Blue : Grey);
     painter.restore();
-    drawSignal(painter, state == CardHost::ModemState::Busy ? Orange : Green, present ? SignalBars : 0);
+    drawSignal(painter, state == CardHost::ModemState::Busy ? Orange : Green,
+               present ? SignalBars : 0);
     painter.end();
     pixmap.setDevicePixelRatio(devicePixelRatio);
     return pixmap;

@@ -6,10 +6,9 @@
 #include <QWidget>
 
 /// The network side of the simulated card: a window of its own, because the windows of the toolkit
-/// keep the main window from being used while they are open.  The language can be switched here too,
-/// for the same reason.
-class NetworkPanel : public QWidget
-{
+/// keep the main window from being used while they are open.  The language can be switched here
+/// too, for the same reason.
+class NetworkPanel : public QWidget {
     Q_OBJECT
 
 public:

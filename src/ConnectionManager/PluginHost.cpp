@@ -40,7 +40,8 @@ QString verificationError(const char *data, const QString &runningVersion)
         : QVersionNumber();
     const auto running = QVersionNumber::fromString(runningVersion);
     if (built.isNull())
-        return QString("its verification data name no version of Qt (found \"%1\")").arg(versionLine);
+        return QString("its verification data name no version of Qt (found \"%1\")")
+            .arg(versionLine);
     if (built.majorVersion() != running.majorVersion() || built > running) {
         return QString("it was built with Qt %1, this application runs with Qt %2")
             .arg(built.toString(), runningVersion);
@@ -69,8 +70,8 @@ QString PluginHost::start(const QString &file)
     if (!m_library.load())
         return m_library.errorString().simplified();
     using Verification = const char *(*)();
-    const auto verification
-        = reinterpret_cast<Verification>(m_library.resolve("qt_plugin_query_verification_data"));
+    const auto verification =
+        reinterpret_cast<Verification>(m_library.resolve("qt_plugin_query_verification_data"));
     const QString mismatch = verificationError(verification ? verification() : nullptr, qVersion());
     if (!mismatch.isEmpty())
         return mismatch;

@@ -13,8 +13,7 @@ class IUIPlugin;
 class QWidget;
 
 /// The SIM toolkit plug-in from its file to its end.  GUI thread only.
-class PluginHost
-{
+class PluginHost {
 public:
     PluginHost() = default;
     ~PluginHost();

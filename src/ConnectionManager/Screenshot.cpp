@@ -29,7 +29,8 @@ QList<QWidget *> visibleWindows()
 {
     QList<QWidget *> windows;
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        const bool framedWindow = widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog;
+        const bool framedWindow =
+            widget->windowType() == Qt::Window || widget->windowType() == Qt::Dialog;
         if (widget->isVisible() && framedWindow)
             windows << widget;
     }

@@ -10,8 +10,7 @@
 
 /// Listens to what passes between card and terminal.  The entries come from the modem service's
 /// threads; they are written to the file at once and handed to the GUI thread in bundles.
-class Transcript : public QObject
-{
+class Transcript : public QObject {
     Q_OBJECT
 
 public:

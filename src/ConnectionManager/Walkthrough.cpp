@@ -10,18 +10,16 @@
 
 namespace {
 
-constexpr int DefaultWithin = 5000;      // ms
+constexpr int DefaultWithin = 5000; // ms
 constexpr int LongestWait = 10 * 60000; // ms
 
 /// What a value has to be: the words for a message, and the check.
-struct ValueRule
-{
+struct ValueRule {
     QString expected;
     bool (*accepts)(const QJsonValue &);
 };
 
-struct StepRule
-{
+struct StepRule {
     const char *name;
     ValueRule value;
     bool waits; ///< takes "within"
@@ -41,16 +39,17 @@ bool isMilliseconds(const QJsonValue &value)
 bool isTexts(const QJsonValue &value)
 {
     const QJsonArray array = value.toArray();
-    return value.isArray()
-        && std::all_of(array.begin(), array.end(), [](const QJsonValue &v) { return v.isString(); });
+    return value.isArray() &&
+        std::all_of(array.begin(), array.end(), [](const QJsonValue &v) { return v.isString(); });
 }
 
 bool isMenu(const QJsonValue &value)
 {
     const QJsonObject menu = value.toObject();
     for (auto field = menu.begin(); field != menu.end(); ++field) {
-        const bool right = (field.key() == "title" && field->isString())
-            || (field.key() == "items" && isTexts(*field)) || (field.key() == "back" && field->isBool());
+        const bool right = (field.key() == "title" && field->isString()) ||
+            (field.key() == "items" && isTexts(*field)) ||
+            (field.key() == "back" && field->isBool());
         if (!right)
             return false;
     }
@@ -60,37 +59,50 @@ bool isMenu(const QJsonValue &value)
 const ValueRule True = {"true", [](const QJsonValue &value) { return value == QJsonValue(true); }};
 const ValueRule Bool = {"true or false", [](const QJsonValue &value) { return value.isBool(); }};
 const ValueRule Text = {"a text that is not empty", isText};
-const ValueRule Milliseconds = {QString("a whole number of milliseconds from 0 to %1").arg(LongestWait),
-                                isMilliseconds};
-const ValueRule Menu = {"an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)",
-                        isMenu};
-const ValueRule Key = {"the name of one key, such as \"Down\" or \"Ctrl+A\"", [](const QJsonValue &value) {
-                           const QKeySequence keys(value.toString(), QKeySequence::PortableText);
-                           return keys.count() == 1 && (keys[0] & ~int(Qt::KeyboardModifierMask)) != Qt::Key_unknown;
-                       }};
+const ValueRule Milliseconds = {
+    QString("a whole number of milliseconds from 0 to %1").arg(LongestWait), isMilliseconds};
+const ValueRule Menu = {
+    "an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)", isMenu};
+const ValueRule Key = {
+    "the name of one key, such as \"Down\" or \"Ctrl+A\"", [](const QJsonValue &value) {
+        const QKeySequence keys(value.toString(), QKeySequence::PortableText);
+        return keys.count() == 1 && (keys[0] & ~int(Qt::KeyboardModifierMask)) != Qt::Key_unknown;
+    }};
 const ValueRule ModemState = {"\"removed\" or \"ready\"", [](const QJsonValue &value) {
-                                  return value == QJsonValue("removed") || value == QJsonValue("ready");
+                                  return value == QJsonValue("removed") ||
+                                      value == QJsonValue("ready");
                               }};
-const ValueRule Command = {"a proactive command as in a card scenario", [](const QJsonValue &value) {
-                               return value.isObject() && !value.toObject().isEmpty();
-                           }};
-const ValueRule Language = {"a language: " + Languages::codes().join(", "),
-                            [](const QJsonValue &value) { return Languages::isKnown(value.toString()); }};
+const ValueRule Command = {
+    "a proactive command as in a card scenario",
+    [](const QJsonValue &value) { return value.isObject() && !value.toObject().isEmpty(); }};
+const ValueRule Language = {
+    "a language: " + Languages::codes().join(", "),
+    [](const QJsonValue &value) { return Languages::isKnown(value.toString()); }};
 const ValueRule PictureName = {"a file name without folder", [](const QJsonValue &value) {
                                    return isText(value) && !value.toString().contains('/');
                                }};
 
 const StepRule Rules[] = {
-    {"open", True, true},          {"expectMenu", Menu, true},      {"select", Text, true},
-    {"back", True, true},          {"close", True, true},           {"escape", True, true},
-    {"key", Key, true},            {"expectBusy", Bool, true},      {"expectClosed", True, true},
-    {"modem", ModemState, false},  {"timeout", True, false},        {"endSession", True, false},
-    {"send", Command, false},      {"language", Language, false},   {"wait", Milliseconds, false},
-    {"screenshot", PictureName, false}, {"quit", True, false},
+    {"open", True, true},
+    {"expectMenu", Menu, true},
+    {"select", Text, true},
+    {"back", True, true},
+    {"close", True, true},
+    {"escape", True, true},
+    {"key", Key, true},
+    {"expectBusy", Bool, true},
+    {"expectClosed", True, true},
+    {"modem", ModemState, false},
+    {"timeout", True, false},
+    {"endSession", True, false},
+    {"send", Command, false},
+    {"language", Language, false},
+    {"wait", Milliseconds, false},
+    {"screenshot", PictureName, false},
+    {"quit", True, false},
 };
 
-struct SelectName
-{
+struct SelectName {
     const char *name;
     Walkthrough::SelectBy by;
 };
@@ -150,17 +162,21 @@ QString readBy(const QJsonValue &value, Walkthrough::SelectBy *by)
     return "\"by\": " + mismatch("\"button\", \"doubleClick\" or \"return\"", value);
 }
 
-QString readField(const QString &name, const QJsonValue &value, const StepRule &rule, Walkthrough::Step *step)
+QString readField(const QString &name, const QJsonValue &value, const StepRule &rule,
+                  Walkthrough::Step *step)
 {
     if (name == rule.name) {
         step->value = value;
-        return rule.value.accepts(value) ? QString() : '"' + name + "\": " + mismatch(rule.value.expected, value);
+        return rule.value.accepts(value)
+            ? QString()
+            : '"' + name + "\": " + mismatch(rule.value.expected, value);
     }
     if (name == "by" && step->name == "select")
         return readBy(value, &step->by);
     if (name == "within" && rule.waits) {
         step->within = value.toInt();
-        return isMilliseconds(value) ? QString() : "\"within\": " + mismatch(Milliseconds.expected, value);
+        return isMilliseconds(value) ? QString()
+                                     : "\"within\": " + mismatch(Milliseconds.expected, value);
     }
     return QString("expected no field \"%1\" beside \"%2\", found it").arg(name, rule.name);
 }
@@ -173,7 +189,8 @@ QString Walkthrough::load(const QString &fileName)
     m_steps.clear();
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        return QString("%1: expected a walkthrough, found no readable file: %2").arg(fileName, file.errorString());
+        return QString("%1: expected a walkthrough, found no readable file: %2")
+            .arg(fileName, file.errorString());
     const QByteArray text = file.readAll();
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);

@@ -7,18 +7,16 @@
 #include <QString>
 
 /// The steps of a walkthrough file.
-class Walkthrough
-{
+class Walkthrough {
 public:
     /// How the row of a menu is chosen once it is the current one.
     enum class SelectBy { Button, DoubleClick, Return };
 
-    struct Step
-    {
-        int number = 0;   ///< counted from 1, as messages name it
-        QString name;     ///< what to do: "open", "select", ...
+    struct Step {
+        int number = 0; ///< counted from 1, as messages name it
+        QString name; ///< what to do: "open", "select", ...
         QJsonValue value; ///< of the type that the step asks for
-        int within = 0;   ///< longest wait in ms
+        int within = 0; ///< longest wait in ms
         SelectBy by = SelectBy::Button;
     };
 

@@ -67,13 +67,15 @@ QString listed(const QStringList &texts)
 void clickAt(QWidget *widget, const QPoint &place)
 {
     QWidget *window = widget->window();
-    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, widget->mapTo(window, place));
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                      widget->mapTo(window, place));
 }
 
 void doubleClickAt(QWidget *widget, const QPoint &place)
 {
     QWidget *window = widget->window();
-    QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, widget->mapTo(window, place));
+    QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                       widget->mapTo(window, place));
 }
 
 void pressKey(QWidget *widget, int keyWithModifiers)
@@ -130,7 +132,10 @@ void WalkthroughPlayer::start()
 QString WalkthroughPlayer::place() const
 {
     const Walkthrough::Step &step = m_walkthrough.steps().at(m_index);
-    return QString("%1: step %2 (%3)").arg(m_walkthrough.fileName()).arg(step.number).arg(step.name);
+    return QString("%1: step %2 (%3)")
+        .arg(m_walkthrough.fileName())
+        .arg(step.number)
+        .arg(step.name);
 }
 
 void WalkthroughPlayer::scheduleNext()
@@ -181,7 +186,8 @@ void WalkthroughPlayer::finish(int status)
 
 void WalkthroughPlayer::fail(const Outcome &outcome)
 {
-    Messages::complain(QString("%1: expected %2, seen %3").arg(place(), outcome.expected, outcome.seen));
+    Messages::complain(
+        QString("%1: expected %2, seen %3").arg(place(), outcome.expected, outcome.seen));
     finish(StepFailed);
 }
 
@@ -253,7 +259,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::close(const Walkthrough::Step &)
     return clickButton("STKPlugin_PushBtnClose", "an enabled Close button");
 }
 
-WalkthroughPlayer::Outcome WalkthroughPlayer::clickButton(const QString &objectName, const QString &words)
+WalkthroughPlayer::Outcome WalkthroughPlayer::clickButton(const QString &objectName,
+                                                          const QString &words)
 {
     const QWidget *window = toolkitWindow();
     if (!window)
@@ -273,14 +280,17 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::key(const Walkthrough::Step &step)
     if (!window || !window->isVisible())
         return {Outcome::NotYet, "a window of the SIM toolkit for the key", "none"};
     const bool escape = step.name == "escape";
-    pressKey(window, escape ? int(Qt::Key_Escape)
-                            : QKeySequence(step.value.toString(), QKeySequence::PortableText)[0]);
+    pressKey(window,
+             escape ? int(Qt::Key_Escape)
+                    : QKeySequence(step.value.toString(), QKeySequence::PortableText)[0]);
     return {Outcome::Done, {}, {}};
 }
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::expectBusy(const Walkthrough::Step &step)
 {
-    const auto words = [](bool busy) { return busy ? QString("a wait cursor") : QString("no wait cursor"); };
+    const auto words = [](bool busy) {
+        return busy ? QString("a wait cursor") : QString("no wait cursor");
+    };
     if (isWaiting() == step.value.toBool())
         return {Outcome::Done, {}, {}};
     return {Outcome::NotYet, words(step.value.toBool()), words(isWaiting())};
@@ -291,7 +301,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectClosed(const Walkthrough::St
     const QWidget *window = toolkitWindow();
     if (!window)
         return {Outcome::Done, {}, {}};
-    return {Outcome::NotYet, "no SIM toolkit window", QString("one titled \"%1\"").arg(window->windowTitle())};
+    return {Outcome::NotYet, "no SIM toolkit window",
+            QString("one titled \"%1\"").arg(window->windowTitle())};
 }
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::modem(const Walkthrough::Step &step)

@@ -10,13 +10,13 @@ class MainWindow;
 
 /// Plays a walkthrough on the windows with real mouse and key events, step by step from the event
 /// loop, so that it goes on inside the nested event loops of modal windows too.  GUI thread only.
-class WalkthroughPlayer : public QObject
-{
+class WalkthroughPlayer : public QObject {
     Q_OBJECT
 
 public:
     /// Pictures go to the folder; an empty one means that none are taken.
-    WalkthroughPlayer(const Walkthrough &walkthrough, MainWindow &window, const QString &screenshots);
+    WalkthroughPlayer(const Walkthrough &walkthrough, MainWindow &window,
+                      const QString &screenshots);
 
     /// Begins as soon as the event loop runs.  The application then quits by itself: with status 0
     /// after the last step, with status 1 and a line on standard error after a step that failed.
@@ -28,8 +28,7 @@ public:
 
 private:
     /// What came of one attempt at a step.
-    struct Outcome
-    {
+    struct Outcome {
         enum { Done, NotYet, Failed } kind;
         QString expected; ///< of a step that is not done
         QString seen;

@@ -46,8 +46,9 @@ int cannotStart(const CommandLine &line, const QString &reason)
 {
     Messages::complain(reason);
     if (isWatched(line)) {
-        CommonUtils::ShowMessage(QMessageBox::Critical, nullptr, Languages::text("IDS_CM_TITLE"), reason,
-                                 "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr, {}, true);
+        CommonUtils::ShowMessage(QMessageBox::Critical, nullptr, Languages::text("IDS_CM_TITLE"),
+                                 reason, "IDS_OK", {}, {}, true, Qt::WindowCloseButtonHint, nullptr,
+                                 {}, true);
     }
     return Messages::CannotStart;
 }
@@ -71,8 +72,9 @@ QString openFiles(const CommandLine &line, Transcript &transcript, Walkthrough &
 
 QString pluginsFolder(const CommandLine &line)
 {
-    const QString folder = line.plugins.isEmpty() ? QCoreApplication::applicationDirPath() + "/../plugins"
-                                                  : line.plugins;
+    const QString folder = line.plugins.isEmpty()
+        ? QCoreApplication::applicationDirPath() + "/../plugins"
+        : line.plugins;
     return QDir::cleanPath(QDir(folder).absolutePath());
 }
 

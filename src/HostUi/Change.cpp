@@ -4,7 +4,7 @@
 
 QString Change::tr(const QString &id, const QString &context)
 {
-    const QString text = HostUi::state().catalogue.translate(context.toUtf8().constData(),
-                                                             id.toUtf8().constData());
+    const QString text =
+        HostUi::state().catalogue.translate(context.toUtf8().constData(), id.toUtf8().constData());
     return text.isEmpty() ? id : text;
 }

@@ -5,7 +5,9 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QResizeEvent>
+#include <QScopedPointer>
 #include <QScrollBar>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <qmath.h>
 
@@ -16,8 +18,7 @@ const int MaxTextWidth = 420;
 
 /* Shows a text of any length whole: it wraps inside a word where it must, and scrolls what is
  * higher than two thirds of the screen. */
-class MessageText : public QTextEdit
-{
+class MessageText : public QTextEdit {
 public:
     MessageText(const QString &text, QWidget *parent)
         : QTextEdit(parent)
@@ -38,10 +39,12 @@ private:
     {
         const QRect screen = QApplication::desktop()->availableGeometry(parentWidget());
         const int maxWidth = qMin(MaxTextWidth, screen.width() / 2);
-        const int wanted = qCeil(document()->idealWidth());
-        const int width = qBound(qMin(MinTextWidth, maxWidth), wanted, maxWidth);
-        document()->setTextWidth(width);
-        const int height = qCeil(document()->size().height());
+        // The view's own document is laid out for the view's present size.
+        QScopedPointer<QTextDocument> text(document()->clone());
+        text->setTextWidth(-1);
+        const int width = qBound(qMin(MinTextWidth, maxWidth), qCeil(text->idealWidth()), maxWidth);
+        text->setTextWidth(width);
+        const int height = qCeil(text->size().height());
         const int maxHeight = screen.height() * 2 / 3;
         const int scrollBar = height > maxHeight ? verticalScrollBar()->sizeHint().width() : 0;
         setFixedSize(width + scrollBar, qMin(height, maxHeight));
@@ -56,9 +59,7 @@ ClipMessageBox::ClipMessageBox(QWidget *parent)
     setTextFormat(Qt::PlainText);
 }
 
-ClipMessageBox::~ClipMessageBox()
-{
-}
+ClipMessageBox::~ClipMessageBox() { }
 
 void ClipMessageBox::showEvent(QShowEvent *event)
 {
@@ -84,5 +85,8 @@ void ClipMessageBox::showWholeText()
     int row, column, rows, columns;
     grid->getItemPosition(index, &row, &column, &rows, &columns);
     label->hide();
-    grid->addWidget(new MessageText(text(), this), row, column, rows, columns);
+    MessageText *whole = new MessageText(text(), this);
+    grid->addWidget(whole, row, column, rows, columns);
+    // The layout would show it only later, when the box has taken its size.
+    whole->show();
 }

@@ -2,8 +2,7 @@
 
 #include <QtDebug>
 
-class ClipSoundPrivate
-{
+class ClipSoundPrivate {
 public:
     explicit ClipSoundPrivate(const QString &name)
         : fileName(name)
@@ -34,6 +33,4 @@ bool ClipSound::IsPlaying()
     return false;
 }
 
-void ClipSound::Stop()
-{
-}
+void ClipSound::Stop() { }

@@ -21,8 +21,7 @@ const int MaxLoggedAddress = 200;
 
 /* Runs while a dialog is up and clears the caller's pointer the moment it is no longer: another
  * event loop may run on top of this one and keep exec() from returning. */
-class DialogLoop : public QEventLoop
-{
+class DialogLoop : public QEventLoop {
     Q_OBJECT
 
 public:
@@ -83,8 +82,8 @@ void CommonUtils::MoveCentre(QWidget *widget)
         return;
     const QRect screen = QApplication::desktop()->availableGeometry(
         widget->parentWidget() ? widget->parentWidget() : widget);
-    const QRect over = widget->parentWidget() ? widget->parentWidget()->window()->frameGeometry()
-                                              : screen;
+    const QRect over =
+        widget->parentWidget() ? widget->parentWidget()->window()->frameGeometry() : screen;
     QRect frame = widget->frameGeometry();
     frame.moveCenter(over.center());
     // The upper left corner goes last: a window that is larger than the screen keeps its title bar.

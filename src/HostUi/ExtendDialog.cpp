@@ -27,9 +27,7 @@ static QString storedTitle(const QString &title)
     return QString(title).replace("[*]", "[*][*]");
 }
 
-static void showTitleAsTyped(QWidget *)
-{
-}
+static void showTitleAsTyped(QWidget *) { }
 #endif
 
 namespace {
@@ -41,8 +39,8 @@ const int MessageFrame = 4;
 Qt::WindowFlags framed(Qt::WindowFlags flags)
 {
     flags &= ~(Qt::WindowType_Mask | Qt::WindowContextHelpButtonHint);
-    return flags | Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
-        | Qt::WindowCloseButtonHint;
+    return flags | Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+        Qt::WindowCloseButtonHint;
 }
 
 } // namespace
@@ -56,9 +54,7 @@ ExtendDialog::ExtendDialog(QWidget *parent, Qt::WindowFlags flags, int widgetTyp
     m_layout->setSpacing(0);
 }
 
-ExtendDialog::~ExtendDialog()
-{
-}
+ExtendDialog::~ExtendDialog() { }
 
 void ExtendDialog::AddMainWidget(QWidget *widget)
 {

@@ -10,8 +10,7 @@
 namespace HostUi {
 
 /// What the host set, shared by the library's own files.
-struct State
-{
+struct State {
     QPointer<QWidget> mainWindow;
     QString pluginLibraryPath;
     QTranslator catalogue;
