@@ -2,16 +2,15 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 
 #include <QFile>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QStringList>
 
 namespace {
 
 // Threads of the plug-in and of the modem service write as well.
-QMutex channel;
+std::mutex channel;
 QFile *trace = nullptr;
 // What Qt says while it looks for a display: the first line names the reason of a failure.
 bool lookingForDisplay = true;
@@ -47,7 +46,7 @@ bool isNoise(const QString &line)
 
 void handle(QtMsgType type, const QMessageLogContext &, const QString &line)
 {
-    const QMutexLocker lock(&channel);
+    const std::lock_guard lock(channel);
     if (type == QtDebugMsg)
         writeTrace(line);
     else if (isNoise(line))
@@ -69,7 +68,7 @@ void Messages::install()
 
 void Messages::displayFound()
 {
-    const QMutexLocker lock(&channel);
+    const std::lock_guard lock(channel);
     lookingForDisplay = false;
     for (const QString &line : qAsConst(startWarnings))
         writeError(line);
@@ -88,13 +87,13 @@ QString Messages::traceTo(const QString &file)
     }
     if (!open)
         return QString("%1: cannot write the trace: %2").arg(file, out.errorString());
-    const QMutexLocker lock(&channel);
+    const std::lock_guard lock(channel);
     trace = &out;
     return {};
 }
 
 void Messages::complain(const QString &line)
 {
-    const QMutexLocker lock(&channel);
+    const std::lock_guard lock(channel);
     writeError("ConnectionManager: " + line);
 }

@@ -1,7 +1,5 @@
 #include "Transcript.h"
 
-#include <QMutexLocker>
-
 Transcript::Transcript()
 {
     m_listener = CardHost::addTranscriptListener(
@@ -15,7 +13,7 @@ Transcript::~Transcript()
 
 QString Transcript::writeTo(const QString &fileName)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     m_file.setFileName(fileName);
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return QString("%1: cannot write the transcript: %2").arg(fileName, m_file.errorString());
@@ -24,7 +22,7 @@ QString Transcript::writeTo(const QString &fileName)
 
 void Transcript::add(const CardHost::TranscriptEntry &entry)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     if (m_file.isOpen()) {
         m_file.write(QByteArray::fromStdString(entry.json) + '\n');
         m_file.flush();
@@ -39,7 +37,7 @@ void Transcript::deliver()
 {
     QStringList lines;
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         lines.swap(m_pending);
     }
     emit linesAdded(lines);

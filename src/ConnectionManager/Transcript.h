@@ -1,8 +1,9 @@
 #ifndef TRANSCRIPT_H
 #define TRANSCRIPT_H
 
+#include <mutex>
+
 #include <QFile>
-#include <QMutex>
 #include <QObject>
 #include <QStringList>
 
@@ -29,7 +30,7 @@ private:
     void add(const CardHost::TranscriptEntry &entry);
     void deliver();
 
-    QMutex m_mutex;
+    std::mutex m_mutex;
     QStringList m_pending;
     QFile m_file;
     int m_listener = 0;
