@@ -185,5 +185,109 @@
         <source>IDS_CM_TOOLKIT_FAILED</source>
         <translation>تعذّر فتح خدمات SIM.</translation>
     </message>
+    <message>
+        <source>IDS_CM_SEND_COMMAND</source>
+        <translation>اجعل البطاقة تُرسل…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_UNTIL_CLOSED</source>
+        <translation>حتى الإغلاق</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_CLEARS_ITSELF</source>
+        <translation>لمدة 5 ثوانٍ</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_ANY_KEY</source>
+        <translation>أي حرف</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGIT</source>
+        <translation>رقم واحد</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO</source>
+        <translation>نعم أو لا</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO_LIMIT</source>
+        <translation>نعم أو لا خلال 8 ثوانٍ</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TEXT</source>
+        <translation>نص</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGITS</source>
+        <translation>من 2 إلى 4 أرقام</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_HIDDEN</source>
+        <translation>أرقام مخفية</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DEFAULT_TEXT</source>
+        <translation>مع نص افتراضي</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_DIAL</source>
+        <translation>نغمة الطلب</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BUSY</source>
+        <translation>مشغول</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_ERROR</source>
+        <translation>خطأ</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_CALL_WAITING</source>
+        <translation>مكالمة في الانتظار</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_RINGING</source>
+        <translation>رنين</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BEEP</source>
+        <translation>صفير</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_POSITIVE</source>
+        <translation>إقرار إيجابي</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_NEGATIVE</source>
+        <translation>إقرار سلبي</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_WEB</source>
+        <translation>عنوان ويب</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_NONE</source>
+        <translation>بلا عنوان</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_REFUSED</source>
+        <translation>عنوان مرفوض</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_REFUSED</source>
+        <translation>طلبت البطاقة %1 ولم يُفتح: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_ADDRESS</source>
+        <translation>ليس عنوانًا</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_SCHEME</source>
+        <translation>لا يُفتح إلا http و https</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_HOST</source>
+        <translation>لا يذكر مضيفًا</translation>
+    </message>
 </context>
 </TS>

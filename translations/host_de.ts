@@ -185,5 +185,109 @@
         <source>IDS_CM_TOOLKIT_FAILED</source>
         <translation>Die SIM-Dienste konnten nicht geöffnet werden.</translation>
     </message>
+    <message>
+        <source>IDS_CM_SEND_COMMAND</source>
+        <translation>Die Karte senden lassen …</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_UNTIL_CLOSED</source>
+        <translation>Bis er geschlossen wird</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_CLEARS_ITSELF</source>
+        <translation>Für 5 Sekunden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_ANY_KEY</source>
+        <translation>Ein beliebiges Zeichen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGIT</source>
+        <translation>Eine Ziffer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO</source>
+        <translation>Ja oder Nein</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO_LIMIT</source>
+        <translation>Ja oder Nein binnen 8 Sekunden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TEXT</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGITS</source>
+        <translation>2 bis 4 Ziffern</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_HIDDEN</source>
+        <translation>Verdeckte Ziffern</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DEFAULT_TEXT</source>
+        <translation>Mit Vorgabetext</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_DIAL</source>
+        <translation>Wählton</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BUSY</source>
+        <translation>Besetzt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_ERROR</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_CALL_WAITING</source>
+        <translation>Anklopfen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_RINGING</source>
+        <translation>Freizeichen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BEEP</source>
+        <translation>Piepton</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_POSITIVE</source>
+        <translation>Positive Quittung</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_NEGATIVE</source>
+        <translation>Negative Quittung</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_WEB</source>
+        <translation>Webadresse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_NONE</source>
+        <translation>Ohne Adresse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_REFUSED</source>
+        <translation>Adresse, die abgelehnt wird</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_REFUSED</source>
+        <translation>Die Karte verlangte %1, das nicht geöffnet wurde: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_ADDRESS</source>
+        <translation>das ist keine Adresse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_SCHEME</source>
+        <translation>nur http und https werden geöffnet</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_HOST</source>
+        <translation>sie nennt keinen Rechner</translation>
+    </message>
 </context>
 </TS>

@@ -185,5 +185,109 @@
         <source>IDS_CM_TOOLKIT_FAILED</source>
         <translation>The SIM toolkit could not be opened.</translation>
     </message>
+    <message>
+        <source>IDS_CM_SEND_COMMAND</source>
+        <translation>Let the card send…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_UNTIL_CLOSED</source>
+        <translation>Until it is closed</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_CLEARS_ITSELF</source>
+        <translation>For 5 seconds</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_ANY_KEY</source>
+        <translation>Any character</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGIT</source>
+        <translation>A digit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO</source>
+        <translation>Yes or no</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO_LIMIT</source>
+        <translation>Yes or no within 8 seconds</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TEXT</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGITS</source>
+        <translation>2 to 4 digits</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_HIDDEN</source>
+        <translation>Hidden digits</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DEFAULT_TEXT</source>
+        <translation>With a default text</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_DIAL</source>
+        <translation>Dial tone</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BUSY</source>
+        <translation>Busy</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_ERROR</source>
+        <translation>Error</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_CALL_WAITING</source>
+        <translation>Call waiting</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_RINGING</source>
+        <translation>Ringing</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BEEP</source>
+        <translation>Beep</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_POSITIVE</source>
+        <translation>Positive acknowledgement</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_NEGATIVE</source>
+        <translation>Negative acknowledgement</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_WEB</source>
+        <translation>Web address</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_NONE</source>
+        <translation>Without an address</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_REFUSED</source>
+        <translation>Address that is refused</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_REFUSED</source>
+        <translation>The card asked for %1, which was not opened: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_ADDRESS</source>
+        <translation>it is no address</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_SCHEME</source>
+        <translation>only http and https are opened</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_HOST</source>
+        <translation>it names no host</translation>
+    </message>
 </context>
 </TS>

@@ -185,5 +185,109 @@
         <source>IDS_CM_TOOLKIT_FAILED</source>
         <translation>No se pudieron abrir los servicios SIM.</translation>
     </message>
+    <message>
+        <source>IDS_CM_SEND_COMMAND</source>
+        <translation>Hacer que la tarjeta envíe…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_UNTIL_CLOSED</source>
+        <translation>Hasta que se cierre</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_CLEARS_ITSELF</source>
+        <translation>Durante 5 segundos</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_ANY_KEY</source>
+        <translation>Cualquier carácter</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGIT</source>
+        <translation>Una cifra</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO</source>
+        <translation>Sí o no</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO_LIMIT</source>
+        <translation>Sí o no en 8 segundos</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TEXT</source>
+        <translation>Texto</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGITS</source>
+        <translation>De 2 a 4 cifras</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_HIDDEN</source>
+        <translation>Cifras ocultas</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DEFAULT_TEXT</source>
+        <translation>Con un texto predeterminado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_DIAL</source>
+        <translation>Tono de marcar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BUSY</source>
+        <translation>Ocupado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_ERROR</source>
+        <translation>Error</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_CALL_WAITING</source>
+        <translation>Llamada en espera</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_RINGING</source>
+        <translation>Tono de llamada</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BEEP</source>
+        <translation>Pitido</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_POSITIVE</source>
+        <translation>Confirmación positiva</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_NEGATIVE</source>
+        <translation>Confirmación negativa</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_WEB</source>
+        <translation>Dirección web</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_NONE</source>
+        <translation>Sin dirección</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_REFUSED</source>
+        <translation>Dirección rechazada</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_REFUSED</source>
+        <translation>La tarjeta pidió %1, que no se abrió: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_ADDRESS</source>
+        <translation>no es una dirección</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_SCHEME</source>
+        <translation>solo se abren http y https</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_HOST</source>
+        <translation>no indica ningún servidor</translation>
+    </message>
 </context>
 </TS>

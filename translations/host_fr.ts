@@ -185,5 +185,109 @@
         <source>IDS_CM_TOOLKIT_FAILED</source>
         <translation>Les services SIM n’ont pas pu être ouverts.</translation>
     </message>
+    <message>
+        <source>IDS_CM_SEND_COMMAND</source>
+        <translation>Faire envoyer par la carte…</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_UNTIL_CLOSED</source>
+        <translation>Jusqu’à sa fermeture</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_CLEARS_ITSELF</source>
+        <translation>Pendant 5 secondes</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_ANY_KEY</source>
+        <translation>Un caractère quelconque</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGIT</source>
+        <translation>Un chiffre</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO</source>
+        <translation>Oui ou non</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_YES_NO_LIMIT</source>
+        <translation>Oui ou non en 8 secondes</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TEXT</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DIGITS</source>
+        <translation>De 2 à 4 chiffres</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_HIDDEN</source>
+        <translation>Chiffres masqués</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_DEFAULT_TEXT</source>
+        <translation>Avec un texte par défaut</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_DIAL</source>
+        <translation>Tonalité d’invitation</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BUSY</source>
+        <translation>Occupé</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_ERROR</source>
+        <translation>Erreur</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_CALL_WAITING</source>
+        <translation>Appel en attente</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_RINGING</source>
+        <translation>Retour d’appel</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_BEEP</source>
+        <translation>Bip</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_POSITIVE</source>
+        <translation>Accusé positif</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_TONE_NEGATIVE</source>
+        <translation>Accusé négatif</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_WEB</source>
+        <translation>Adresse web</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_NONE</source>
+        <translation>Sans adresse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_WAY_URL_REFUSED</source>
+        <translation>Adresse refusée</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_REFUSED</source>
+        <translation>La carte a demandé %1, qui n’a pas été ouvert : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_ADDRESS</source>
+        <translation>ce n’est pas une adresse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_SCHEME</source>
+        <translation>seuls http et https sont ouverts</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_HOST</source>
+        <translation>aucun hôte n’est indiqué</translation>
+    </message>
 </context>
 </TS>

@@ -1,6 +1,5 @@
 #include "MainWindow.h"
 
-#include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QClipboard>
@@ -14,6 +13,7 @@
 #include <QRegularExpression>
 #include <QStatusBar>
 
+#include "CardCommands.h"
 #include "Languages.h"
 #include "ModemIcon.h"
 #include "PluginHost.h"
@@ -42,6 +42,28 @@ const char *stateId(ModemState state)
         break;
     }
     return "IDS_CM_STATE_NO_CARD";
+}
+
+const char *refusalId(HostUi::UrlRefusal reason)
+{
+    switch (reason) {
+    case HostUi::SchemeNotAllowed:
+        return "IDS_CM_URL_SCHEME";
+    case HostUi::NoHost:
+        return "IDS_CM_URL_NO_HOST";
+    case HostUi::NotAnAddress:
+        break;
+    }
+    return "IDS_CM_URL_NO_ADDRESS";
+}
+
+// An address for the status bar, between isolating marks: it reads from left to right in every
+// language.
+QString shortened(const QString &address)
+{
+    constexpr int Longest = 60;
+    const QString text = address.size() <= Longest ? address : address.left(Longest - 1) + "…";
+    return QChar(0x2066) + text + QChar(0x2069);
 }
 
 bool hasToolkit(ModemState state)
@@ -88,10 +110,11 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
     createMenus();
     createContent();
     m_panel = std::make_unique<NetworkPanel>(
-        QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession}, m_languageMenu);
+        QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession}, m_cardMenu,
+        m_languageMenu);
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
-    connect(&transcript, &Transcript::linesAdded, this, &MainWindow::appendLines);
+    connect(&transcript, &Transcript::entriesAdded, this, &MainWindow::appendEntries);
     connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
     m_refreshTimer.start(RefreshInterval);
 }
@@ -118,6 +141,16 @@ void MainWindow::setLanguage(const QString &code)
 void MainWindow::showNote(const QString &text)
 {
     statusBar()->showMessage(text);
+}
+
+void MainWindow::noteOpenedUrl(const QUrl &url)
+{
+    showNote(text("IDS_CM_URL_OPENED").arg(shortened(url.toDisplayString())));
+}
+
+void MainWindow::noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason)
+{
+    showNote(text("IDS_CM_URL_REFUSED").arg(shortened(address), text(refusalId(reason))));
 }
 
 void MainWindow::openToolkit()
@@ -188,8 +221,8 @@ void MainWindow::createMenus()
     };
     add("IDS_CM_MENU_FILE", {m_openCard, m_quit})->insertSeparator(m_quit);
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
-    add("IDS_CM_MENU_CARD", {m_endSession, m_timeOutSession, m_showPanel})
-        ->insertSeparator(m_showPanel);
+    m_cardMenu = add("IDS_CM_MENU_CARD", {});
+    createCommandMenu();
     m_languageMenu = add("IDS_CM_MENU_LANGUAGE", {});
     auto *group = new QActionGroup(this);
     for (const QString &code : Languages::codes()) {
@@ -201,6 +234,28 @@ void MainWindow::createMenus()
         connect(action, &QAction::triggered, this, [this, code] { setLanguage(code); });
     }
     add("IDS_CM_MENU_HELP", {m_about});
+}
+
+// The names of the commands are technical English in every language, as in the transcript.
+void MainWindow::createCommandMenu()
+{
+    m_commandActions = new QActionGroup(this);
+    QMenu *ways = nullptr;
+    for (const CardCommand &command : cardCommands()) {
+        QAction *action = m_commandActions->addAction(command.name);
+        connect(action, &QAction::triggered, this, [this, &command] { sendCommand(command.json); });
+        if (!command.wayId) {
+            m_cardMenu->addAction(action);
+            continue;
+        }
+        if (!ways || ways->title() != command.name)
+            ways = m_cardMenu->addMenu(command.name);
+        ways->addAction(action);
+        m_actionTexts.append({action, command.wayId});
+    }
+    m_cardMenu->addSeparator();
+    m_cardMenu->addActions({m_endSession, m_timeOutSession, m_showPanel});
+    m_cardMenu->insertSeparator(m_showPanel);
 }
 
 void MainWindow::createContent()
@@ -325,6 +380,7 @@ void MainWindow::refreshTexts()
     m_toolkitButton->setEnabled(toolkit);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
+    m_commandActions->setEnabled(toolkit);
     m_endSession->setEnabled(toolkit);
     m_timeOutSession->setEnabled(toolkit);
 }
@@ -353,9 +409,16 @@ void MainWindow::showError(const QString &line)
     m_errorLabel->setVisible(!line.isEmpty());
 }
 
-void MainWindow::appendLines(const QStringList &lines)
+void MainWindow::sendCommand(const char *json)
 {
-    for (const QString &line : lines)
-        m_transcriptView->appendPlainText(line);
+    const std::string error = CardHost::sendCommand(json);
+    if (!error.empty())
+        showNote(QString::fromStdString(error));
+}
+
+void MainWindow::appendEntries(const QList<CardHost::TranscriptEntry> &entries)
+{
+    for (const CardHost::TranscriptEntry &entry : entries)
+        m_transcriptView->appendPlainText(QString::fromStdString(entry.text));
     refresh();
 }

@@ -1,6 +1,7 @@
 #ifndef MAINWINDOW_H
 #define MAINWINDOW_H
 
+#include <QActionGroup>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
@@ -9,6 +10,7 @@
 #include <QToolButton>
 
 #include "CardHost.h"
+#include "HostUi.h"
 #include "NetworkPanel.h"
 
 class PluginHost;
@@ -29,6 +31,9 @@ public:
     void setLanguage(const QString &code);
     /// A remark for the person at the screen, in the status bar.
     void showNote(const QString &text);
+    /// Remarks that the card asked for the address, and what became of that.
+    void noteOpenedUrl(const QUrl &url);
+    void noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason);
     /// Opens the SIM toolkit window, or brings it to the front.
     void openToolkit();
 
@@ -41,6 +46,7 @@ protected:
 private:
     void createActions();
     void createMenus();
+    void createCommandMenu();
     void createContent();
     QWidget *createHeader();
     QWidget *createTranscriptBar();
@@ -51,7 +57,8 @@ private:
     void chooseCard();
     void showAbout();
     void showError(const QString &line);
-    void appendLines(const QStringList &lines);
+    void sendCommand(const char *json);
+    void appendEntries(const QList<CardHost::TranscriptEntry> &entries);
 
     PluginHost &m_plugin;
     QString m_language;
@@ -73,6 +80,8 @@ private:
     QAction *m_about = nullptr;
     QAction *m_copy = nullptr;
     QAction *m_clear = nullptr;
+    QMenu *m_cardMenu = nullptr;
+    QActionGroup *m_commandActions = nullptr;
     QMenu *m_languageMenu = nullptr;
     QList<QAction *> m_languageActions;
 

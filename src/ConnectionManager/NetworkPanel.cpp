@@ -15,7 +15,7 @@ constexpr int TitleBar = 32; // what a window manager adds, which is known only 
 
 } // namespace
 
-NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *languages)
+NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *commands, QMenu *languages)
     : m_hint(new QLabel(this))
 {
     setObjectName("ConnectionManager_NetworkPanel");
@@ -25,12 +25,12 @@ NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *languages)
     m_hint->setTextFormat(Qt::PlainText);
     layout->addWidget(m_hint);
     layout->addSpacing(6);
+    m_commands = addButton(commands);
+    layout->addSpacing(6);
     for (QAction *action : actions)
         addButton()->setDefaultAction(action);
     layout->addSpacing(6);
-    m_languages = addButton();
-    m_languages->setMenu(languages);
-    m_languages->setPopupMode(QToolButton::InstantPopup);
+    m_languages = addButton(languages);
     layout->addStretch();
     setFixedWidth(Width);
     retranslate();
@@ -45,10 +45,19 @@ QToolButton *NetworkPanel::addButton()
     return button;
 }
 
+QToolButton *NetworkPanel::addButton(QMenu *menu)
+{
+    QToolButton *button = addButton();
+    button->setMenu(menu);
+    button->setPopupMode(QToolButton::InstantPopup);
+    return button;
+}
+
 void NetworkPanel::retranslate()
 {
     setWindowTitle(Languages::text("IDS_CM_NETWORK_TITLE"));
     m_hint->setText(Languages::text("IDS_CM_NETWORK_HINT"));
+    m_commands->setText(Languages::text("IDS_CM_SEND_COMMAND"));
     m_languages->setText(Languages::text("IDS_CM_LANGUAGE"));
 }
 

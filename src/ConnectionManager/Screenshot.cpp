@@ -16,12 +16,19 @@ QRect framed(const QWidget *window)
     return window->geometry().adjusted(-1, -TitleHeight, 1, 1);
 }
 
-// The main window lies under the other windows, and dialogs lie over all of them.
-int height(const QWidget *window)
+// The main window lies under the other windows, dialogs lie over all of them, the latest on top.
+bool isLower(const QWidget *a, const QWidget *b)
 {
-    if (window->windowType() == Qt::Dialog)
-        return window->isModal() ? 3 : 2;
-    return qobject_cast<const QMainWindow *>(window) ? 0 : 1;
+    const auto height = [](const QWidget *window) {
+        if (window->windowType() == Qt::Dialog)
+            return window->isModal() ? 3 : 2;
+        return qobject_cast<const QMainWindow *>(window) ? 0 : 1;
+    };
+    const QWidget *top = QApplication::activeModalWidget();
+    if (a == top || b == top)
+        return b == top && a != top;
+    // Window systems number their windows in the order of their making.
+    return std::pair(height(a), a->internalWinId()) < std::pair(height(b), b->internalWinId());
 }
 
 // Menus and tool tips are left out.
@@ -34,8 +41,7 @@ QList<QWidget *> visibleWindows()
         if (widget->isVisible() && framedWindow)
             windows << widget;
     }
-    std::stable_sort(windows.begin(), windows.end(),
-                     [](const QWidget *a, const QWidget *b) { return height(a) < height(b); });
+    std::sort(windows.begin(), windows.end(), isLower);
     return windows;
 }
 

@@ -30,15 +30,15 @@ void Transcript::add(const CardHost::TranscriptEntry &entry)
     if (m_pending.isEmpty())
         QMetaObject::invokeMethod(
             this, [this] { deliver(); }, Qt::QueuedConnection);
-    m_pending << QString::fromStdString(entry.text);
+    m_pending << entry;
 }
 
 void Transcript::deliver()
 {
-    QStringList lines;
+    QList<CardHost::TranscriptEntry> entries;
     {
         const std::lock_guard lock(m_mutex);
-        lines.swap(m_pending);
+        entries.swap(m_pending);
     }
-    emit linesAdded(lines);
+    emit entriesAdded(entries);
 }

@@ -4,8 +4,8 @@
 #include <mutex>
 
 #include <QFile>
+#include <QList>
 #include <QObject>
-#include <QStringList>
 
 #include "CardHost.h"
 
@@ -23,15 +23,15 @@ public:
     QString writeTo(const QString &fileName);
 
 signals:
-    /// Lines for people, in the order of the events.  Emitted on the GUI thread.
-    void linesAdded(const QStringList &lines);
+    /// In the order of the events.  Emitted on the GUI thread.
+    void entriesAdded(const QList<CardHost::TranscriptEntry> &entries);
 
 private:
     void add(const CardHost::TranscriptEntry &entry);
     void deliver();
 
     std::mutex m_mutex;
-    QStringList m_pending;
+    QList<CardHost::TranscriptEntry> m_pending;
     QFile m_file;
     int m_listener = 0;
 };

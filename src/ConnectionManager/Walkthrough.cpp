@@ -1,5 +1,10 @@
 #include "Walkthrough.h"
 
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <limits>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -43,26 +48,113 @@ bool isTexts(const QJsonValue &value)
         std::all_of(array.begin(), array.end(), [](const QJsonValue &v) { return v.isString(); });
 }
 
-bool isMenu(const QJsonValue &value)
+bool isAnyText(const QJsonValue &value)
 {
-    const QJsonObject menu = value.toObject();
-    for (auto field = menu.begin(); field != menu.end(); ++field) {
-        const bool right = (field.key() == "title" && field->isString()) ||
-            (field.key() == "items" && isTexts(*field)) ||
-            (field.key() == "back" && field->isBool());
+    return value.isString();
+}
+
+bool isBool(const QJsonValue &value)
+{
+    return value.isBool();
+}
+
+bool isFalse(const QJsonValue &value)
+{
+    return value == QJsonValue(false);
+}
+
+bool isNumber(const QJsonValue &value)
+{
+    constexpr double Highest = std::numeric_limits<int>::max();
+    const double number = value.toDouble(0.5);
+    return std::abs(number) <= Highest && number == int(number);
+}
+
+bool isNaturalNumber(const QJsonValue &value)
+{
+    return isNumber(value) && value.toInt() >= 0;
+}
+
+struct FieldRule {
+    const char *name;
+    bool (*accepts)(const QJsonValue &);
+};
+
+// An object with some of these fields and no others.
+bool isObjectOf(const QJsonValue &value, std::initializer_list<FieldRule> rules)
+{
+    const QJsonObject object = value.toObject();
+    for (auto field = object.begin(); field != object.end(); ++field) {
+        const bool right = std::any_of(rules.begin(), rules.end(), [&](const FieldRule &rule) {
+            return field.key() == rule.name && rule.accepts(*field);
+        });
         if (!right)
             return false;
     }
-    return !menu.isEmpty();
+    return !object.isEmpty();
+}
+
+bool isMenu(const QJsonValue &value)
+{
+    return isObjectOf(value, {{"title", isAnyText}, {"items", isTexts}, {"back", isBool}});
+}
+
+bool isMessage(const QJsonValue &value)
+{
+    return isFalse(value) || isObjectOf(value, {{"text", isAnyText}, {"buttons", isTexts}});
+}
+
+bool isInput(const QJsonValue &value)
+{
+    return isFalse(value) ||
+        isObjectOf(value,
+                   {{"prompt", isAnyText},
+                    {"text", isAnyText},
+                    {"hidden", isBool},
+                    {"ok", isBool},
+                    {"maxLength", isNumber}});
+}
+
+bool isEntry(const QJsonValue &value)
+{
+    return isFalse(value) ||
+        isObjectOf(value,
+                   {{"event", isAnyText},
+                    {"command", isAnyText},
+                    {"id", isNumber},
+                    {"by", isAnyText},
+                    {"result", isAnyText},
+                    {"accepted", isBool},
+                    {"text", isAnyText},
+                    {"item", isNumber},
+                    {"itemText", isAnyText},
+                    {"value", isNumber},
+                    {"call", isAnyText},
+                    {"status", isNumber},
+                    {"reason", isAnyText},
+                    {"state", isAnyText}});
 }
 
 const ValueRule True = {"true", [](const QJsonValue &value) { return value == QJsonValue(true); }};
-const ValueRule Bool = {"true or false", [](const QJsonValue &value) { return value.isBool(); }};
+const ValueRule Bool = {"true or false", isBool};
 const ValueRule Text = {"a text that is not empty", isText};
 const ValueRule Milliseconds = {
     QString("a whole number of milliseconds from 0 to %1").arg(LongestWait), isMilliseconds};
 const ValueRule Menu = {
     "an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)", isMenu};
+const ValueRule Message = {"an object with \"text\" (text) or \"buttons\" (texts), or false",
+                           isMessage};
+const ValueRule Input = {"an object with \"prompt\", \"text\" (texts), \"hidden\", \"ok\" (true or "
+                         "false) or \"maxLength\" (number), or false",
+                         isInput};
+const ValueRule Entry = {"an object of fields of a transcript's entry, or false", isEntry};
+const ValueRule Number = {"a whole number from 0", isNaturalNumber};
+const ValueRule Address = {"an address, or false",
+                           [](const QJsonValue &value) { return isText(value) || isFalse(value); }};
+const ValueRule Button = {
+    "\"OK\", \"Cancel\", \"Yes\" or \"No\"", [](const QJsonValue &value) {
+        return QStringList{"OK", "Cancel", "Yes", "No"}.contains(value.toString());
+    }};
 const ValueRule Key = {
     "the name of one key, such as \"Down\" or \"Ctrl+A\"", [](const QJsonValue &value) {
         const QKeySequence keys(value.toString(), QKeySequence::PortableText);
@@ -92,6 +184,16 @@ const StepRule Rules[] = {
     {"key", Key, true},
     {"expectBusy", Bool, true},
     {"expectClosed", True, true},
+    {"expectMessage", Message, true},
+    {"expectCountdown", Number, true},
+    {"press", Button, true},
+    {"expectInput", Input, true},
+    {"type", Text, true},
+    {"erase", True, true},
+    {"closeBox", True, true},
+    {"expectTone", Number, true},
+    {"expectUrl", Address, true},
+    {"expectResponse", Entry, true},
     {"modem", ModemState, false},
     {"timeout", True, false},
     {"endSession", True, false},

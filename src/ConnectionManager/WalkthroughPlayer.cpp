@@ -9,40 +9,20 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTest>
 #include <QThread>
 #include <QTimer>
-#include <QWindow>
 
 #include "CardHost.h"
 #include "MainWindow.h"
 #include "Messages.h"
 #include "Screenshot.h"
+#include "ToolkitWindows.h"
+
+using namespace ToolkitWindows;
 
 namespace {
 
 constexpr int StepFailed = 1;
-
-QWidget *toolkitWindow()
-{
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (widget->isVisible() && widget->objectName() == "STKPlugin_Stkdialog")
-            return widget;
-    }
-    return nullptr;
-}
-
-QTableWidget *menuTable()
-{
-    const QWidget *window = toolkitWindow();
-    return window ? window->findChild<QTableWidget *>("STKPlugin_TableWidgetMenu") : nullptr;
-}
-
-bool isWaiting()
-{
-    const QCursor *cursor = QApplication::overrideCursor();
-    return cursor && cursor->shape() == Qt::WaitCursor;
-}
 
 QStringList rowTexts(const QTableWidget *table)
 {
@@ -62,31 +42,19 @@ QString listed(const QStringList &texts)
     return QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact);
 }
 
-// The events go through the window, as the window system's own do: modality, popups and grabs take
-// part.
-void clickAt(QWidget *widget, const QPoint &place)
+// The expected fields as they are seen; empty objects tell of nothing seen.
+QJsonObject sameFields(const QJsonObject &seen, const QJsonObject &expected)
 {
-    QWidget *window = widget->window();
-    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
-                      widget->mapTo(window, place));
+    QJsonObject fields;
+    for (const QString &name : expected.keys())
+        fields[name] = seen[name];
+    return fields;
 }
 
-void doubleClickAt(QWidget *widget, const QPoint &place)
+QString latest(const QStringList &texts)
 {
-    QWidget *window = widget->window();
-    QTest::mouseDClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
-                       widget->mapTo(window, place));
-}
-
-void pressKey(QWidget *widget, int keyWithModifiers)
-{
-    const Qt::KeyboardModifiers modifiers(keyWithModifiers & int(Qt::KeyboardModifierMask));
-    const Qt::Key key = Qt::Key(keyWithModifiers & ~int(Qt::KeyboardModifierMask));
-    const QPointer<QWindow> window = widget->window()->windowHandle();
-    QTest::keyPress(window, key, modifiers);
-    // The press may have closed the window.
-    if (window)
-        QTest::keyRelease(window, key, modifiers);
+    constexpr int Shown = 3;
+    return texts.isEmpty() ? QString("none") : texts.mid(texts.size() - Shown).join(", ");
 }
 
 } // namespace
@@ -111,6 +79,16 @@ WalkthroughPlayer::Play WalkthroughPlayer::playerOf(const QString &name)
         {"key", &WalkthroughPlayer::key},
         {"expectBusy", &WalkthroughPlayer::expectBusy},
         {"expectClosed", &WalkthroughPlayer::expectClosed},
+        {"expectMessage", &WalkthroughPlayer::expectMessage},
+        {"expectCountdown", &WalkthroughPlayer::expectCountdown},
+        {"press", &WalkthroughPlayer::press},
+        {"expectInput", &WalkthroughPlayer::expectInput},
+        {"type", &WalkthroughPlayer::type},
+        {"erase", &WalkthroughPlayer::erase},
+        {"closeBox", &WalkthroughPlayer::closeBox},
+        {"expectTone", &WalkthroughPlayer::expectTone},
+        {"expectUrl", &WalkthroughPlayer::expectUrl},
+        {"expectResponse", &WalkthroughPlayer::expectResponse},
         {"modem", &WalkthroughPlayer::modem},
         {"timeout", &WalkthroughPlayer::timeOut},
         {"endSession", &WalkthroughPlayer::endSession},
@@ -210,9 +188,7 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectMenu(const Walkthrough::Step
     const QJsonObject all = {{"title", table->window()->windowTitle()},
                              {"items", QJsonArray::fromStringList(rowTexts(table))},
                              {"back", backButton && backButton->isEnabled()}};
-    QJsonObject seen;
-    for (const QString &field : expected.keys())
-        seen[field] = all[field];
+    const QJsonObject seen = sameFields(all, expected);
     if (seen == expected)
         return {Outcome::Done, {}, {}};
     return {Outcome::NotYet, json(expected), json(seen)};
@@ -262,7 +238,7 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::close(const Walkthrough::Step &)
 WalkthroughPlayer::Outcome WalkthroughPlayer::clickButton(const QString &objectName,
                                                           const QString &words)
 {
-    const QWidget *window = toolkitWindow();
+    const QWidget *window = toolkit();
     if (!window)
         return {Outcome::NotYet, words, "no SIM toolkit window"};
     if (isWaiting())
@@ -276,8 +252,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::clickButton(const QString &objectN
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::key(const Walkthrough::Step &step)
 {
-    QWidget *window = QApplication::activeModalWidget();
-    if (!window || !window->isVisible())
+    QWidget *window = top();
+    if (!window)
         return {Outcome::NotYet, "a window of the SIM toolkit for the key", "none"};
     const bool escape = step.name == "escape";
     pressKey(window,
@@ -298,11 +274,129 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectBusy(const Walkthrough::Step
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::expectClosed(const Walkthrough::Step &)
 {
-    const QWidget *window = toolkitWindow();
+    const QWidget *window = toolkit();
     if (!window)
         return {Outcome::Done, {}, {}};
     return {Outcome::NotYet, "no SIM toolkit window",
             QString("one titled \"%1\"").arg(window->windowTitle())};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectMessage(const Walkthrough::Step &step)
+{
+    const QMessageBox *box = messageBox();
+    if (step.value == QJsonValue(false)) {
+        if (!box)
+            return {Outcome::Done, {}, {}};
+        return {Outcome::NotYet, "no message box", json(describe(*box))};
+    }
+    QJsonObject expected = step.value.toObject();
+    if (expected.contains("buttons")) {
+        QStringList texts = expected["buttons"].toVariant().toStringList();
+        texts.sort();
+        expected["buttons"] = QJsonArray::fromStringList(texts);
+    }
+    if (!box)
+        return {Outcome::NotYet, json(expected), "no message box on top"};
+    const QJsonObject seen = sameFields(describe(*box), expected);
+    if (seen == expected)
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, json(expected), json(seen)};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectCountdown(const Walkthrough::Step &step)
+{
+    const QMessageBox *box = messageBox();
+    const int seen = box ? countdown(*box) : -1;
+    if (seen == step.value.toInt())
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, QString("a message box that counts %1").arg(step.value.toInt()),
+            !box           ? QString("no message box on top")
+                : seen < 0 ? QString("no countdown")
+                           : QString::number(seen)};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::press(const Walkthrough::Step &step)
+{
+    const QString expected = QString("an enabled %1 button").arg(step.value.toString());
+    QAbstractButton *wanted = button(step.value.toString());
+    if (!wanted)
+        return {Outcome::NotYet, expected, "no such button in the window on top"};
+    if (!wanted->isEnabled())
+        return {Outcome::NotYet, expected, "the button is disabled"};
+    clickAt(wanted, wanted->rect().center());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectInput(const Walkthrough::Step &step)
+{
+    const QJsonObject all = describeInput();
+    const QJsonObject expected = step.value.toObject();
+    const QString seen = all.isEmpty() ? QString("no input window on top")
+                                       : json(expected.isEmpty() ? all : sameFields(all, expected));
+    const QString wanted = expected.isEmpty() ? QString("no input window") : json(expected);
+    const bool holds = expected.isEmpty() ? all.isEmpty() : sameFields(all, expected) == expected;
+    return holds ? Outcome{Outcome::Done, {}, {}} : Outcome{Outcome::NotYet, wanted, seen};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::type(const Walkthrough::Step &step)
+{
+    QLineEdit *line = inputLine();
+    if (!line)
+        return {Outcome::NotYet, "an input window to type in", "none on top"};
+    typeText(line, step.value.toString());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::erase(const Walkthrough::Step &)
+{
+    QLineEdit *line = inputLine();
+    if (!line)
+        return {Outcome::NotYet, "an input window to erase in", "none on top"};
+    pressKey(line, int(Qt::CTRL) | Qt::Key_A);
+    pressKey(line, Qt::Key_Backspace);
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::closeBox(const Walkthrough::Step &)
+{
+    if (!messageBox() && !inputWindow())
+        return {Outcome::NotYet, "a message box or input window to close", "none on top"};
+    closeByTitleBar(top());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectTone(const Walkthrough::Step &step)
+{
+    if (m_log.takeTone(step.value.toInt()))
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, QString("tone %1").arg(step.value.toInt()), latest(m_log.sounds())};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectUrl(const Walkthrough::Step &step)
+{
+    const QString seen = latest(m_log.urls());
+    if (!step.value.isString()) {
+        if (m_log.urls().isEmpty())
+            return {Outcome::Done, {}, {}};
+        return {Outcome::Failed, "no address for the browser", seen};
+    }
+    if (m_log.takeUrl(step.value.toString()))
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, "the address " + step.value.toString(), seen};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectResponse(const Walkthrough::Step &step)
+{
+    const QString seen = latest(m_log.answers());
+    if (!step.value.isObject()) {
+        if (m_log.answers().isEmpty())
+            return {Outcome::Done, {}, {}};
+        return {Outcome::Failed, "no answer to the card", seen};
+    }
+    const QJsonObject expected = step.value.toObject();
+    if (m_log.takeEntry(expected))
+        return {Outcome::Done, {}, {}};
+    return {Outcome::NotYet, json(expected), seen};
 }
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::modem(const Walkthrough::Step &step)

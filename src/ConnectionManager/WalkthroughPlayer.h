@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include "TerminalLog.h"
 #include "Walkthrough.h"
 
 class MainWindow;
@@ -18,6 +19,8 @@ public:
     WalkthroughPlayer(const Walkthrough &walkthrough, MainWindow &window,
                       const QString &screenshots);
 
+    /// What the terminal does, for the steps that expect it.
+    TerminalLog &log() { return m_log; }
     /// Begins as soon as the event loop runs.  The application then quits by itself: with status 0
     /// after the last step, with status 1 and a line on standard error after a step that failed.
     void start();
@@ -52,6 +55,16 @@ private:
     Outcome key(const Walkthrough::Step &step);
     Outcome expectBusy(const Walkthrough::Step &step);
     Outcome expectClosed(const Walkthrough::Step &step);
+    Outcome expectMessage(const Walkthrough::Step &step);
+    Outcome expectCountdown(const Walkthrough::Step &step);
+    Outcome press(const Walkthrough::Step &step);
+    Outcome expectInput(const Walkthrough::Step &step);
+    Outcome type(const Walkthrough::Step &step);
+    Outcome erase(const Walkthrough::Step &step);
+    Outcome closeBox(const Walkthrough::Step &step);
+    Outcome expectTone(const Walkthrough::Step &step);
+    Outcome expectUrl(const Walkthrough::Step &step);
+    Outcome expectResponse(const Walkthrough::Step &step);
     Outcome modem(const Walkthrough::Step &step);
     Outcome timeOut(const Walkthrough::Step &step);
     Outcome endSession(const Walkthrough::Step &step);
@@ -65,6 +78,7 @@ private:
     const Walkthrough &m_walkthrough;
     MainWindow &m_window;
     const QString m_screenshots;
+    TerminalLog m_log;
     QElapsedTimer m_sinceStep;
     size_t m_index = 0;
     int m_attempt = NoAttempt; // level of the event loop that the current attempt was made in

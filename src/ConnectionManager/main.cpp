@@ -78,20 +78,47 @@ QString pluginsFolder(const CommandLine &line)
     return QDir::cleanPath(QDir(folder).absolutePath());
 }
 
-// A walkthrough's card may ask for addresses: they are noted, no browser is started.
-void openAddressesFrom(MainWindow &window, bool inBrowser)
+void noteAddresses(MainWindow &window)
 {
-    HostUi::setUrlOpener([&window, inBrowser](const QUrl &url) {
-        window.showNote(Languages::text("IDS_CM_URL_OPENED").arg(url.toDisplayString()));
-        return inBrowser ? HostUi::openInBrowser(url) : true;
+    HostUi::setUrlOpener([&window](const QUrl &url) {
+        window.noteOpenedUrl(url);
+        return HostUi::openInBrowser(url);
+    });
+    HostUi::setUrlRefusalListener([&window](const QString &address, HostUi::UrlRefusal reason) {
+        window.noteRefusedUrl(address, reason);
     });
 }
 
-int play(const Walkthrough &walkthrough, MainWindow &window, const QString &screenshots)
+// A walkthrough's card may ask for addresses: they are noted, no browser is started.
+void noteForWalkthrough(MainWindow &window, Transcript &transcript, WalkthroughPlayer &player)
+{
+    TerminalLog &log = player.log();
+    HostUi::setUrlOpener([&window, &log](const QUrl &url) {
+        window.noteOpenedUrl(url);
+        log.addUrl(url);
+        return true;
+    });
+    HostUi::setSoundListener([&log](const QString &fileName) { log.addSound(fileName); });
+    QObject::connect(
+        &transcript, &Transcript::entriesAdded, &player,
+        [&log](const QList<CardHost::TranscriptEntry> &entries) { log.addEntries(entries); });
+}
+
+void stopNoting()
+{
+    HostUi::setUrlOpener({});
+    HostUi::setUrlRefusalListener({});
+    HostUi::setSoundListener({});
+}
+
+int play(const Walkthrough &walkthrough, MainWindow &window, Transcript &transcript,
+         const QString &screenshots)
 {
     WalkthroughPlayer player(walkthrough, window, screenshots);
+    noteForWalkthrough(window, transcript, player);
     player.start();
     const int status = QApplication::exec();
+    stopNoting();
     if (player.isOver())
         return status;
     Messages::complain(player.place() + ": expected the window to stay open, seen its end");
@@ -103,7 +130,7 @@ int runWindow(const CommandLine &line, PluginHost &plugin, Transcript &transcrip
 {
     MainWindow window(plugin, transcript);
     HostUi::setMainWindow(&window);
-    openAddressesFrom(window, line.walkthrough.isEmpty());
+    noteAddresses(window);
     window.setLanguage(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
     window.show();
     if (!line.card.isEmpty()) {
@@ -111,13 +138,14 @@ int runWindow(const CommandLine &line, PluginHost &plugin, Transcript &transcrip
         if (!error.isEmpty())
             Messages::complain(error);
     }
-    const int status = line.walkthrough.isEmpty() ? QApplication::exec()
-                                                  : play(walkthrough, window, line.screenshots);
+    const int status = line.walkthrough.isEmpty()
+        ? QApplication::exec()
+        : play(walkthrough, window, transcript, line.screenshots);
     window.hide();
     // The plug-in's windows belong to this one and its callbacks end first.
     plugin.unload();
     CardHost::closeCard();
-    HostUi::setUrlOpener({});
+    stopNoting();
     return status;
 }
 

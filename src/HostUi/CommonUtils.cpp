@@ -53,14 +53,20 @@ QPushButton *addButton(QMessageBox *box, const QString &id, QMessageBox::ButtonR
     return id.isEmpty() ? 0 : box->addButton(Change::tr(id, "LuminePlugin"), role);
 }
 
-bool refuse(const QString &address, const char *reason)
+// In the order of HostUi::UrlRefusal.
+const char *const RefusalReasons[] = {"not an address", "only http and https are opened",
+                                      "it names no host"};
+
+bool refuse(const QString &address, HostUi::UrlRefusal reason)
 {
     QString shown = address.left(MaxLoggedAddress);
     for (int i = 0; i < shown.size(); ++i) {
         if (!shown.at(i).isPrint())
             shown[i] = '?';
     }
-    qWarning("OpenUrl: refused \"%s\": %s", qPrintable(shown), reason);
+    qWarning("OpenUrl: refused \"%s\": %s", qPrintable(shown), RefusalReasons[reason]);
+    if (HostUi::state().urlRefusalListener)
+        HostUi::state().urlRefusalListener(shown, reason);
     return false;
 }
 
@@ -136,11 +142,11 @@ bool CommonUtils::OpenUrl(QString url)
 {
     const QUrl parsed(url, QUrl::StrictMode);
     if (!parsed.isValid())
-        return refuse(url, "not an address");
+        return refuse(url, HostUi::NotAnAddress);
     if (parsed.scheme() != "http" && parsed.scheme() != "https")
-        return refuse(url, "only http and https are opened");
+        return refuse(url, HostUi::SchemeNotAllowed);
     if (parsed.host().isEmpty())
-        return refuse(url, "it names no host");
+        return refuse(url, HostUi::NoHost);
     const HostUi::UrlOpener &opener = HostUi::state().urlOpener;
     return opener ? opener(parsed) : HostUi::openInBrowser(parsed);
 }

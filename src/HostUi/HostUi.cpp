@@ -32,6 +32,16 @@ void setUrlOpener(const UrlOpener &opener)
     state().urlOpener = opener;
 }
 
+void setUrlRefusalListener(const UrlRefusalListener &listener)
+{
+    state().urlRefusalListener = listener;
+}
+
+void setSoundListener(const SoundListener &listener)
+{
+    state().soundListener = listener;
+}
+
 bool openInBrowser(const QUrl &url)
 {
     return QDesktopServices::openUrl(url);

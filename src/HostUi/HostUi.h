@@ -33,6 +33,22 @@ HOSTUI_API void setUrlOpener(const UrlOpener &opener);
 /// The user's browser: the opener that is used until another one is set.
 HOSTUI_API bool openInBrowser(const QUrl &url);
 
+/// Why an address is not opened.
+enum UrlRefusal { NotAnAddress, SchemeNotAllowed, NoHost };
+
+/// Told of each address that CommonUtils::OpenUrl() refused: bounded, and without characters that
+/// cannot be printed.
+using UrlRefusalListener = std::function<void(const QString &address, UrlRefusal reason)>;
+
+/// Who hears of refused addresses; an empty listener hears of none.
+HOSTUI_API void setUrlRefusalListener(const UrlRefusalListener &listener);
+
+/// Told of each sound file that is to be played, before it is known whether it can be.
+using SoundListener = std::function<void(const QString &fileName)>;
+
+/// Who hears of sound files; an empty listener hears of none.
+HOSTUI_API void setSoundListener(const SoundListener &listener);
+
 } // namespace HostUi
 
 #endif

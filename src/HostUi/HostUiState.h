@@ -15,6 +15,8 @@ struct State {
     QString pluginLibraryPath;
     QTranslator catalogue;
     UrlOpener urlOpener;
+    UrlRefusalListener urlRefusalListener;
+    SoundListener soundListener;
 };
 
 State &state();

@@ -1,0 +1,71 @@
+#include "CardCommands.h"
+
+// What a card says is in the card's language, whatever that of the user interface is.
+const std::vector<CardCommand> &cardCommands()
+{
+    static const std::vector<CardCommand> commands = {
+        {"Set Up Menu", nullptr,
+         R"({"command": "setUpMenu", "title": "Spring menu", "items": [
+             {"id": 1, "text": "Offers", "do": [
+                {"command": "displayText", "text": "10 GB for 5 € until Sunday"}]},
+             {"id": 2, "text": "Help", "do": [
+                {"command": "displayText", "text": "Call 800 from your phone"}]}]})"},
+        {"Select Item", nullptr,
+         R"({"command": "selectItem", "title": "Which number?", "items": [
+             {"id": 1, "text": "Private"}, {"id": 2, "text": "Business"}]})"},
+        {"Display Text", "IDS_CM_WAY_UNTIL_CLOSED",
+         R"({"command": "displayText", "text": "Your bill is ready: 24.90 €"})"},
+        {"Display Text", "IDS_CM_WAY_CLEARS_ITSELF",
+         R"({"command": "displayText", "text": "Welcome back", "clearMode": 0, "duration": 5})"},
+        {"Get Inkey", "IDS_CM_WAY_ANY_KEY",
+         R"({"command": "getInkey", "text": "First letter of your name?"})"},
+        {"Get Inkey", "IDS_CM_WAY_DIGIT",
+         R"({"command": "getInkey", "text": "How satisfied are you, 1 to 9?", "inputType": 2})"},
+        {"Get Inkey", "IDS_CM_WAY_YES_NO",
+         R"({"command": "getInkey", "text": "Switch on voicemail?", "inputType": 1})"},
+        {"Get Inkey", "IDS_CM_WAY_YES_NO_LIMIT",
+         R"({"command": "getInkey", "text": "Accept the call from +49 30 1234?",
+             "inputType": 1, "duration": 8000})"},
+        {"Get Input", "IDS_CM_WAY_TEXT",
+         R"({"command": "getInput", "text": "Your name", "minLength": 1, "maxLength": 30})"},
+        {"Get Input", "IDS_CM_WAY_DIGITS",
+         R"({"command": "getInput", "text": "Amount in €", "inputType": 2,
+             "minLength": 2, "maxLength": 4})"},
+        {"Get Input", "IDS_CM_WAY_HIDDEN",
+         R"({"command": "getInput", "text": "PIN", "inputType": 2, "echo": 0,
+             "minLength": 4, "maxLength": 8})"},
+        {"Get Input", "IDS_CM_WAY_DEFAULT_TEXT",
+         R"({"command": "getInput", "text": "Country", "defaultText": "Portugal"})"},
+        {"Set Up Call", nullptr,
+         R"({"command": "setUpCall", "text": "Customer care", "address": "+800100200"})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_DIAL",
+         R"({"command": "playTone", "tone": 1, "duration": 3})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_BUSY",
+         R"({"command": "playTone", "tone": 2, "duration": 3})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_ERROR",
+         R"({"command": "playTone", "tone": 6, "duration": 3})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_CALL_WAITING",
+         R"({"command": "playTone", "tone": 7, "duration": 5})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_RINGING",
+         R"({"command": "playTone", "tone": 8, "duration": 6})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_BEEP", R"({"command": "playTone", "tone": 16})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_POSITIVE", R"({"command": "playTone", "tone": 17})"},
+        {"Play Tone", "IDS_CM_WAY_TONE_NEGATIVE", R"({"command": "playTone", "tone": 18})"},
+        {"Refresh", nullptr, R"({"command": "refresh", "files": "013F007F106F3A"})"},
+        {"Send SS", nullptr,
+         R"({"command": "sendSs", "text": "Forwarding calls", "code": "**21*800#"})"},
+        {"Send Short Message", nullptr,
+         R"({"command": "sendShortMessage", "text": "Registering", "address": "+800100",
+             "message": "REG"})"},
+        {"Send USSD", nullptr,
+         R"({"command": "sendUssd", "text": "Asking for the balance", "code": "*100#"})"},
+        {"Launch Browser", "IDS_CM_WAY_URL_WEB",
+         R"({"command": "launchBrowser", "url": "http://www.example.com/account"})"},
+        {"Launch Browser", "IDS_CM_WAY_URL_NONE", R"({"command": "launchBrowser"})"},
+        {"Launch Browser", "IDS_CM_WAY_URL_REFUSED",
+         R"({"command": "launchBrowser", "url": "tel:+800100200"})"},
+        {"Set Up Idle Mode Text", nullptr,
+         R"({"command": "setUpIdleModeText", "text": "Lumine: 12.40 €"})"},
+    };
+    return commands;
+}
