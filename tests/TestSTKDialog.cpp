@@ -428,19 +428,6 @@ private slots:
                                                  "ReleaseMenus()", "GetMainMenu()", "ReleaseMenus()"}));
     }
 
-    void commandsThatAreNotPresentedAreTerminated()
-    {
-        show();
-        for (int type : {1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12}) {
-            modem.notify(type, type);
-            deliver();
-            QCOMPARE(modem.takeCalls(), QStringList());
-            modem.notify(99, 100 + type);
-            deliver();
-            QCOMPARE(modem.takeCalls().mid(0, 1), QStringList(QString("SendNoDataResponse(%1,99,0)").arg(100 + type)));
-        }
-    }
-
     void theModemGoesAndComes()
     {
         STKDialog *const dialog = show();

@@ -15,6 +15,9 @@ foreach(class STKLogic STKThread STKTableWidget STKDialog STKInputDlg STKPlugin)
   stk_qtest(NAME Test${class} SOURCES Test${class}.cpp LIBS PluginFakes)
 endforeach()
 
+# The proactive commands, presented by STKDialog and STKInputDlg together.
+stk_qtest(NAME TestCommands SOURCES TestCommands.cpp LIBS PluginFakes)
+
 # What the library exports, and that it loads by its entry points alone.
 stk_qtest(NAME TestExports SOURCES TestExports.cpp LIBS)
 target_compile_definitions(TestExports PRIVATE PLUGIN_FILE="$<TARGET_FILE:STKPlugin>" NM="${CMAKE_NM}")

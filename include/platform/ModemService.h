@@ -214,6 +214,11 @@ MOVA_ASSERT_FIELD(MOVA_STKPromptTextInfo, usDuration, 516, 2);
 MOVA_ASSERT_RECORD(MOVA_STKPromptTextInfo, 520);
 
 MOVA_ASSERT_FIELD(MOVA_STKIdleModeTextInfo, szText, 0, 512);
+MOVA_ASSERT_RECORD(MOVA_STKIdleModeTextInfo, 512);
+
+MOVA_ASSERT_FIELD(MOVA_STKRefreshInfo, nQualifier, 0, 4);
+MOVA_ASSERT_FIELD(MOVA_STKRefreshInfo, abFiles, 4, 256);
+MOVA_ASSERT_RECORD(MOVA_STKRefreshInfo, 260);
 
 /* ---- Callbacks: called on a thread of the library's own, one call at a time ---- */
 

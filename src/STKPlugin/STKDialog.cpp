@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QFile>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -13,10 +14,12 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "KeyboardLoan.h"
 #include "STKInputDlg.h"
 #include "STKThread.h"
 #include "TraceLog.h"
 #include "platform/Change.h"
+#include "platform/ClipMessageBox.h"
 #include "platform/ClipSound.h"
 #include "platform/CommonUtils.h"
 
@@ -24,13 +27,24 @@
 
 namespace {
 
-const int FRAME_WIDGET_TYPE = 1;
+const int FRAME_WIDGET_TYPE = 1, MESSAGE_WIDGET_TYPE = 4;
 const int FRAME_WIDTH = 380, FRAME_HEIGHT = 357;
 const int TABLE_WIDTH = 345, TABLE_HEIGHT = 250;
 const int ROW_HEIGHT = 17;
 const int DEVICE_TIMER_MS = 100;
 const int THREAD_STOP_SECONDS = 5;
-const int WAIT_AFTER_MENU_CHOICE = 20; /* in the unit of STKThread::TimeStamp */
+const int WAIT_AFTER_MENU_CHOICE = 20,
+          WAIT_AFTER_INPUT = 10; /* in the unit of STKThread::TimeStamp */
+const int COUNTDOWN_MS = 1000, DEFAULT_TEXT_SECONDS = 3;
+const int INPUT_TYPE_YES_NO = 1;
+const int FALLBACK_TONE = 8; /* ringing, ETSI TS 102 223 clause 8.16 */
+const char HOST_CONTEXT[] = "LuminePlugin"; /* where the host keeps the texts of its own buttons */
+
+StkInKeyRequest EmptyRequest()
+{
+    StkInKeyRequest request = {"", 0, 0, 0, 0, 0, 0, ""};
+    return request;
+}
 
 } // namespace
 
@@ -61,6 +75,16 @@ void STKTableWidget::mousePressEvent(QMouseEvent *e)
         return;
     }
     QAbstractItemView::mousePressEvent(e);
+}
+
+/* A second double click on the row that was just chosen must not choose it again. */
+void STKTableWidget::mouseDoubleClickEvent(QMouseEvent *e)
+{
+    if (isWaiting()) {
+        e->ignore();
+        return;
+    }
+    QAbstractItemView::mouseDoubleClickEvent(e);
 }
 
 void STKTableWidget::keyPressEvent(QKeyEvent *e)
@@ -193,6 +217,7 @@ STKDialog::STKDialog()
     , m_pBtnCancel(nullptr)
     , m_nMsgTicks(0)
     , m_nMsgRemain(0)
+    , m_uTextCommand(0)
 {
     TRACE_START();
     m_pStkLogic = STKLogic::CreateInstance();
@@ -330,6 +355,8 @@ bool STKDialog::initUI(QWidget *parent)
     m_pMainWidget = nullptr;
     m_pBtnSelect = nullptr;
     m_pBtnClose = nullptr;
+    if (m_pStkTimer)
+        m_pStkTimer->stop(); // it must not reach into the next showing
     m_pStkTimer = nullptr;
     m_pPlayToneTimer = nullptr;
     m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
@@ -724,90 +751,333 @@ void STKDialog::onDeviceAvailable(bool isAvaialable)
     TRACE_END();
 }
 
-/* ---- Proactive commands that the window does not present ---- */
-
-/* The card is told by the next notification that the command was terminated. */
-void STKDialog::refuseCommand()
-{
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(false);
-}
+/* ---- Display Text ---- */
 
 void STKDialog::onSTKDisplayText()
 {
     TRACE_START();
-    refuseCommand();
+    if (m_pTimeMsgDlg) {
+        refuseSecondText();
+        return;
+    }
+    QString strText = "";
+    QString strClearMode = "";
+    m_nMsgDuration = 0;
+    if (!m_pStkLogic)
+        return;
+    m_uTextCommand = m_pStkLogic->CommandInProgress();
+    if (!m_pStkLogic->GetPromptText(&strText, &strClearMode, &m_nMsgDuration))
+        return;
+    if (!m_pMsgTimer) {
+        m_pMsgTimer = new QTimer(this);
+        connect(m_pMsgTimer, SIGNAL(timeout()), this, SLOT(onMessageTimeOut()));
+    }
+    if (strClearMode == "STK_CLR_MODE_AUTO") {
+        m_strTimerType = "STK_MSGBOX_TIMER";
+        if (!m_pStkTimer) {
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
+        if (!m_pMsgTimer) {
+            TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+            return;
+        }
+        if (m_pMsgTimer->isActive())
+            m_pMsgTimer->stop();
+        if (m_nMsgDuration == 0)
+            m_nMsgDuration = DEFAULT_TEXT_SECONDS;
+        m_pMsgTimer->start(COUNTDOWN_MS);
+        m_nMsgRemain = m_nMsgDuration;
+    }
+    const uint32_t command = m_uTextCommand;
+    const int nResult = showTimeMessageBox(strText);
+    if (!m_pStkLogic)
+        return;
+    const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
+                                         bTerminated ? STK_UI_TR_TERMINATED : STK_UI_TR_SUCCESS,
+                                         command))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
     TRACE_END();
 }
+
+/* A box is up, inside whose event loop this runs.  It stays as it is; a further text is refused,
+ * once, unless it is the very one on screen: two commands may have arrived before the first was
+ * presented. */
+void STKDialog::refuseSecondText()
+{
+    if (!m_pStkLogic)
+        return;
+    const uint32_t command = m_pStkLogic->CommandInProgress();
+    if (command != m_uTextCommand)
+        m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_TERMINATED, command);
+    m_pStkLogic->UpdateCBReturnVal(true);
+}
+
+int STKDialog::showTimeMessageBox(QString text)
+{
+    TRACE_START();
+    QWidget *const pParent = CommonUtils::GetMainWindow();
+    if (!m_pTimeMsgDlg)
+        m_pTimeMsgDlg = new (std::nothrow)
+            ExtendDialog(pParent, Qt::WindowCloseButtonHint, MESSAGE_WIDGET_TYPE);
+    if (!m_pTimeMsgDlg)
+        return QMessageBox::Cancel;
+    QPointer<ClipMessageBox> pBox = new ClipMessageBox(m_pTimeMsgDlg);
+    m_pTimeMsgDlg->AddMainWidget(pBox);
+    m_pTimeMsgDlg->setWindowFlags(Qt::WindowCloseButtonHint);
+    pBox->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
+    m_pTimeMsgDlg->setWindowTitle("");
+    pBox->setIcon(QMessageBox::NoIcon);
+    pBox->setText(text);
+    QApplication::beep();
+    m_pBtnOk = pBox->addButton(Change::tr("IDS_OK", HOST_CONTEXT), QMessageBox::YesRole);
+    m_pBtnCancel = pBox->addButton(Change::tr("IDS_CANCEL", HOST_CONTEXT), QMessageBox::RejectRole);
+    // The last one wins: Return must not accept a text that only just came up.
+    if (m_pBtnOk)
+        pBox->setDefaultButton(m_pBtnOk);
+    if (m_pBtnCancel)
+        pBox->setDefaultButton(m_pBtnCancel);
+    connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
+    connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
+    m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
+    {
+        KeyboardLoan loan;
+        m_pTimeMsgDlg->exec();
+    }
+    if (m_pMsgTimer) {
+        m_pMsgTimer->stop();
+        m_nMsgTicks = 0;
+        m_nMsgRemain = m_nMsgDuration;
+    }
+    // Both are null when the box cleared itself, and that counts as OK.
+    const bool bOk = pBox && pBox->clickedButton() == m_pBtnOk;
+    delete pBox;
+    delete m_pTimeMsgDlg;
+    m_pTimeMsgDlg = nullptr;
+    TRACE_END();
+    return bOk ? QMessageBox::Ok : QMessageBox::Cancel;
+}
+
+/* One step of the countdown on the OK button. */
+void STKDialog::onMessageTimeOut()
+{
+    if (!m_pMsgTimer) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pTimeMsgDlg) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    const QString strRemain = QString::number(m_nMsgRemain, 10);
+    if (!m_pBtnOk) {
+        m_pMsgTimer->stop();
+        m_pTimeMsgDlg->close();
+        return;
+    }
+    m_pBtnOk->setText(Change::tr("IDS_OK", HOST_CONTEXT) + " = " + strRemain);
+    ++m_nMsgTicks;
+    --m_nMsgRemain;
+    if (m_nMsgTicks == m_nMsgDuration) {
+        m_pMsgTimer->stop();
+        m_pTimeMsgDlg->close();
+        m_nMsgTicks = 0;
+        m_pBtnOk = nullptr;
+        m_nMsgRemain = m_nMsgDuration;
+    }
+}
+
+/* ---- Play Tone ---- */
+
+void STKDialog::onSTKPlayTone()
+{
+    TRACE_START();
+    if (!m_pStkLogic || !m_pPlayToneTimer) {
+        TRACE_FILE_FUNC_TIME("Logic/timer instance is null %s: %s: %s: ");
+        return;
+    }
+    MOVAPlayToneRequest request = {0, 0, ""};
+    if (!m_pStkLogic->GetPlayTone(&request)) {
+        TRACE_FILE_FUNC_TIME("GetPlayTone() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    const int nInterval = request.nDuration * 1000;
+    const QString strFolder = CommonUtils::GetPluginLibraryPath() + "/plugins/STKPlugin/";
+    QString strFile = strFolder + "tone_" + QString::number(request.nTone, 10);
+    if (!QFile::exists(strFile)) {
+        strFile = strFolder + "tone_" + QString::number(FALLBACK_TONE, 10);
+        if (!QFile::exists(strFile)) {
+            TRACE_FILE_FUNC_TIME("Sound file does not exists %s: %s: %s: ");
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
+    }
+    playTone(strFile);
+    m_pPlayToneTimer->start(nInterval);
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_PLAY_TONE, STK_UI_TR_SUCCESS))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed of %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+void STKDialog::playTone(QString strFileName)
+{
+    TRACE_END(); // the trace has always marked the entry like this
+    if (strFileName.isEmpty()) {
+        TRACE_FILE_FUNC_TIME("Filename is empty of %s: %s: %s: ");
+        return;
+    }
+    stopTone();
+    delete m_pClipSoundSTK; // one that had ended, or never started
+    m_pClipSoundSTK = new (std::nothrow) ClipSound(strFileName);
+    if (!m_pClipSoundSTK)
+        return;
+    if (!m_pClipSoundSTK->Play()) {
+        TRACE_FILE_FUNC_TIME("Playing failed %s: %s: %s: ");
+        return;
+    }
+    connect(m_pClipSoundSTK, SIGNAL(finished()), this, SLOT(onPlayingFinished()));
+    TRACE_END();
+}
+
+void STKDialog::stopTone()
+{
+    TRACE_START();
+    if (m_pClipSoundSTK && m_pClipSoundSTK->IsPlaying()) {
+        m_pClipSoundSTK->Stop();
+        delete m_pClipSoundSTK;
+        m_pClipSoundSTK = nullptr;
+    }
+    TRACE_END();
+}
+
+void STKDialog::onSTKPlayToneTimeOut()
+{
+    TRACE_START();
+    // The timer of an earlier showing may still be running: it ticks once, not for ever.
+    if (QTimer *const pTimer = qobject_cast<QTimer *>(sender()))
+        pTimer->stop();
+    if (m_pPlayToneTimer) {
+        m_pPlayToneTimer->stop();
+        stopTone();
+    }
+    TRACE_END();
+}
+
+void STKDialog::onPlayingFinished()
+{
+    TRACE_FILE_FUNC_LINE("Start of %s: %s: %d: ");
+    if (m_pPlayToneTimer)
+        m_pPlayToneTimer->stop();
+    if (!m_pClipSoundSTK)
+        return;
+    delete m_pClipSoundSTK;
+    m_pClipSoundSTK = nullptr;
+    TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
+}
+
+/* ---- Get Inkey and Get Input ---- */
 
 void STKDialog::onSTKGetInkey()
 {
     TRACE_START();
-    refuseCommand();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+        return;
+    }
+    const uint32_t command = m_pStkLogic->CommandInProgress();
+    StkInKeyRequest request = EmptyRequest();
+    if (!m_pStkLogic->GetInKeyRquest(&request)) {
+        TRACE_FILE_FUNC_TIME("GetInKeyRquest faied %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (request.nInputType == INPUT_TYPE_YES_NO) {
+        askYesNo(request, command);
+    } else {
+        if (!m_pStkInputDlg)
+            return;
+        closeOvertakenInput();
+        m_pStkInputDlg->SetInKeyRequest(request);
+        showInputDlg(command);
+    }
     TRACE_END();
 }
 
 void STKDialog::onSTKGetInput()
 {
     TRACE_START();
-    refuseCommand();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is NULL %s: %s: %s: ");
+        return;
+    }
+    const uint32_t command = m_pStkLogic->CommandInProgress();
+    StkInKeyRequest request = EmptyRequest();
+    if (!m_pStkLogic->GetInputRequest(&request)) {
+        TRACE_FILE_FUNC_TIME("GetInputRequest failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!m_pStkInputDlg)
+        return;
+    closeOvertakenInput();
+    m_pStkInputDlg->SetInputRequest(request);
+    showInputDlg(command);
     TRACE_END();
 }
 
-void STKDialog::onSTKSetupCall()
+/* There is one input window: the card's newer question takes its place. */
+void STKDialog::closeOvertakenInput()
 {
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
+    if (m_pStkInputDlg->IsDialogCreated())
+        m_pStkInputDlg->CloseDlg();
 }
 
-void STKDialog::onSTKPlayTone()
+void STKDialog::showInputDlg(uint32_t command)
 {
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
+    m_pStkInputDlg->ShowStkInputDlg(dialogParent());
+    // The event loop of the window has run: what the card has sent meanwhile needs no waiting for.
+    const bool bNewer = m_pStkLogic && m_pStkLogic->CommandInProgress() != command;
+    if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && !bNewer)
+        stkWaitforRespond(WAIT_AFTER_INPUT);
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
 }
 
-void STKDialog::onSTKRefresh()
+void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
 {
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
+    if (!m_pStkTimer) {
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    m_strTimerType = "STK_MSGBOX_TIMER";
+    if (request.nDuration > 0) {
+        if (m_pStkTimer->isActive())
+            m_pStkTimer->stop();
+        m_pStkTimer->start(request.nDuration);
+    }
+    QString strAnswer = "0";
+    {
+        KeyboardLoan loan;
+        if (CommonUtils::ShowMessage(QMessageBox::NoIcon, dialogParent(), "", request.strText,
+                                     "IDS_YES", "IDS_NO", "", true, Qt::WindowCloseButtonHint,
+                                     &m_pMessageBox, QString(), true) == QMessageBox::Ok)
+            strAnswer = "1";
+    }
+    if (!m_pStkLogic)
+        return;
+    const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, command);
+    if (bAnswered && m_pStkLogic->CommandInProgress() == command)
+        stkWaitforRespond(WAIT_AFTER_INPUT);
+    m_pStkLogic->UpdateCBReturnVal(bAnswered);
 }
 
-void STKDialog::onSTKSendSS()
+QWidget *STKDialog::dialogParent() const
 {
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSendSMS()
-{
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSendUSSD()
-{
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
-}
-
-void STKDialog::onSTKLaunchBrowser()
-{
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSetupIdleModeText()
-{
-    TRACE_START();
-    refuseCommand();
-    TRACE_END();
+    return m_pExtendDlg ? m_pExtendDlg->parentWidget() : nullptr;
 }
 
 void STKDialog::onCloseInputDlg()
@@ -818,17 +1088,94 @@ void STKDialog::onCloseInputDlg()
     TRACE_END();
 }
 
-/* No tone plays and no text counts down yet: the timers of these are never started. */
-void STKDialog::onSTKPlayToneTimeOut()
+/* ---- Commands that need no window ---- */
+
+void STKDialog::onSTKSetupIdleModeText()
 {
     TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic inst is null %s: %s: %s: ");
+        return;
+    }
+    QString strText; // acknowledged and dropped: there is no idle screen to show it on
+    if (!m_pStkLogic->GetIdleModePrompt(&strText)) {
+        TRACE_FILE_FUNC_TIME("GetIdleModePrompt() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT, STK_UI_TR_SUCCESS))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
     TRACE_END();
 }
 
-void STKDialog::onPlayingFinished()
+void STKDialog::onSTKLaunchBrowser()
 {
-    TRACE_FILE_FUNC_LINE("Start of %s: %s: %d: ");
-    TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
+    TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+        return;
+    }
+    MOVALaunchBrowser request = {0, ""};
+    if (!m_pStkLogic->GetLaunchBrowser(&request)) {
+        TRACE_FILE_FUNC_TIME("GetLaunchBrowser() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!request.strUrl.isEmpty())
+        CommonUtils::OpenUrl(request.strUrl);
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_LAUNCH_BROWSER, STK_UI_TR_SUCCESS))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
 }
 
-void STKDialog::onMessageTimeOut() { }
+/* The modem carries these out and answers them. */
+void STKDialog::acceptSilently()
+{
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+}
+
+void STKDialog::onSTKSendUSSD()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSMS()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSS()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKRefresh()
+{
+    TRACE_START();
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(m_pStkLogic->GetRefreshInfo());
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupCall()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED)) {
+            TRACE_FILE_FUNC_TIME("SendNoDataResponse failed %s: %s: %s: ");
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
+        m_pStkLogic->UpdateCBReturnVal(true);
+    }
+    TRACE_END();
+}

@@ -30,6 +30,7 @@ public:
     void mousePressEvent(QMouseEvent *e) override;
     void mouseReleaseEvent(QMouseEvent *e) override;
     void keyPressEvent(QKeyEvent *e) override;
+    void mouseDoubleClickEvent(QMouseEvent *e) override;
     ~STKTableWidget();
 
 private:
@@ -84,6 +85,13 @@ public:
     bool deleteTableItems();
     void subMenuSeleted(QTableWidgetItem *item);
 
+    /* Shows text in a modal box; QMessageBox::Ok when the user took note or the box cleared itself,
+     * QMessageBox::Cancel otherwise. */
+    int showTimeMessageBox(QString text);
+
+    void playTone(QString strFileName);
+    void stopTone();
+
     /* Waits, with a busy cursor, until the card sends something or the time-out of STKThread
      * passed. */
     void stkWaitforRespond(int iTimeOut);
@@ -132,7 +140,12 @@ private:
     void fillTable(const StkMenuItems &menu);
     int itemIdOf(const StkMenuItems &menu, const QString &strText);
     void fetchAndShowMainMenu();
-    void refuseCommand();
+    QWidget *dialogParent() const;
+    void askYesNo(const StkInKeyRequest &request, uint32_t command);
+    void showInputDlg(uint32_t command);
+    void refuseSecondText();
+    void closeOvertakenInput();
+    void acceptSilently();
 
     QPointer<STKLogic> m_pStkLogic;
     QPointer<STKExtendDlg> m_pExtendDlg;
@@ -153,6 +166,7 @@ private:
     QPushButton *m_pBtnCancel;
     int m_nMsgTicks;
     int m_nMsgRemain;
+    uint32_t m_uTextCommand; /* the command whose text is up, as STKLogic tells it */
 
     static STKDialog *m_pStkDialogInstance;
     static ClipSound *m_pClipSoundSTK;

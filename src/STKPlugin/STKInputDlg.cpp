@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "KeyboardLoan.h"
 #include "TraceLog.h"
 #include "platform/Change.h"
 #include "platform/CommonUtils.h"
@@ -95,6 +96,7 @@ STKInputDlg::STKInputDlg()
     , m_nLastError(-1)
     , m_enStkType(MOVA_STKTYPE_GET_INPUT)
     , m_bBtnClicked(false)
+    , m_uCommand(0)
 {
     TRACE_START();
     m_stInKeyRequest.strText = "";
@@ -214,6 +216,8 @@ void STKInputDlg::ShowStkInputDlg(QWidget *parent)
     TRACE_START();
     AssignNULL();
     m_bBtnClicked = false; // whatever way the window before this one ended
+    if (m_pStkLogic)
+        m_uCommand = m_pStkLogic->CommandInProgress();
     if (!initUI(parent)) {
         TRACE_FILE_FUNC_TIME("inintialization of UI is failed %s: %s: %s: ");
         return;
@@ -247,6 +251,9 @@ bool STKInputDlg::IsDialogCreated()
 void STKInputDlg::AssignNULL()
 {
     TRACE_START();
+    // It stays behind as this object's child; it must not tick into the next window.
+    if (m_pInputTimer)
+        m_pInputTimer->stop();
     m_pInputTimer = nullptr;
     m_pExtendDlg = nullptr;
     m_pMainWidget = nullptr;
@@ -345,8 +352,8 @@ void STKInputDlg::onTextEdited(QString strText)
 bool STKInputDlg::sendAnswer(const QString &strResult, const QString &strAnswer)
 {
     if (m_enStkType == MOVA_STKTYPE_GET_INKEY)
-        return m_pStkLogic->CallStkAnswerInKey(strResult, strAnswer);
-    return m_pStkLogic->CallStkAnswerInput(strResult, strAnswer);
+        return m_pStkLogic->CallStkAnswerInKey(strResult, strAnswer, m_uCommand);
+    return m_pStkLogic->CallStkAnswerInput(strResult, strAnswer, m_uCommand);
 }
 
 void STKInputDlg::onButtonClickOk()
@@ -363,6 +370,7 @@ void STKInputDlg::onButtonClickOk()
     } else {
         m_nLastError = -1;
         QDialog *pMessageBox = nullptr;
+        KeyboardLoan loan;
         CommonUtils::ShowMessage(QMessageBox::Information, m_pExtendDlg,
                                  tr(QString("IDS_STK_MSG_PROMPT")),
                                  tr(QString("IDS_STK_MSG_INPUTFAILED")), "IDS_OK", "", "", true,

@@ -88,8 +88,8 @@ private:
     StkInKeyRequest m_stInKeyRequest;
     int m_nLastError;
     int m_enStkType; /* MOVA_STKTYPE_GET_INKEY or MOVA_STKTYPE_GET_INPUT */
-    bool
-        m_bBtnClicked; /* OK or Cancel has dealt with the answer: the close must not answer again */
+    bool m_bBtnClicked; /* OK or Cancel has answered: the close must not do so again */
+    uint32_t m_uCommand; /* the command that the window was opened for, as STKLogic tells it */
 
     static STKInputDlg *m_pStkInputDlgInstance;
 };

@@ -23,6 +23,16 @@ void CopyIfBetween(int iLowest, int iHighest, int32_t value, int *pTarget)
         *pTarget = value;
 }
 
+uint32_t NextCommand(uint32_t command, int16_t sCmdId)
+{
+    return ((command >> 16) + 1) << 16 | static_cast<uint16_t>(sCmdId);
+}
+
+int16_t CmdIdOf(uint32_t command)
+{
+    return static_cast<int16_t>(command & 0xFFFF);
+}
+
 void ClearMenu(StkMenuItems *pMenu)
 {
     pMenu->itemList->clear();
@@ -69,6 +79,7 @@ STKLogic::STKLogic()
     : m_sCmdId(0)
     , m_bRet(true)
     , m_bRespondence(false)
+    , m_uCommand(0)
 {
     TRACE_START();
     TRACE_END();
@@ -83,6 +94,11 @@ STKLogic::~STKLogic()
 int16_t STKLogic::CmdId() const
 {
     return m_sCmdId.load(std::memory_order_relaxed);
+}
+
+uint32_t STKLogic::CommandInProgress() const
+{
+    return m_uCommand.load(std::memory_order_relaxed);
 }
 
 void STKLogic::RegisterSTKCB()
@@ -122,6 +138,8 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
     }
     const MOVA_STKNotifyData &data = *static_cast<const MOVA_STKNotifyData *>(pNotifyData);
     pLogic->m_sCmdId.store(data.sCmdId, std::memory_order_relaxed);
+    pLogic->m_uCommand.store(NextCommand(pLogic->CommandInProgress(), data.sCmdId),
+                             std::memory_order_relaxed);
     if (data.bTimeOut == 1) {
         TRACE_FILE_FUNC_TIME("STK TimeOut %s: %s: %s: ");
         emit pLogic->CloseInputDlg();
@@ -417,11 +435,16 @@ bool STKLogic::GetRefreshInfo()
 
 bool STKLogic::CallStkAnswerInKey(QString result, QString answer)
 {
+    return CallStkAnswerInKey(result, answer, CommandInProgress());
+}
+
+bool STKLogic::CallStkAnswerInKey(QString result, QString answer, uint32_t command)
+{
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInKey(%s): %s: %s: %s: ",
                                answer.toUtf8().constData());
-    const int32_t status = MOVA_STKSrv_AnswerInKey(CmdId(), bAccepted, answer.utf16());
+    const int32_t status = MOVA_STKSrv_AnswerInKey(CmdIdOf(command), bAccepted, answer.utf16());
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -432,11 +455,16 @@ bool STKLogic::CallStkAnswerInKey(QString result, QString answer)
 
 bool STKLogic::CallStkAnswerInput(QString result, QString answer)
 {
+    return CallStkAnswerInput(result, answer, CommandInProgress());
+}
+
+bool STKLogic::CallStkAnswerInput(QString result, QString answer, uint32_t command)
+{
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInput(%s): %s: %s: %s: ",
                                answer.toUtf8().constData());
-    const int32_t status = MOVA_STKSrv_AnswerInput(CmdId(), bAccepted, answer.utf16());
+    const int32_t status = MOVA_STKSrv_AnswerInput(CmdIdOf(command), bAccepted, answer.utf16());
     // The line shares its text with the key's answer.
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);
     if (status != 0)
@@ -448,9 +476,15 @@ bool STKLogic::CallStkAnswerInput(QString result, QString answer)
 
 bool STKLogic::SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response)
 {
+    return SendNoDataResponse(type, response, CommandInProgress());
+}
+
+bool STKLogic::SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response,
+                                  uint32_t command)
+{
     TRACE_START();
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_SendNoDataResponse(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_SendNoDataResponse(CmdId(), type, response);
+    const int32_t status = MOVA_STKSrv_SendNoDataResponse(CmdIdOf(command), type, response);
     TRACE_STATUS("MOVA_STKSrv_SendNoDataResponse() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;

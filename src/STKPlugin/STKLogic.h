@@ -96,10 +96,21 @@ public:
     bool GetPromptText(QString *pText, QString *pClearMode, int *pDuration);
     bool GetRefreshInfo();
 
+    /* The newest notification with data: its identifier, and its place among all of them.  A window
+     * stays open while further commands arrive; what it keeps of this tells its command from
+     * theirs. */
+    uint32_t CommandInProgress() const;
+
+    /* The answers go to the command in progress, or to the one that is named. */
+
     /* result: "STK_TYPE_OK" accepts, anything else cancels. */
     bool CallStkAnswerInKey(QString result, QString answer);
+    bool CallStkAnswerInKey(QString result, QString answer, uint32_t command);
     bool CallStkAnswerInput(QString result, QString answer);
+    bool CallStkAnswerInput(QString result, QString answer, uint32_t command);
     bool SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response);
+    bool SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response,
+                            uint32_t command);
 
 signals:
     void DevAvailable(bool isAvaillable);
@@ -129,6 +140,7 @@ private:
     std::atomic<int16_t> m_sCmdId;
     std::atomic<int32_t> m_bRet;
     std::atomic<int32_t> m_bRespondence;
+    std::atomic<uint32_t> m_uCommand; /* a running number above m_sCmdId, in one word */
 
     static std::atomic<STKLogic *> m_pStkLogicInst;
 };

@@ -5,6 +5,7 @@
 #include "platform/Change.h"
 #include "platform/ClipSound.h"
 #include "platform/CommonUtils.h"
+#include "platform/ExtendDialog.h"
 
 FakeHostUi &FakeHostUi::get()
 {
@@ -76,14 +77,23 @@ void CommonUtils::MoveCentre(QWidget *)
 {
 }
 
-QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon, QWidget *, QString title,
-                                                     QString text, QString button1, QString button2,
-                                                     QString button3, bool, Qt::WindowFlags,
-                                                     QDialog **, QString, bool)
+QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon, QWidget *parent,
+                                                     QString title, QString text, QString button1,
+                                                     QString button2, QString button3, bool,
+                                                     Qt::WindowFlags flags, QDialog **ppDialog,
+                                                     QString, bool)
 {
     FakeHostUi &ui = FakeHostUi::get();
     ui.messages << QStringList({title, text, button1, button2, button3}).join("|");
-    return static_cast<QMessageBox::StandardButton>(ui.messageAnswer);
+    if (ui.messageAnswer)
+        return static_cast<QMessageBox::StandardButton>(ui.messageAnswer);
+    ExtendDialog box(parent, flags, 4);
+    box.setObjectName("message");
+    box.resize(200, 100);
+    *ppDialog = &box;
+    const int result = box.exec();
+    *ppDialog = nullptr;
+    return result == QDialog::Accepted ? QMessageBox::Ok : QMessageBox::No;
 }
 
 bool CommonUtils::OpenUrl(QString url)

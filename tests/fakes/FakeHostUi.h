@@ -15,7 +15,7 @@ struct FakeHostUi
 
     QString language;                 /* in front of every translated text, for the test to change */
     QStringList messages;             /* title|text|button1|button2|button3 of every message box */
-    int messageAnswer;                /* what the next boxes return */
+    int messageAnswer;                /* what the next boxes return at once; 0: they stay up */
     QStringList openedUrls;
     QStringList soundsPlayed;         /* the file of every Play() */
     bool soundPlays;                  /* what Play() returns */
