@@ -4,11 +4,13 @@
 packages="
   g++ cmake ninja-build
   qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
+  qtmultimedia5-dev libqt5multimedia5-plugins
   nlohmann-json3-dev
   fonts-dejavu-core fonts-noto-core fonts-noto-color-emoji fonts-wqy-microhei"
 test_packages="
   libgtest-dev libbenchmark-dev
-  xvfb xauth openbox xdotool x11-utils"
+  xvfb xauth openbox xdotool x11-utils
+  pulseaudio pulseaudio-utils"
 # Not on every architecture; the tests do without it where it is missing.
 multilib_package=g++-multilib
 
