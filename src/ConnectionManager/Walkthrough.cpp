@@ -132,6 +132,7 @@ bool isEntry(const QJsonValue &value)
                     {"call", isAnyText},
                     {"status", isNumber},
                     {"reason", isAnyText},
+                    {"title", isAnyText},
                     {"state", isAnyText}});
 }
 
