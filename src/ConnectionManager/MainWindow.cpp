@@ -357,6 +357,7 @@ void MainWindow::retranslate()
     m_transcriptLabel->setText(text("IDS_CM_TRANSCRIPT"));
     m_transcriptView->setPlaceholderText(text("IDS_CM_TRANSCRIPT_EMPTY"));
     m_panel->retranslate();
+    statusBar()->clearMessage();
     refreshTexts();
 }
 
