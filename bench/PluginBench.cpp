@@ -17,48 +17,131 @@
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QPointer>
+#include <QTimer>
 #include <QTableWidget>
-#include <QTemporaryFile>
 #include <QVBoxLayout>
 
-#include "CardHost.h"
 #include "STKDialog.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/* The service: as little as can stand behind the plug-in's calls, so that what is measured is ours.
+ */
+int menuItems = 0;
+Clock::time_point answeredAt;
+
+template <size_t units> void put(uint16_t (&text)[units], const QString &from)
+{
+    for (int i = 0; i < from.size(); ++i)
+        text[i] = from.at(i).unicode();
+    text[from.size()] = 0;
+}
+
+} // namespace
+
+int32_t MOVA_STK_RegisterCallBack(MOVA_STKCallback)
+{
+    return 0;
+}
+int32_t MOVA_STK_UnRegisterCallBack(MOVA_STKCallback)
+{
+    return 0;
+}
+int32_t MOVA_DevSrv_RegisterDevMgrCallback(MOVA_DevMgrCallback)
+{
+    return 0;
+}
+int32_t MOVA_DevSrv_UnRegisterDevMgrCallback(MOVA_DevMgrCallback)
+{
+    return 0;
+}
+int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo *menu)
+{
+    put(menu->szTitle, "Operator");
+    menu->sItemCount = static_cast<int16_t>(menuItems);
+    menu->pItems = new MOVA_STKMenuItem[menuItems];
+    for (int i = 0; i < menuItems; ++i) {
+        menu->pItems[i].sItemId = static_cast<int16_t>(i + 1);
+        put(menu->pItems[i].szItemText, QString("Service number %1").arg(i + 1));
+    }
+    return 0;
+}
+int32_t MOVA_STKSrv_ReleaseMenus(MOVA_STKMenuInfo *menu)
+{
+    delete[] menu->pItems;
+    return 0;
+}
+int32_t MOVA_STKSrv_GetPromptText(int16_t, MOVA_STKPromptTextInfo *info)
+{
+    put(info->szText, "Your balance is 12.40");
+    info->nClearMode = 1;
+    info->usDuration = 0;
+    return 0;
+}
+int32_t MOVA_STKSrv_SendNoDataResponse(int16_t, _STK_UI_EN_STKTYPE, _STK_UI_EN_TERMINALRESPONSE)
+{
+    answeredAt = Clock::now();
+    return 0;
+}
+int32_t MOVA_STKSrv_GetSubMenu(int16_t, MOVA_STKSubMenuInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_ReleaseSubMenus(MOVA_STKSubMenuInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_SelectMenuItem(int16_t, int16_t)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_SelectSubMenuItem(int16_t, int32_t, int16_t)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetIdleModePrompt(int16_t, MOVA_STKIdleModeTextInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetPlayTone(int16_t, MOVA_STKPlayToneInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetLaunchBrowser(int16_t, MOVA_STKLaunchBrowserInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetInKeyRequest(int16_t, MOVA_STKInKeyInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetInputRequest(int16_t, MOVA_STKInputInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_GetRefreshInfo(int16_t, MOVA_STKRefreshInfo *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_AnswerInKey(int16_t, int32_t, const uint16_t *)
+{
+    return -1;
+}
+int32_t MOVA_STKSrv_AnswerInput(int16_t, int32_t, const uint16_t *)
+{
+    return -1;
+}
+
+namespace {
+
 double secondsSince(Clock::time_point start)
 {
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-void putCard(int items)
-{
-    QTemporaryFile file;
-    if (!file.open())
-        qFatal("no temporary file");
-    file.write(R"({"menu":{"title":"Operator","items":[)");
-    for (int i = 0; i < items; ++i)
-        file.write(qPrintable(QString(R"(%1{"id":%2,"text":"Service number %2","do":[]})")
-                                  .arg(i ? "," : "")
-                                  .arg(i + 1)));
-    file.write("]}}");
-    file.flush();
-    const std::string error = CardHost::openScenario(file.fileName().toStdString());
-    if (!error.empty())
-        qFatal("%s", error.c_str());
-}
-
-/* The card tells its menu when it has started. */
-void waitForMenu(int items)
-{
-    QList<StkItemClass> list;
-    StkMenuItems menu;
-    menu.itemList = &list;
-    while (!STKLogic::CreateInstance()->GetMainMenu(&menu) || list.size() != items)
-        QCoreApplication::processEvents();
 }
 
 /* A thread that stands for the service's: does one thing whenever it is asked to. */
@@ -212,8 +295,7 @@ void closeAndDelete(QDialog *dialog)
 
 void setupMenuFromForeignThread(benchmark::State &state)
 {
-    putCard(20);
-    waitForMenu(20);
+    menuItems = 20;
     QDialog *const dialog = showToolkit(nullptr, 20);
     PaintWatch::untilPainted(dialog);
     ForeignThread thread;
@@ -253,8 +335,7 @@ void plainSignalFromForeignThread(benchmark::State &state)
 
 void drawMainMenu(benchmark::State &state)
 {
-    putCard(250);
-    waitForMenu(250);
+    menuItems = 250;
     QDialog *const dialog = showToolkit(nullptr, 250);
     PaintWatch::untilPainted(dialog);
     for (auto _ : state) {
@@ -281,8 +362,7 @@ void drawPlainTable(benchmark::State &state)
 
 void showWindow(benchmark::State &state)
 {
-    putCard(20);
-    waitForMenu(20);
+    menuItems = 20;
     QWidget parent;
     parent.show();
     PaintWatch::untilPainted(&parent);
@@ -312,12 +392,119 @@ void showPlainDialog(benchmark::State &state)
     }
 }
 
+/* From the callback to the answer of a command without a window. */
+void setupCallAnswered(benchmark::State &state)
+{
+    toolkit();
+    ForeignThread thread;
+    Arrival arrival;
+    QObject::connect(STKLogic::CreateInstance(), SIGNAL(STKSetupCall()), &arrival, SLOT(take()));
+    for (auto _ : state) {
+        thread.post([&] {
+            MOVA_STKNotifyData data = {MOVA_STKTYPE_SETUP_CALL, 1, 0};
+            arrival.start = Clock::now();
+            STKLogic::OnSTKEventCB(0, &data);
+        });
+        arrival.wait();
+        state.SetIterationTime(std::chrono::duration<double>(answeredAt - arrival.start).count());
+    }
+}
+
+/* The way there alone: the signal is emitted on a foreign thread and arrives on this one. */
+void bareQueuedSignal(benchmark::State &state)
+{
+    PlainSender sender;
+    ForeignThread thread;
+    Arrival arrival;
+    QObject::connect(&sender, SIGNAL(menuChanged()), &arrival, SLOT(take()));
+    for (auto _ : state) {
+        thread.post([&] {
+            arrival.start = Clock::now();
+            emit sender.menuChanged();
+        });
+        arrival.wait();
+        state.SetIterationTime(arrival.seconds);
+    }
+}
+
+/* Takes the time at which the first message box is painted, and closes its window. */
+class BoxWatch : public QObject {
+public:
+    Clock::time_point start;
+    double seconds = 0;
+    QEventLoop loop;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() != QEvent::Paint || seconds > 0 || !watched->inherits("QMessageBox"))
+            return false;
+        seconds = secondsSince(start);
+        const QPointer<QWidget> window = static_cast<QWidget *>(watched)->window();
+        QTimer::singleShot(0, this, [this, window] {
+            if (window)
+                window->close();
+            loop.quit();
+        });
+        return false;
+    }
+};
+
+template <typename Send> void timeBox(benchmark::State &state, Send send)
+{
+    ForeignThread thread;
+    BoxWatch watch;
+    qApp->installEventFilter(&watch);
+    for (auto _ : state) {
+        watch.seconds = 0;
+        thread.post([&] {
+            watch.start = Clock::now();
+            send();
+        });
+        watch.loop.exec();
+        QCoreApplication::processEvents();
+        state.SetIterationTime(watch.seconds);
+    }
+}
+
+void displayTextPainted(benchmark::State &state)
+{
+    toolkit();
+    timeBox(state, [] {
+        MOVA_STKNotifyData data = {MOVA_STKTYPE_DISPLAY_TEXT, 1, 0};
+        STKLogic::OnSTKEventCB(0, &data);
+    });
+}
+
+class PlainBox : public QObject {
+    Q_OBJECT
+public slots:
+    void show()
+    {
+        QMessageBox box(QMessageBox::NoIcon, "", "Your balance is 12.40",
+                        QMessageBox::Ok | QMessageBox::Cancel);
+        QApplication::beep();
+        box.exec();
+    }
+};
+
+void plainBoxPainted(benchmark::State &state)
+{
+    PlainSender sender;
+    PlainBox box;
+    QObject::connect(&sender, SIGNAL(menuChanged()), &box, SLOT(show()));
+    timeBox(state, [&] { emit sender.menuChanged(); });
+}
+
 BENCHMARK(setupMenuFromForeignThread)->UseManualTime()->Repetitions(5);
 BENCHMARK(plainSignalFromForeignThread)->UseManualTime()->Repetitions(5);
 BENCHMARK(drawMainMenu)->UseManualTime()->Repetitions(5);
 BENCHMARK(drawPlainTable)->UseManualTime()->Repetitions(5);
 BENCHMARK(showWindow)->UseManualTime()->Repetitions(5);
 BENCHMARK(showPlainDialog)->UseManualTime()->Repetitions(5);
+BENCHMARK(setupCallAnswered)->UseManualTime()->Repetitions(5);
+BENCHMARK(bareQueuedSignal)->UseManualTime()->Repetitions(5);
+BENCHMARK(displayTextPainted)->UseManualTime()->Repetitions(5);
+BENCHMARK(plainBoxPainted)->UseManualTime()->Repetitions(5);
 
 /* Prints what Google Benchmark prints and keeps the medians for the ratios. */
 class Medians : public benchmark::ConsoleReporter {
@@ -361,9 +548,11 @@ int main(int argc, char **argv)
                        "setupMenuFromForeignThread", "plainSignalFromForeignThread", 2);
     medians.printRatio("drawing a main menu of 250 items", "drawMainMenu", "drawPlainTable", 1.5);
     medians.printRatio("ShowWindow to the first paint", "showWindow", "showPlainDialog", 2);
-    STKDialog::Instance()->unSDKRegisterEvent();
+    medians.printRatio("Set Up Call, from the service's thread to the answer", "setupCallAnswered",
+                       "bareQueuedSignal", 3);
+    medians.printRatio("Display Text, from the service's thread to the first paint",
+                       "displayTextPainted", "plainBoxPainted", 1.5);
     STKDialog::Destroy();
-    CardHost::closeCard();
     return 0;
 }
 

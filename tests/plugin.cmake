@@ -39,3 +39,16 @@ if(STK_HAS_M32)
   # Sanitizers have no business in objects that are never run.
   target_compile_options(ModemServiceHeader32 PRIVATE -m32 -fno-sanitize=all)
 endif()
+
+# Random commands and random users against the plug-in; shorter where a sanitizer makes it slow.
+set(soak_seconds 60)
+if(STK_SANITIZE)
+  set(soak_seconds 30)
+endif()
+add_executable(Soak ${PROJECT_SOURCE_DIR}/bench/Soak.cpp)
+target_link_libraries(Soak PRIVATE STKPluginObjects HostUi Qt5::Test)
+target_include_directories(Soak PRIVATE ${PROJECT_SOURCE_DIR}/src/HostUi)
+set_target_properties(Soak PROPERTIES
+  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench BUILD_RPATH ${STK_LIB_DIR} INSTALL_RPATH ${STK_LIB_DIR})
+add_test(NAME Soak COMMAND Soak ${soak_seconds})
+set_tests_properties(Soak PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)
