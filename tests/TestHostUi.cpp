@@ -125,6 +125,7 @@ private slots:
 void TestHostUi::cleanup()
 {
     HostUi::setUrlOpener({});
+    HostUi::setUrlRefusalListener({});
     HostUi::setLanguage(STK_TRANSLATION_DIR, "en");
     QVERIFY2(!shownBox(), "no test leaves a window");
 }
@@ -175,7 +176,7 @@ void TestHostUi::frameHasTitleBar()
 void TestHostUi::titleStaysAsTyped()
 {
     ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 1);
-    for (const char *title : {"Bank", "[*]", "a[*]b[*][*]", "<b>x</b> &amp; %1", ""}) {
+    for (const char *title : {"Bank", "[*]", "a[*]b[*][*]", "<b>x</b> &amp; %1"}) {
         frame.setWindowTitle(title);
         frame.show();
         QCOMPARE(frame.windowTitle(), QString(title));
@@ -185,6 +186,10 @@ void TestHostUi::titleStaysAsTyped()
         QCOMPARE(frame.windowHandle()->title(), QString(title));
         frame.setWindowFlags(Qt::WindowCloseButtonHint);
     }
+    frame.setWindowTitle("");
+    frame.show();
+    QCOMPARE(frame.windowTitle(), QString());
+    QVERIFY2(frame.windowHandle()->title() == QString(QChar::Nbsp), "not the application's name");
 }
 
 void TestHostUi::messageFrameFollowsItsBox()
@@ -369,10 +374,14 @@ void TestHostUi::openUrl()
         opened << url;
         return true;
     });
+    QStringList refused;
+    HostUi::setUrlRefusalListener(
+        [&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
     if (!refusal.isEmpty())
         QTest::ignoreMessage(QtWarningMsg, qPrintable(refusal));
     QCOMPARE(CommonUtils::OpenUrl(address), refusal.isEmpty());
     QCOMPARE(opened, refusal.isEmpty() ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
+    QCOMPARE(refused, refusal.isEmpty() ? QStringList() : QStringList(refusal.section('"', 1, 1)));
 }
 
 void TestHostUi::waitForThread()

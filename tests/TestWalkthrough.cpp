@@ -1,6 +1,10 @@
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "CardCommands.h"
+#include "CardHost.h"
 #include "Walkthrough.h"
 
 class TestWalkthrough : public QObject {
@@ -11,6 +15,7 @@ private slots:
     void refusesBadFiles_data();
     void refusesBadFiles();
     void refusesMissingFile();
+    void everyCommandCanBeSent();
 
 private:
     QString write(const QByteArray &text);
@@ -36,10 +41,15 @@ void TestWalkthrough::readsEveryStep()
         {"back": true}, {"close": true}, {"escape": true}, {"key": "Down"}, {"key": "Ctrl+Home"},
         {"expectBusy": false}, {"expectClosed": true}, {"modem": "removed"}, {"modem": "ready"},
         {"timeout": true}, {"endSession": true}, {"send": {"command": "setUpCall"}},
-        {"language": "zh_CN"}, {"wait": 9000}, {"screenshot": "menu"}, {"quit": true}])"));
+        {"language": "zh_CN"}, {"wait": 9000}, {"screenshot": "menu"}, {"quit": true},
+        {"expectMessage": {"text": "", "buttons": ["OK"]}}, {"expectMessage": false},
+        {"expectCountdown": 3}, {"press": "No"}, {"type": "12"}, {"erase": true}, {"closeBox": true},
+        {"expectInput": {"prompt": "", "text": "", "hidden": true, "ok": false, "maxLength": 4}},
+        {"expectInput": false}, {"expectTone": 8}, {"expectUrl": "http://a"}, {"expectUrl": false},
+        {"expectResponse": {"event": "refused", "status": -4}}, {"expectResponse": false}])"));
     QCOMPARE(error, QString());
     const auto &steps = walkthrough.steps();
-    QCOMPARE(steps.size(), size_t(21));
+    QCOMPARE(steps.size(), size_t(35));
     QCOMPARE(steps[0].within, 5000);
     QCOMPARE(steps[1].within, 70);
     QCOMPARE(steps[1].number, 2);
@@ -55,64 +65,65 @@ void TestWalkthrough::refusesBadFiles_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("error");
-    const QString steps =
-        "open, expectMenu, select, back, close, escape, key, expectBusy, expectClosed, modem, "
-        "timeout, endSession, send, language, wait, screenshot, quit";
+    const auto row = [](const char *text, const QString &error) {
+        QTest::newRow(*text ? text : "empty") << QByteArray(text) << error;
+    };
+    const auto wrong = [](const char *field, const char *found, const QString &expected,
+                          const QByteArray &beside = "") {
+        const QByteArray text = QByteArray("[{") + beside + '"' + field + "\":" + found + "}]";
+        QTest::newRow(text) << text
+                            << QString("step 1: \"%1\": expected %2, found %3")
+                                   .arg(field, expected, QString::fromUtf8(found));
+    };
+    const QString oneStep =
+        "expected an object with one of open, expectMenu, select, back, close, escape, key, "
+        "expectBusy, expectClosed, expectMessage, expectCountdown, press, expectInput, type, "
+        "erase, "
+        "closeBox, expectTone, expectUrl, expectResponse, modem, timeout, endSession, send, "
+        "language, wait, screenshot, quit, found ";
+    row("[{\"open\":true},\n  {\"back\" true}]",
+        "line 2, column 12: expected JSON, found: missing name separator");
+    row("", "line 1, column 1: expected JSON, found: illegal value");
+    row("{\"open\":true}", "expected an array of steps, found an object");
+    row("[{\"open\":true}, 5]", "step 2: " + oneStep + "5");
+    row("[{\"opn\":true}]", "step 1: " + oneStep + "{\"opn\":true}");
+    row("[{\"back\":true, \"open\":true}]",
+        "step 1: expected no field \"open\" beside \"back\", found it");
+    row("[{\"open\":true, \"by\":\"button\"}]",
+        "step 1: expected no field \"by\" beside \"open\", found it");
+    row("[{\"modem\":\"ready\", \"within\":5}]",
+        "step 1: expected no field \"within\" beside \"modem\", found it");
+
+    const QString time = "a whole number of milliseconds from 0 to 600000";
+    wrong("by", "\"mouse\"", "\"button\", \"doubleClick\" or \"return\"", "\"select\":\"a\",");
+    wrong("within", "-1", time, "\"open\":true,");
+    wrong("wait", "1.5", time);
+    wrong("wait", "1e+300", time);
+    wrong("back", "false", "true");
+    wrong("expectBusy", "\"yes\"", "true or false");
+    wrong("select", "\"\"", "a text that is not empty");
     const QString menu =
         "an object with \"title\" (text), \"items\" (texts) or \"back\" (true or false)";
-    const auto row = [](const char *name, const char *text, const QString &error) {
-        QTest::newRow(name) << QByteArray(text) << error;
-    };
-    row("no JSON", "[{\"open\":true},\n  {\"back\" true}]",
-        "line 2, column 12: expected JSON, found: missing name separator");
-    row("empty", "", "line 1, column 1: expected JSON, found: illegal value");
-    row("no array", "{\"open\":true}", "expected an array of steps, found an object");
-    row("no object", "[{\"open\":true}, 5]",
-        "step 2: expected an object with one of " + steps + ", found 5");
-    row("unknown step", "[{\"opn\":true}]",
-        "step 1: expected an object with one of " + steps + ", found {\"opn\":true}");
-    row("two steps", "[{\"back\":true, \"open\":true}]",
-        "step 1: expected no field \"open\" beside \"back\", found it");
-    row("unknown field", "[{\"open\":true, \"fast\":1}]",
-        "step 1: expected no field \"fast\" beside \"open\", found it");
-    row("by without select", "[{\"open\":true, \"by\":\"button\"}]",
-        "step 1: expected no field \"by\" beside \"open\", found it");
-    row("within at a step that does not wait", "[{\"modem\":\"ready\", \"within\":5}]",
-        "step 1: expected no field \"within\" beside \"modem\", found it");
-    row("unknown way", "[{\"select\":\"a\", \"by\":\"mouse\"}]",
-        "step 1: \"by\": expected \"button\", \"doubleClick\" or \"return\", found \"mouse\"");
-    row("negative time", "[{\"open\":true, \"within\":-1}]",
-        "step 1: \"within\": expected a whole number of milliseconds from 0 to 600000, found -1");
-    row("fraction of a millisecond", "[{\"wait\":1.5}]",
-        "step 1: \"wait\": expected a whole number of milliseconds from 0 to 600000, found 1.5");
-    row("endless", "[{\"wait\":1e300}]",
-        "step 1: \"wait\": expected a whole number of milliseconds from 0 to 600000, found 1e+300");
-    row("not true", "[{\"back\":false}]", "step 1: \"back\": expected true, found false");
-    row("text for a flag", "[{\"expectBusy\":\"yes\"}]",
-        "step 1: \"expectBusy\": expected true or false, found \"yes\"");
-    row("empty text", "[{\"select\":\"\"}]",
-        "step 1: \"select\": expected a text that is not empty, found \"\"");
-    row("empty menu", "[{\"expectMenu\":{}}]",
-        "step 1: \"expectMenu\": expected " + menu + ", found {}");
-    row("menu with a number", "[{\"expectMenu\":{\"items\":[\"a\",1]}}]",
-        "step 1: \"expectMenu\": expected " + menu + ", found {\"items\":[\"a\",1]}");
-    row("menu with an unknown field", "[{\"expectMenu\":{\"titel\":\"a\"}}]",
-        "step 1: \"expectMenu\": expected " + menu + ", found {\"titel\":\"a\"}");
-    row("unknown key", "[{\"key\":\"Sideways\"}]",
-        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found "
-        "\"Sideways\"");
-    row("two keys", "[{\"key\":\"Up, Down\"}]",
-        "step 1: \"key\": expected the name of one key, such as \"Down\" or \"Ctrl+A\", found "
-        "\"Up, Down\"");
-    row("modem", "[{\"modem\":\"broken\"}]",
-        "step 1: \"modem\": expected \"removed\" or \"ready\", found \"broken\"");
-    row("command", "[{\"send\":\"displayText\"}]",
-        "step 1: \"send\": expected a proactive command as in a card scenario, found "
-        "\"displayText\"");
-    row("language", "[{\"language\":\"xx\"}]",
-        "step 1: \"language\": expected a language: en, de, fr, es, zh_CN, ar, found \"xx\"");
-    row("picture outside the folder", "[{\"screenshot\":\"../x\"}]",
-        "step 1: \"screenshot\": expected a file name without folder, found \"../x\"");
+    for (const char *found : {"{}", "{\"items\":[\"a\",1]}", "{\"titel\":\"a\"}"})
+        wrong("expectMenu", found, menu);
+    const QString key = "the name of one key, such as \"Down\" or \"Ctrl+A\"";
+    wrong("key", "\"Sideways\"", key);
+    wrong("key", "\"Up, Down\"", key);
+    wrong("modem", "\"broken\"", "\"removed\" or \"ready\"");
+    wrong("send", "\"displayText\"", "a proactive command as in a card scenario");
+    wrong("language", "\"xx\"", "a language: en, de, fr, es, zh_CN, ar");
+    wrong("screenshot", "\"../x\"", "a file name without folder");
+    wrong("press", "\"Abort\"", "\"OK\", \"Cancel\", \"Yes\" or \"No\"");
+    const QString message = "an object with \"text\" (text) or \"buttons\" (texts), or false";
+    for (const char *found : {"true", "{}", "{\"buttons\":\"OK\"}"})
+        wrong("expectMessage", found, message);
+    wrong("expectInput", "{\"maxLength\":\"4\"}",
+          "an object with \"prompt\", \"text\" (texts), \"hidden\", \"ok\" (true or false) or "
+          "\"maxLength\" (number), or false");
+    for (const char *found : {"{\"valu\":1}", "{\"value\":1.5}", "{\"accepted\":1}"})
+        wrong("expectResponse", found, "an object of fields of a transcript's entry, or false");
+    wrong("expectTone", "-8", "a whole number from 0");
+    wrong("expectUrl", "true", "an address, or false");
 }
 
 void TestWalkthrough::refusesBadFiles()
@@ -131,6 +142,20 @@ void TestWalkthrough::refusesMissingFile()
     const QString name = m_folder.filePath("absent.json");
     QCOMPARE(walkthrough.load(name),
              name + ": expected a walkthrough, found no readable file: No such file or directory");
+}
+
+// What the menu offers must be what a card can send.
+void TestWalkthrough::everyCommandCanBeSent()
+{
+    const QString card = write(R"({"menu": {"title": "T", "items": [{"text": "a"}]}})");
+    QCOMPARE(CardHost::openScenario(QFile::encodeName(card).toStdString()), std::string());
+    QSet<QString> names;
+    for (const CardCommand &command : cardCommands()) {
+        QCOMPARE(CardHost::sendCommand(command.json), std::string());
+        names << QJsonDocument::fromJson(command.json).object()["command"].toString();
+    }
+    CardHost::closeCard();
+    QCOMPARE(names.size(), 13);
 }
 
 QTEST_GUILESS_MAIN(TestWalkthrough)

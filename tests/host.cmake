@@ -13,7 +13,7 @@ stk_qtest(NAME TestWalkthrough SOURCES TestWalkthrough.cpp LIBS ConnectionManage
 
 stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})
-add_dependencies(EndToEnd ConnectionManager STKPlugin)
+add_dependencies(EndToEnd ConnectionManager STKPlugin tones)
 
 # Plug-ins that the host must refuse.
 foreach(kind NewerQt OlderQt NoVerification NoInterfaces)

@@ -14,11 +14,13 @@ static QString storedTitle(const QString &title)
     return title;
 }
 
-// windowTitle() keeps the text as it was set, while the title bar would lose every "[*]".
+// windowTitle() keeps the text as it was set, while the title bar would lose every "[*]".  In place
+// of an empty title it would show the application's name: only a blank stays empty.
 static void showTitleAsTyped(QWidget *window)
 {
+    const QString title = window->windowTitle();
     if (window->windowHandle())
-        window->windowHandle()->setTitle(window->windowTitle());
+        window->windowHandle()->setTitle(title.isEmpty() ? QString(QChar::Nbsp) : title);
 }
 #else
 // The title bar cannot be reached: only a doubled placeholder is shown as typed.
