@@ -20,6 +20,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QPointer>
+#include <QThread>
 #include <QTimer>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -410,21 +411,54 @@ void setupCallAnswered(benchmark::State &state)
     }
 }
 
-/* The way there alone: the signal is emitted on a foreign thread and arrives on this one. */
-void bareQueuedSignal(benchmark::State &state)
-{
-    PlainSender sender;
-    ForeignThread thread;
-    Arrival arrival;
-    QObject::connect(&sender, SIGNAL(menuChanged()), &arrival, SLOT(take()));
-    for (auto _ : state) {
-        thread.post([&] {
-            arrival.start = Clock::now();
-            emit sender.menuChanged();
-        });
-        arrival.wait();
-        state.SetIterationTime(arrival.seconds);
+/* Sends a signal from its own thread to this one and takes the time when the echo is back. */
+class Pinger : public QObject {
+    Q_OBJECT
+public:
+    Clock::time_point start;
+    double seconds = 0;
+    QEventLoop loop;
+
+signals:
+    void ping();
+
+public slots:
+    void send()
+    {
+        start = Clock::now();
+        emit ping();
     }
+    void takeEcho()
+    {
+        seconds = secondsSince(start);
+        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
+    }
+};
+
+class Echo : public QObject {
+    Q_OBJECT
+signals:
+    void echo();
+};
+
+/* There and back by bare queued signals. */
+void bareRoundTrip(benchmark::State &state)
+{
+    QThread thread;
+    Pinger pinger;
+    Echo echo;
+    QObject::connect(&pinger, SIGNAL(ping()), &echo, SIGNAL(echo()));
+    QObject::connect(&echo, SIGNAL(echo()), &pinger, SLOT(takeEcho()));
+    pinger.moveToThread(&thread);
+    pinger.loop.moveToThread(QThread::currentThread());
+    thread.start();
+    for (auto _ : state) {
+        QMetaObject::invokeMethod(&pinger, "send", Qt::QueuedConnection);
+        pinger.loop.exec();
+        state.SetIterationTime(pinger.seconds);
+    }
+    thread.quit();
+    thread.wait();
 }
 
 /* Takes the time at which the first message box is painted, and closes its window. */
@@ -502,7 +536,7 @@ BENCHMARK(drawPlainTable)->UseManualTime()->Repetitions(5);
 BENCHMARK(showWindow)->UseManualTime()->Repetitions(5);
 BENCHMARK(showPlainDialog)->UseManualTime()->Repetitions(5);
 BENCHMARK(setupCallAnswered)->UseManualTime()->Repetitions(5);
-BENCHMARK(bareQueuedSignal)->UseManualTime()->Repetitions(5);
+BENCHMARK(bareRoundTrip)->UseManualTime()->Repetitions(5);
 BENCHMARK(displayTextPainted)->UseManualTime()->Repetitions(5);
 BENCHMARK(plainBoxPainted)->UseManualTime()->Repetitions(5);
 
@@ -549,7 +583,7 @@ int main(int argc, char **argv)
     medians.printRatio("drawing a main menu of 250 items", "drawMainMenu", "drawPlainTable", 1.5);
     medians.printRatio("ShowWindow to the first paint", "showWindow", "showPlainDialog", 2);
     medians.printRatio("Set Up Call, from the service's thread to the answer", "setupCallAnswered",
-                       "bareQueuedSignal", 3);
+                       "bareRoundTrip", 3);
     medians.printRatio("Display Text, from the service's thread to the first paint",
                        "displayTextPainted", "plainBoxPainted", 1.5);
     STKDialog::Destroy();

@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 
 #include "STKThread.h"
+#include "TraceLog.h"
 
 #define FILE_NAME "../../src/STKPlugin/STKThread"
 
@@ -57,6 +58,17 @@ private slots:
     {
         QCOMPARE(STKThread::TimeStamp(QTime(12, 34, 56, 789)), 123456);
         QCOMPARE(STKThread::TimeStamp(QTime(0, 0, 7)), 7);
+    }
+
+    void theTraceTellsTheTime()
+    {
+        const QDateTime start(QDate(2026, 3, 28), QTime(23, 59, 58)); // over midnight and a change of the clocks
+        for (qint64 at = start.toMSecsSinceEpoch(), end = at + 86400000; at < end; at += at % 7 ? 333 : 999983)
+            QCOMPARE(QString(TraceTime(at).constData()), QDateTime::fromMSecsSinceEpoch(at).toString("hh:mm:ss:zzz"));
+        const QTime before = QTime::currentTime();
+        const QTime now = QTime::fromString(TraceTime().constData(), "hh:mm:ss:zzz");
+        QVERIFY(now.isValid());
+        QVERIFY((before.msecsTo(now) + 86400000) % 86400000 < 5000);
     }
 
     void aThreadTracesItsLife()

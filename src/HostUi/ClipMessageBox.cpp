@@ -15,6 +15,7 @@ namespace {
 
 const int MinTextWidth = 220;
 const int MaxTextWidth = 420;
+const int MaxShortTextWidth = 300;
 
 /* Shows a text of any length whole: it wraps inside a word where it must, and scrolls what is
  * higher than two thirds of the screen. */
@@ -51,6 +52,12 @@ private:
     }
 };
 
+bool isShort(const QLabel *label, const QString &text)
+{
+    return !text.contains('\n') &&
+        label->fontMetrics().boundingRect(text).width() <= MaxShortTextWidth;
+}
+
 } // namespace
 
 ClipMessageBox::ClipMessageBox(QWidget *parent)
@@ -73,11 +80,15 @@ void ClipMessageBox::resizeEvent(QResizeEvent *event)
     emit changeSize(event->size());
 }
 
-/* The label of a message box neither breaks a long word nor scrolls: another widget takes its
- * place in the layout. */
+/* The label of a message box neither breaks a long word nor scrolls: for all but a short text
+ * another widget takes its place in the layout. */
 void ClipMessageBox::showWholeText()
 {
     QLabel *label = findChild<QLabel *>("qt_msgbox_label");
+    if (label && isShort(label, text())) {
+        label->setMinimumWidth(qMax(MinTextWidth, label->sizeHint().width()));
+        return;
+    }
     QGridLayout *grid = qobject_cast<QGridLayout *>(layout());
     const int index = label && grid ? grid->indexOf(label) : -1;
     if (index < 0 || findChild<MessageText *>())
