@@ -1,8 +1,28 @@
 #include "PluginTest.h"
 
-#include <QSignalSpy>
+#include <utility>
 
 #define FILE_NAME "../../src/STKPlugin/STKLogic"
+
+/* Takes down every signal of the logic, in the order and on the thread in which it is emitted. */
+class SignalRecord : public QObject
+{
+public:
+    explicit SignalRecord(STKLogic *logic)
+    {
+        for (int i = STKLogic::staticMetaObject.methodOffset(); i < STKLogic::staticMetaObject.methodCount(); ++i)
+            QMetaObject::connect(logic, i, this, QObject::staticMetaObject.methodCount() + i, Qt::DirectConnection);
+    }
+    int qt_metacall(QMetaObject::Call, int id, void **arguments) override
+    {
+        const QMetaMethod signal = STKLogic::staticMetaObject.method(id - QObject::staticMetaObject.methodCount());
+        const bool *const value = signal.parameterCount() ? static_cast<bool *>(arguments[1]) : nullptr;
+        emitted << signal.name() + (value ? *value ? "(true)" : "(false)" : "");
+        return -1;
+    }
+
+    QStringList emitted;
+};
 
 /* STKLogic on its own: no window, the callbacks fired from a foreign thread. */
 class TestSTKLogic : public PluginTest
@@ -10,21 +30,17 @@ class TestSTKLogic : public PluginTest
     Q_OBJECT
 
     STKLogic *logic;
-    QStringList emitted; /* the signals in the order in which they were emitted */
+    QScopedPointer<SignalRecord> signals_;
 
-    static QString start(const char *function)
-    {
-        return QString("Start of " FILE_NAME ": %1: TIME: ").arg(function);
-    }
-    static QString end(const char *function)
-    {
-        return QString("End of " FILE_NAME ": %1: TIME: ").arg(function);
-    }
+    QStringList emitted() { return std::exchange(signals_->emitted, QStringList()); }
 
-    template <typename Emit>
-    void record(Emit signal, const char *name)
+    /* The lines of one function from Start to End; "%" in a line stands for its three fields. */
+    static QStringList lines(const char *function, const QStringList &between, bool ends = true)
     {
-        connect(logic, signal, this, [this, name] { emitted << name; }, Qt::DirectConnection);
+        QStringList all = QStringList("Start of %") + between;
+        if (ends)
+            all << "End of %";
+        return all.replaceInStrings("%", QString(FILE_NAME ": %1: TIME: ").arg(function));
     }
 
 private slots:
@@ -32,27 +48,8 @@ private slots:
     {
         PluginTest::init();
         logic = STKLogic::CreateInstance();
+        signals_.reset(new SignalRecord(logic));
         STKLogic::RegisterSTKCB();
-        emitted.clear();
-        connect(logic, &STKLogic::DevAvailable, this,
-                [this](bool available) { emitted << (available ? "available" : "unavailable"); },
-                Qt::DirectConnection);
-        record(&STKLogic::STKSetupMenu, "STKSetupMenu");
-        record(&STKLogic::STKDisplayText, "STKDisplayText");
-        record(&STKLogic::STKGetInkey, "STKGetInkey");
-        record(&STKLogic::STKGetInput, "STKGetInput");
-        record(&STKLogic::STKSetupCall, "STKSetupCall");
-        record(&STKLogic::STKPlayTone, "STKPlayTone");
-        record(&STKLogic::STKSelItem, "STKSelItem");
-        record(&STKLogic::STKRefresh, "STKRefresh");
-        record(&STKLogic::STKSendSS, "STKSendSS");
-        record(&STKLogic::STKSendSMS, "STKSendSMS");
-        record(&STKLogic::STKSendUSSD, "STKSendUSSD");
-        record(&STKLogic::STKLaunchBrowser, "STKLaunchBrowser");
-        record(&STKLogic::STKSetupIdleModeText, "STKSetupIdleModeText");
-        record(&STKLogic::STKEndSession, "STKEndSession");
-        record(&STKLogic::ShowMainMenu, "ShowMainMenu");
-        record(&STKLogic::CloseInputDlg, "CloseInputDlg");
         modem.takeCalls();
         takeTrace();
     }
@@ -80,24 +77,20 @@ private slots:
 
     void registrationGoesOnAfterAFailure()
     {
-        modem.status["RegisterCallBack"] = -1;
-        modem.status["RegisterDevMgrCallback"] = -2;
-        modem.status["UnRegisterCallBack"] = -3;
-        modem.status["UnRegisterDevMgrCallback"] = -4;
+        for (const char *name : {"RegisterCallBack", "RegisterDevMgrCallback", "UnRegisterCallBack", "UnRegisterDevMgrCallback"})
+            modem.status[name] = -1;
         STKLogic::RegisterSTKCB();
         STKLogic::UnresgisterSTKCB();
         QCOMPARE(modem.takeCalls(), QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()",
                                                  "UnRegisterCallBack(same)", "UnRegisterDevMgrCallback(same)"}));
-        const QStringList trace = takeTrace();
-        QCOMPARE(trace.size(), 10);
-        QVERIFY(QRegularExpression("^MOVA_STK_RegisterCallBack called " FILE_NAME ": RegisterSTKCB: \\d+: $")
-                    .match(trace[1]).hasMatch());
-        QCOMPARE(trace[2], QString("MOVA_STK_RegisterCallBack failed " FILE_NAME ": RegisterSTKCB: TIME: "));
-        QVERIFY(QRegularExpression("^MOVA_DevSrv_RegisterDevMgrCallback failed " FILE_NAME
-                                   ": RegisterSTKCB: \\d+: $").match(trace[4]).hasMatch());
-        QCOMPARE(trace[7], QString("MOVA_STK_UnRegisterCallBack failed " FILE_NAME ": UnresgisterSTKCB: TIME: "));
-        QCOMPARE(trace[8],
-                 QString("MOVA_DevSrv_UnRegisterDevMgrCallback failed " FILE_NAME ": UnresgisterSTKCB: TIME: "));
+        const QString line(FILE_NAME ": RegisterSTKCB: LINE: ");
+        QStringList trace = takeTrace();
+        trace.replaceInStrings(QRegularExpression("RegisterSTKCB: \\d+: $"), "RegisterSTKCB: LINE: ");
+        QCOMPARE(trace, lines("RegisterSTKCB", {"MOVA_STK_RegisterCallBack called " + line, "MOVA_STK_RegisterCallBack failed %",
+                                                "MOVA_DevSrv_RegisterDevMgrCallback called " + line,
+                                                "MOVA_DevSrv_RegisterDevMgrCallback failed " + line})
+                     + lines("UnresgisterSTKCB", {"MOVA_STK_UnRegisterCallBack failed %",
+                                                  "MOVA_DevSrv_UnRegisterDevMgrCallback failed %"}));
     }
 
     void everyTypeHasItsSignal_data()
@@ -119,7 +112,7 @@ private slots:
         QFETCH(int, type);
         QFETCH(QString, signal);
         QCOMPARE(modem.notify(type, 4), 0);
-        QCOMPARE(emitted.join(" "), signal);
+        QCOMPARE(emitted().join(" "), signal);
         QCOMPARE(modem.takeCalls(), QStringList());
         QVERIFY(takeTrace().contains(
             QString("enStkType value is %1,  " FILE_NAME ": stkEventSwitchCase: TIME: ").arg(type)));
@@ -129,25 +122,21 @@ private slots:
     void aNullNotificationOnlyRaisesTheResponseFlag()
     {
         logic->UpdateCBReturnVal(false);
-        takeTrace();
+        QCOMPARE(takeTrace(), lines("UpdateCBReturnVal", {"Updated vale is 0, %"}));
         QCOMPARE(modem.notifyNull(), 0);
-        QCOMPARE(takeTrace(), QStringList({start("OnSTKEventCB"), "pNotifyData is null " FILE_NAME
-                                                                  ": OnSTKEventCB: TIME: "}));
+        QCOMPARE(takeTrace(), lines("OnSTKEventCB", {"pNotifyData is null %"}, false));
         QVERIFY(logic->GetResponseVar());
-        QCOMPARE(emitted, QStringList());
-        QCOMPARE(modem.takeCalls(), QStringList());
+        QCOMPARE(takeTrace(), QStringList("Start of with m_bRespondence  value= 1, " FILE_NAME ": GetResponseVar: TIME: "));
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList());
     }
 
     void aTimeOutClosesTheInputAndShowsTheMenu()
     {
         logic->UpdateCBReturnVal(false);
-        takeTrace();
         modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 9, 1);
-        QCOMPARE(emitted, QStringList({"CloseInputDlg", "STKSetupMenu"}));
-        QCOMPARE(modem.takeCalls(), QStringList());
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"CloseInputDlg", "STKSetupMenu"}));
         QVERIFY(takeTrace().contains("STK TimeOut " FILE_NAME ": OnSTKEventCB: TIME: "));
-        // Only 1 is a time-out; and the identifier came along with it.
-        modem.notify(MOVA_STKTYPE_GET_INPUT, 10, 2);
+        modem.notify(MOVA_STKTYPE_GET_INPUT, 10, 2); // only 1 is a time-out
         QCOMPARE(modem.takeCalls(), QStringList("SendNoDataResponse(10,3,0)"));
     }
 
@@ -156,22 +145,15 @@ private slots:
         logic->UpdateCBReturnVal(false);
         takeTrace();
         modem.notify(55, -3);
-        QCOMPARE(emitted, QStringList("ShowMainMenu"));
-        QCOMPARE(modem.takeCalls(), QStringList("SendNoDataResponse(-3,55,0)"));
-        QCOMPARE(takeTrace(),
-                 QStringList({start("OnSTKEventCB"), start("stkEventSwitchCase"),
-                              "enStkType value is 55,  " FILE_NAME ": stkEventSwitchCase: TIME: ",
-                              end("stkEventSwitchCase"), "m_bRet is false " FILE_NAME ": OnSTKEventCB: TIME: ",
-                              end("OnSTKEventCB")}));
-        // The verdict stands until a handler changes it, and a failing answer is only traced.
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"ShowMainMenu", "SendNoDataResponse(-3,55,0)"}));
+        const QString dispatched = lines("stkEventSwitchCase", {"enStkType value is 55,  %"}).join("|");
+        QCOMPARE(takeTrace().join("|"), lines("OnSTKEventCB", {dispatched, "m_bRet is false %"}).join("|"));
+        // It stands until a handler changes it, and a failing answer is only traced.
         modem.status["SendNoDataResponse"] = -1;
-        emitted.clear();
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 32767);
-        QCOMPARE(emitted, QStringList({"STKSetupMenu", "ShowMainMenu"}));
-        QCOMPARE(modem.takeCalls(), QStringList("SendNoDataResponse(32767,0,0)"));
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"STKSetupMenu", "ShowMainMenu", "SendNoDataResponse(32767,0,0)"}));
         QVERIFY(takeTrace().contains("MOVA_STKSrv_SendNoDataResponse Failed " FILE_NAME ": OnSTKEventCB: TIME: "));
         logic->UpdateCBReturnVal(true);
-        QVERIFY(takeTrace().contains("Updated vale is 1, " FILE_NAME ": UpdateCBReturnVal: TIME: "));
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 1);
         QCOMPARE(modem.takeCalls(), QStringList());
     }
@@ -180,7 +162,7 @@ private slots:
     {
         for (int code : {6601, 6602, 6603, 6600, 6604, 0, -1})
             QCOMPARE(modem.device(code), 1);
-        QCOMPARE(emitted, QStringList({"unavailable", "available", "unavailable"}));
+        QCOMPARE(emitted(), QStringList({"DevAvailable(false)", "DevAvailable(true)", "DevAvailable(false)"}));
     }
 
     void callbacksWithoutAnInstanceTouchNothing()
@@ -196,42 +178,20 @@ private slots:
         QVERIFY(!logic->GetResponseVar());
     }
 
-    void theResponseFlagIsTraced()
-    {
-        logic->SetResponseVar(true);
-        QCOMPARE(takeTrace(), QStringList({start("SetResponseVar"), end("SetResponseVar")}));
-        QVERIFY(logic->GetResponseVar());
-        QCOMPARE(takeTrace(), QStringList("Start of with m_bRespondence  value= 1, " FILE_NAME
-                                          ": GetResponseVar: TIME: "));
-    }
-
     void menus_data()
     {
         QTest::addColumn<bool>("sub");
-        QTest::addColumn<QStringList>("calls");
-        QTest::addColumn<QStringList>("trace");
-        QTest::newRow("main") << false << QStringList({"GetMainMenu()", "ReleaseMenus()"})
-                              << QStringList({start("GetMainMenu"),
-                                              "Calling  MOVA_STKSrv_GetMainMenu()" FILE_NAME ": GetMainMenu: TIME: ",
-                                              "MOVA_STKSrv_GetMainMenu() Returned = 0: " FILE_NAME
-                                              ": GetMainMenu: TIME: ",
-                                              "Calling  MOVA_STKSrv_ReleaseMenus()" FILE_NAME ": GetMainMenu: TIME: ",
-                                              "MOVA_STKSrv_ReleaseMenus() failed : " FILE_NAME ": GetMainMenu: TIME: ",
-                                              end("GetMainMenu")});
-        QTest::newRow("sub") << true << QStringList({"GetSubMenu(21)", "ReleaseSubMenus()"})
-                             << QStringList({start("GetSubMenu"),
-                                             "Calling  MOVA_STKSrv_GetSubMenu()" FILE_NAME ": GetSubMenu: TIME: ",
-                                             "MOVA_STKSrv_GetSubMenu() Returned = 0: " FILE_NAME ": GetSubMenu: TIME: ",
-                                             "Calling  MOVA_STKSrv_ReleaseSubMenus()" FILE_NAME ": GetSubMenu: TIME: ",
-                                             "MOVA_STKSrv_ReleaseSubMenus() failed : " FILE_NAME ": GetSubMenu: TIME: ",
-                                             end("GetSubMenu")});
+        QTest::newRow("main") << false;
+        QTest::newRow("sub") << true;
     }
 
     void menus()
     {
         QFETCH(bool, sub);
-        QFETCH(QStringList, calls);
-        QFETCH(QStringList, trace);
+        const char *const function = sub ? "GetSubMenu" : "GetMainMenu";
+        const QString release = sub ? "ReleaseSubMenus" : "ReleaseMenus";
+        const QStringList calls({QString(function) + (sub ? "(21)" : "()"), release + "()"});
+        QStringList between({QString("Calling  MOVA_STKSrv_%1()%").arg(function), QString("MOVA_STKSrv_%1() Returned = 0: %").arg(function)});
         const QString whole(256, QChar(0x416)); // fills an item's array: no zero at its end
         const QString wholeTitle(sub ? 257 : 256, QChar('t'));
         QList<StkItemClass> list;
@@ -242,42 +202,36 @@ private slots:
         const auto get = [&] { return sub ? logic->GetSubMenu(&menu) : logic->GetMainMenu(&menu); };
         modem.mainTitle = modem.subTitle = wholeTitle;
         modem.mainItems = modem.subItems = {{-1, "<b>x</b>"}, {32767, whole}, {-32768, QString::fromUtf8("\xF0\x9F\x98\x80")}};
-        modem.status["ReleaseMenus"] = modem.status["ReleaseSubMenus"] = -5;
+        modem.status[release.toStdString()] = -5;
         modem.notify(MOVA_STKTYPE_SELECT_ITEM, 21);
         takeTrace();
 
         QVERIFY(get());
-        QCOMPARE(takeTrace(), trace);
+        QCOMPARE(takeTrace(), lines(function, between + QStringList({"Calling  MOVA_STKSrv_" + release + "()%",
+                                                                     "MOVA_STKSrv_" + release + "() failed : %"})));
         QCOMPARE(modem.takeCalls(), calls);
         QCOMPARE(menu.strTitle, wholeTitle);
         QCOMPARE(list.size(), 3);
-        QCOMPARE(list[0].nItemId, -1);
-        QCOMPARE(list[0].strItemText, QString("<b>x</b>"));
-        QCOMPARE(list[1].nItemId, 32767);
-        QCOMPARE(list[1].strItemText, whole);
-        QCOMPARE(list[2].strItemText, QString::fromUtf8("\xF0\x9F\x98\x80"));
-
-        for (int count : {0, -3}) {
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(list[i].nItemId, int(modem.mainItems[i].id));
+            QCOMPARE(list[i].strItemText, modem.mainItems[i].text);
+        }
+        for (int count : {0, -3, 5}) {
             modem.itemCountOverride = count;
+            modem.nullItems = count == 5;
             QVERIFY(get());
             QCOMPARE(list.size(), 0);
             QCOMPARE(menu.strTitle, wholeTitle);
             QCOMPARE(modem.takeCalls(), calls);
         }
-        modem.itemCountOverride = 5;
-        modem.nullItems = true;
-        QVERIFY(get());
-        QCOMPARE(list.size(), 0);
-        QCOMPARE(modem.takeCalls(), calls);
-
         list << StkItemClass{1, "old"};
-        modem.status["GetMainMenu"] = modem.status["GetSubMenu"] = -7;
+        modem.status[function] = -7;
         takeTrace();
         QVERIFY(!get());
         QVERIFY(menu.strTitle.isNull());
         QCOMPARE(list.size(), 0);
         QCOMPARE(modem.takeCalls(), calls.mid(0, 1));
-        QCOMPARE(takeTrace(), QStringList({trace[0], trace[1], QString(trace[2]).replace("= 0", "= -7")}));
+        QCOMPARE(takeTrace(), lines(function, between.replaceInStrings("= 0", "= -7"), false));
     }
 
     void selections_data()
@@ -302,19 +256,16 @@ private slots:
         QFETCH(QString, call);
         const bool main = action.isNull();
         const QString name = main ? "SelectMenuItem" : "SelectSubMenuItem";
-        const QString function = main ? "SelectMainMenuItem" : "SelectSubMenuItem";
         modem.notify(MOVA_STKTYPE_SELECT_ITEM, 21);
         modem.status[name.toStdString()] = status;
         takeTrace();
         QCOMPARE(main ? logic->SelectMainMenuItem(index) : logic->SelectSubMenuItem(action, index), status == 0);
         QCOMPARE(modem.takeCalls(), QStringList(call));
-        const QString tail = " " FILE_NAME ": " + function + ": TIME: ";
-        QStringList trace(start(function.toLatin1()));
-        trace << QString("Calling  MOVA_STKSrv_%1(%2)").arg(name).arg(index) + tail
-              << QString("MOVA_STKSrv_%1() returned %2:").arg(name).arg(status) + tail;
+        QStringList between(QString("Calling  MOVA_STKSrv_%1(%2) %").arg(name).arg(index));
+        between << QString("MOVA_STKSrv_%1() returned %2: %").arg(name).arg(status);
         if (status == 0)
-            trace << QString("MOVA_STKSrv_%1() success :").arg(name) + tail;
-        QCOMPARE(takeTrace(), trace << end(function.toLatin1()));
+            between << QString("MOVA_STKSrv_%1() success : %").arg(name);
+        QCOMPARE(takeTrace(), lines(main ? "SelectMainMenuItem" : "SelectSubMenuItem", between));
     }
 
     void details()
@@ -416,9 +367,8 @@ private slots:
         StkInKeyRequest request = {"kept", 42, 42, 42, 42, 42, 42, "kept"};
         takeTrace();
         QVERIFY(!logic->GetPlayTone(&tone));
-        QCOMPARE(takeTrace(),
-                 QStringList({start("GetPlayTone"), "Calling MOVA_STKSrv_GetPlayTone(): " FILE_NAME ": GetPlayTone: TIME: ",
-                              "MOVA_STKSrv_GetPlayTone() returned -6: " FILE_NAME ": GetPlayTone: TIME: "}));
+        QCOMPARE(takeTrace(), lines("GetPlayTone", {"Calling MOVA_STKSrv_GetPlayTone(): %",
+                                                    "MOVA_STKSrv_GetPlayTone() returned -6: %"}, false));
         QVERIFY(!logic->GetIdleModePrompt(&text) && !logic->GetLaunchBrowser(&browser)
                 && !logic->GetInKeyRquest(&request) && !logic->GetInputRequest(&request)
                 && !logic->GetPromptText(&text, &mode, &duration) && !logic->GetRefreshInfo());
@@ -434,12 +384,9 @@ private slots:
         takeTrace();
         const QString smile = QString::fromUtf8("a\xF0\x9F\x98\x80");
         QVERIFY(logic->CallStkAnswerInput("STK_TYPE_OK", smile));
-        QCOMPARE(takeTrace(),
-                 QStringList({start("CallStkAnswerInput"),
-                              "Calling MOVA_STKSrv_AnswerInput(" + smile + "): " FILE_NAME ": CallStkAnswerInput: TIME: ",
-                              "MOVA_STKSrv_AnswerInKey() returned 0: " FILE_NAME ": CallStkAnswerInput: TIME: ",
-                              "MOVA_STKSrv_AnswerInput() success: " FILE_NAME ": CallStkAnswerInput: TIME: ",
-                              end("CallStkAnswerInput")}));
+        QCOMPARE(takeTrace(), lines("CallStkAnswerInput", {"Calling MOVA_STKSrv_AnswerInput(" + smile + "): %",
+                                                           "MOVA_STKSrv_AnswerInKey() returned 0: %",
+                                                           "MOVA_STKSrv_AnswerInput() success: %"}));
         QVERIFY(logic->CallStkAnswerInput("stk_type_ok", "x"));
         QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_OK", "1"));
         QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_CANCEL", ""));
@@ -448,8 +395,8 @@ private slots:
         QVERIFY(!logic->CallStkAnswerInKey("STK_TYPE_OK", "") && !logic->CallStkAnswerInput("STK_TYPE_OK", ""));
         takeTrace();
         QVERIFY(!logic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_SUCCESS));
-        QCOMPARE(takeTrace().last(), QString("MOVA_STKSrv_SendNoDataResponse() returned 1: " FILE_NAME
-                                             ": SendNoDataResponse: TIME: "));
+        QCOMPARE(takeTrace(), lines("SendNoDataResponse", {"Calling MOVA_STKSrv_SendNoDataResponse(): %",
+                                                           "MOVA_STKSrv_SendNoDataResponse() returned 1: %"}, false));
         QCOMPARE(modem.takeCalls(),
                  QStringList({"AnswerInput(12,1," + smile + ")", "AnswerInput(12,0,x)", "AnswerInKey(12,1,1)",
                               "AnswerInKey(12,0,)", "SendNoDataResponse(12,4,4)", "AnswerInKey(12,1,)",
