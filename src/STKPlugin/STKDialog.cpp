@@ -31,6 +31,7 @@ const int FRAME_WIDGET_TYPE = 1, MESSAGE_WIDGET_TYPE = 4;
 const int FRAME_WIDTH = 380, FRAME_HEIGHT = 357;
 const int TABLE_WIDTH = 345, TABLE_HEIGHT = 250;
 const int ROW_HEIGHT = 17;
+const int LONG_ITEM_LENGTH = 40; /* characters; a longer text may not fit its row */
 const int DEVICE_TIMER_MS = 100;
 const int THREAD_STOP_SECONDS = 5;
 const int WAIT_AFTER_MENU_CHOICE = 20,
@@ -39,6 +40,13 @@ const int COUNTDOWN_MS = 1000, DEFAULT_TEXT_SECONDS = 3;
 const int INPUT_TYPE_YES_NO = 1;
 const int FALLBACK_TONE = 8; /* ringing, ETSI TS 102 223 clause 8.16 */
 const char HOST_CONTEXT[] = "LuminePlugin"; /* where the host keeps the texts of its own buttons */
+
+/* A tool tip takes what looks like markup for markup, unless all of it is. */
+QString PlainToolTip(QString strText)
+{
+    strText.replace('&', "&amp;").replace('<', "&lt;").replace('\n', "<br/>");
+    return "<qt>" + strText + "</qt>";
+}
 
 StkInKeyRequest EmptyRequest()
 {
@@ -492,7 +500,10 @@ void STKDialog::fillTable(const StkMenuItems &menu)
     for (int i = 0; i < menu.itemList->count(); ++i) {
         const StkItemClass &item = menu.itemList->at(i);
         qDebug("Item name = %s, Index=%d", item.strItemText.toUtf8().constData(), item.nItemId);
-        m_pTableWidget->setItem(i, 0, new QTableWidgetItem(item.strItemText));
+        QTableWidgetItem *const pCell = new QTableWidgetItem(item.strItemText);
+        if (item.strItemText.length() > LONG_ITEM_LENGTH)
+            pCell->setToolTip(PlainToolTip(item.strItemText));
+        m_pTableWidget->setItem(i, 0, pCell);
         m_pTableWidget->setRowHeight(i, ROW_HEIGHT);
     }
 }

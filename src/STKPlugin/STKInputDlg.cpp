@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegExpValidator>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -228,10 +230,34 @@ void STKInputDlg::ShowStkInputDlg(QWidget *parent)
         m_pLineEditInput->grabKeyboard();
     }
     m_pExtendDlg->setFixedSize(FRAME_WIDTH, FRAME_HEIGHT);
+    fitPrompt();
     m_pExtendDlg->setWindowModality(Qt::WindowModal);
     m_pExtendDlg->setAttribute(Qt::WA_DeleteOnClose);
     m_pExtendDlg->exec();
     TRACE_END();
+}
+
+/* The window has one size, a prompt may have any length: one that is too long for it scrolls. */
+void STKInputDlg::fitPrompt()
+{
+    QBoxLayout *const pLayout =
+        m_pMainWidget ? qobject_cast<QBoxLayout *>(m_pMainWidget->layout()) : nullptr;
+    if (!pLayout || !m_pLabelText || pLayout->totalHeightForWidth(FRAME_WIDTH) <= FRAME_HEIGHT)
+        return;
+    QScrollArea *const pArea = new QScrollArea(m_pMainWidget);
+    pArea->setObjectName("STKPlugin_PromptArea");
+    pArea->setFrameShape(QFrame::NoFrame);
+    pArea->setFocusPolicy(Qt::NoFocus);
+    pArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    pArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    pArea->setWidgetResizable(true);
+    const int nBar = pArea->verticalScrollBar()->sizeHint().width();
+    pLayout->removeWidget(m_pLabelText);
+    m_pLabelText->setAlignment(Qt::AlignLeading | Qt::AlignTop);
+    m_pLabelText->setFixedWidth(INPUT_WIDTH - nBar);
+    pArea->setWidget(m_pLabelText);
+    pArea->setFixedWidth(INPUT_WIDTH);
+    pLayout->insertWidget(0, pArea);
 }
 
 void STKInputDlg::CloseDlg()

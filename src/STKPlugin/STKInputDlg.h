@@ -75,6 +75,7 @@ private:
     STKInputDlg();
     ~STKInputDlg();
 
+    void fitPrompt();
     bool sendAnswer(const QString &strResult, const QString &strAnswer);
 
     QPointer<STKInputExtendDlg> m_pExtendDlg;
