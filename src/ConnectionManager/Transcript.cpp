@@ -28,8 +28,7 @@ void Transcript::add(const CardHost::TranscriptEntry &entry)
         m_file.flush();
     }
     if (m_pending.isEmpty())
-        QMetaObject::invokeMethod(
-            this, [this] { deliver(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
     m_pending << entry;
 }
 
