@@ -22,11 +22,7 @@ std::u16string copied(const CommandText &text, size_t capacity)
 TEST(Text, FitsItsRecordAtAWholeCharacter)
 {
     const std::string emoji = "\xf0\x9f\x98\x80"; // U+1F600
-    const struct {
-        CommandText text;
-        size_t capacity;
-        std::u16string expected;
-    } rows[] = {
+    const std::tuple<CommandText, size_t, std::u16string> rows[] = {
         {{"", false}, 4, u""},
         {{"abc", false}, 4, u"abc"},
         {{"abcd", false}, 4, u"abc"},
@@ -40,9 +36,8 @@ TEST(Text, FitsItsRecordAtAWholeCharacter)
         {{"\xff\xc3", false}, 4, u"\ufffd\ufffd"}, // no character, and half a one
         {{"\xed\xa0\x80\xc0\x80", false}, 9, u"\ufffd\ufffd\ufffd"}, // a surrogate, a long zero
     };
-    for (const auto &row : rows) {
-        EXPECT_EQ(copied(row.text, row.capacity), row.expected) << row.text.utf8;
-    }
+    for (const auto &[text, capacity, expected] : rows)
+        EXPECT_EQ(copied(text, capacity), expected) << text.utf8;
 }
 
 TEST(Text, ComesBackFromUtf16)
@@ -54,8 +49,7 @@ TEST(Text, ComesBackFromUtf16)
 
 TEST(Text, StaysOnOneLine)
 {
-    EXPECT_EQ(oneLine("a\nb\tc\x1b[2J\xe2\x80\xa8\xc2\x85 é"),
-              "a\\nb\\tc\\u001b[2J\\u2028\\u0085 é");
+    EXPECT_EQ(oneLine("a\nb\tc\x1b[2J\xe2\x80\xa8\xc2\x85 é"), "a\\nb\\tc\\u001b[2J\\u2028\\u0085 é");
     EXPECT_EQ(shortened("12345", 5), "12345");
     EXPECT_EQ(shortened("123€56", 5), "123…");
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -13,16 +14,10 @@ namespace {
 constexpr int samplesPerMs = 48;
 const double pi = std::acos(-1.0);
 
-/* A burst of one frequency, or silence (0 Hz). */
-struct Stretch {
-    int hertz;
-    int ms;
-};
-
 struct Expected {
     int number;
     int ms; // all of the tone
-    std::vector<Stretch> first;
+    std::vector<std::pair<int, int>> first; // bursts of one frequency in Hz, or silence (0), and their ms
 };
 
 // 1 to 8: 3GPP TS 22.001 annex F.
@@ -52,18 +47,13 @@ std::vector<int16_t> samplesOf(int number)
     return samples;
 }
 
-/* The amplitude of one frequency, by the Goertzel filter. */
+/* The amplitude of one frequency: its Fourier coefficient. */
 double amplitude(const int16_t *samples, int count, int hertz)
 {
-    const double turn = 2 * std::cos(2 * pi * hertz / (1000 * samplesPerMs));
-    double last = 0;
-    double beforeLast = 0;
-    for (int i = 0; i < count; ++i) {
-        const double now = samples[i] + turn * last - beforeLast;
-        beforeLast = last;
-        last = now;
-    }
-    return 2 * std::sqrt(last * last + beforeLast * beforeLast - turn * last * beforeLast) / count;
+    std::complex<double> sum;
+    for (int i = 0; i < count; ++i)
+        sum += std::polar<double>(samples[i], 2 * pi * hertz * i / (1000 * samplesPerMs));
+    return 2 * std::abs(sum) / count;
 }
 
 } // namespace
@@ -78,24 +68,23 @@ TEST(Tones, FollowTheirCadenceAndDoNotClick)
         EXPECT_NEAR(20 * std::log10(loudest / 32767.0), -12, 0.1);
         const int16_t *at = samples.data();
         int highest = 0;
-        for (const Stretch &stretch : tone.first) {
-            const int count = stretch.ms * samplesPerMs;
+        for (const auto &[hertz, ms] : tone.first) {
+            const int count = ms * samplesPerMs;
             const int edge = 10 * samplesPerMs; // half of it is soft
             // Silence is silent; a burst is of its frequency and sounds from end to end.
-            const double least = stretch.hertz ? 0.7 * loudest : 0;
-            EXPECT_GE(amplitude(at, edge, stretch.hertz), least);
-            EXPECT_GE(amplitude(at + count - edge, edge, stretch.hertz), least);
-            EXPECT_GE(amplitude(at, count, stretch.hertz), least * 1.3);
-            EXPECT_EQ(std::count(at, at + count, 0) == count, stretch.hertz == 0);
+            const double least = hertz ? 0.7 * loudest : 0;
+            EXPECT_GE(amplitude(at, edge, hertz), least);
+            EXPECT_GE(amplitude(at + count - edge, edge, hertz), least);
+            EXPECT_GE(amplitude(at, count, hertz), least * 1.3);
+            EXPECT_EQ(std::count(at, at + count, 0) == count, hertz == 0);
             at += count;
-            highest = std::max(highest, stretch.hertz);
+            highest = std::max(highest, hertz);
         }
         // A sample that leaves the curve bends it more than the highest tone does.
         const double bend = loudest * std::pow(2 * pi * highest / (1000 * samplesPerMs), 2);
         EXPECT_EQ(samples.front(), 0);
         EXPECT_EQ(samples.back(), 0);
         for (size_t i = 1; i + 1 < samples.size(); ++i)
-            ASSERT_LE(std::abs(samples[i - 1] - 2 * samples[i] + samples[i + 1]), 1.2 * bend + 2)
-                << "at sample " << i;
+            ASSERT_LE(std::abs(samples[i - 1] - 2 * samples[i] + samples[i + 1]), 1.2 * bend + 2) << "at sample " << i;
     }
 }
