@@ -122,11 +122,8 @@ TEST(ScenarioReader, TakesEveryNumberThatTheRecordsHold)
         "echo":2147483647,"minLength":-32768,"maxLength":32767,"option":2,"responseTime":5})");
     const auto &step = std::get<CommandStep>(script->lists[0].steps[0]);
     const auto &command = std::get<GetInput>(step.command.body);
-    EXPECT_EQ(command.inputType, INT32_MIN);
-    EXPECT_EQ(command.echo, INT32_MAX);
-    EXPECT_EQ(command.minLength, INT16_MIN);
-    EXPECT_EQ(command.maxLength, INT16_MAX);
-    EXPECT_EQ(command.option, 2);
+    EXPECT_EQ(std::tuple(command.inputType, command.echo, command.option), std::tuple(INT32_MIN, INT32_MAX, 2));
+    EXPECT_EQ(std::tuple(command.minLength, command.maxLength), std::tuple(INT16_MIN, INT16_MAX));
     EXPECT_EQ(step.command.responseTime, std::chrono::milliseconds(5));
     const auto refresh = readCommand(R"({"command":"refresh","qualifier":4,"files":"013f002fE2"})");
     const auto &body = std::get<CommandStep>(refresh->lists[0].steps[0]).command.body;
