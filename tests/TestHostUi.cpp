@@ -242,7 +242,10 @@ void TestHostUi::messageFrameFollowsItsBox()
 void TestHostUi::longTextsStayWhole_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::newRow("short") << QString("Thank you. Your new balance follows by message.");
+    QString line = "Thank you.";
+    while (QApplication::fontMetrics().horizontalAdvance(line) < 280)
+        line += 'x';
+    QTest::newRow("one line") << line;
     QTest::newRow("markup") << QString("<b>x</b>\n");
     QTest::newRow("one word") << QString(255, 'W');
     QTest::newRow("one character a line") << QString("x\n").repeated(127);
