@@ -12,6 +12,32 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
 
+struct TextRow
+{
+    int clearMode, duration, ticks;
+    QString way;
+    int response;
+};
+Q_DECLARE_METATYPE(TextRow)
+
+struct ToneRow
+{
+    QStringList files;
+    QString failing, played, trace;
+    bool handled;
+};
+Q_DECLARE_METATYPE(ToneRow)
+
+struct CommandRow
+{
+    int type;
+    QString failing;
+    QStringList calls;
+    bool handled;
+    QString trace;
+};
+Q_DECLARE_METATYPE(CommandRow)
+
 /* Each proactive command from the callback to the answer, and every way to leave it. */
 class TestCommands : public PluginTest
 {
@@ -25,8 +51,7 @@ class TestCommands : public PluginTest
     }
     static QAbstractButton *boxButton(const QString &text)
     {
-        const QList<QAbstractButton *> buttons = box()->findChildren<QAbstractButton *>();
-        for (QAbstractButton *button : buttons) {
+        for (QAbstractButton *button : box()->findChildren<QAbstractButton *>()) {
             if (button->text().startsWith(text))
                 return button;
         }
@@ -67,46 +92,53 @@ class TestCommands : public PluginTest
 
     void putText(const QString &text, int clearMode, int duration)
     {
-        FakeModemService::put(modem.promptText.szText, text);
-        modem.promptText.nClearMode = clearMode;
-        modem.promptText.usDuration = static_cast<uint16_t>(duration);
+        modem.promptText = {{}, clearMode, static_cast<uint16_t>(duration)};
+        modem.put(modem.promptText.szText, text);
+    }
+
+    QTemporaryDir libraries;
+    QString tone(const QString &name) const { return libraries.path() + "/plugins/STKPlugin/" + name; }
+
+    void putTones(const QStringList &names)
+    {
+        ui.libraryPath = libraries.path();
+        QVERIFY(QDir(tone("")).removeRecursively() && QDir().mkpath(tone("")));
+        for (const QString &name : names)
+            QVERIFY(QFile(tone(name)).open(QIODevice::WriteOnly));
+    }
+
+    /* The intervals of the running timers. */
+    static QList<int> ticking(STKDialog *dialog)
+    {
+        QList<int> intervals;
+        for (QTimer *timer : dialog->findChildren<QTimer *>()) {
+            if (timer->isActive())
+                intervals << timer->interval();
+        }
+        return intervals;
     }
 
 private slots:
     void displayText_data()
     {
-        QTest::addColumn<int>("clearMode");
-        QTest::addColumn<int>("duration");
-        QTest::addColumn<int>("ticks");
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<QString>("answer");
-        const auto row = [](const char *name, int mode, int duration, int ticks, const char *way,
-                            int response) {
-            QTest::newRow(name) << mode << duration << ticks << way
-                                << QString("SendNoDataResponse(31,1,%1)").arg(response);
-        };
-        row("OK", 1, 0, 0, "IDS_OK", 1);
-        row("Cancel", 1, 9, 0, "IDS_CANCEL", 0);
-        row("title bar", 5, 0, 0, "close", 0);
-        row("escape", 1, 0, 0, "escape", 0);
-        row("countdown, OK", 0, 5, 2, "IDS_OK", 1);
-        row("countdown, Cancel", 0, 5, 2, "IDS_CANCEL", 0);
-        row("countdown, title bar", 0, 5, 4, "close", 0);
-        row("clears itself", 0, 5, 5, "", 1);
-        row("clears itself after one", 0, 1, 1, "", 1);
-        row("clears itself after three by default", 0, 0, 3, "", 1);
+        QTest::addColumn<TextRow>("row");
+        QTest::newRow("OK") << TextRow{1, 0, 0, "IDS_OK", 1};
+        QTest::newRow("Cancel") << TextRow{1, 9, 0, "IDS_CANCEL", 0};
+        QTest::newRow("title bar") << TextRow{5, 0, 0, "close", 0};
+        QTest::newRow("escape") << TextRow{1, 0, 0, "escape", 0};
+        QTest::newRow("countdown, OK") << TextRow{0, 5, 2, "IDS_OK", 1};
+        QTest::newRow("countdown, Cancel") << TextRow{0, 5, 2, "IDS_CANCEL", 0};
+        QTest::newRow("countdown, title bar") << TextRow{0, 5, 4, "close", 0};
+        QTest::newRow("clears itself") << TextRow{0, 5, 5, "", 1};
+        QTest::newRow("clears itself after one") << TextRow{0, 1, 1, "", 1};
+        QTest::newRow("clears itself after three by default") << TextRow{0, 0, 3, "", 1};
     }
 
     void displayText()
     {
-        QFETCH(int, clearMode);
-        QFETCH(int, duration);
-        QFETCH(int, ticks);
-        QFETCH(QString, way);
-        QFETCH(QString, answer);
+        QFETCH(TextRow, row);
         STKDialog *const dialog = show();
-        putText("<b>x</b> <GO-BACKWARDS>", clearMode, duration);
-        const int seconds = duration ? duration : 3;
+        putText("<b>x</b> <GO-BACKWARDS>", row.clearMode, row.duration);
         for (int round = 0; round < 2; ++round) { // a second text starts from the beginning
             present(MOVA_STKTYPE_DISPLAY_TEXT, 31, [&] {
                 QMessageBox *const message = box()->findChild<QMessageBox *>();
@@ -115,23 +147,18 @@ private slots:
                 QCOMPARE(box()->windowModality(), Qt::WindowModal);
                 QCOMPARE(message->buttonRole(boxButton("LuminePlugin:IDS_OK")), QMessageBox::YesRole);
                 QCOMPARE(message->defaultButton(), boxButton("LuminePlugin:IDS_CANCEL"));
-                QTimer *countdown = nullptr;
-                for (QTimer *timer : dialog->findChildren<QTimer *>())
-                    countdown = timer->isActive() ? timer : countdown;
-                QCOMPARE(countdown != nullptr, clearMode == 0);
-                if (countdown)
-                    QCOMPARE(countdown->interval(), 1000);
-                for (int tick = 0; tick < ticks; ++tick) {
+                QCOMPARE(ticking(dialog), row.clearMode == 0 ? QList<int>{1000} : QList<int>());
+                for (int tick = 0; tick < row.ticks; ++tick) {
                     const QPointer<QAbstractButton> ok = boxButton("LuminePlugin:IDS_OK");
                     QVERIFY(dialog->m_pTimeMsgDlg->isVisible());
                     dialog->onMessageTimeOut();
-                    QCOMPARE(ok->text(), QString("LuminePlugin:IDS_OK = %1").arg(seconds - tick));
+                    QCOMPARE(ok->text(), QString("LuminePlugin:IDS_OK = %1").arg((row.duration ? row.duration : 3) - tick));
                 }
-                if (!way.isEmpty())
-                    leave(way);
+                if (!row.way.isEmpty())
+                    leave(row.way);
             });
             QVERIFY(!dialog->m_pTimeMsgDlg);
-            QCOMPARE(answers(), QStringList(answer));
+            QCOMPARE(answers(), QStringList(QString("SendNoDataResponse(31,1,%1)").arg(row.response)));
             QVERIFY(verdict());
         }
         dialog->onMessageTimeOut();
@@ -166,8 +193,7 @@ private slots:
             dialog->onMessageTimeOut();
             const QPointer<QDialog> first = box();
             putText("second", 1, 0);
-            modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 2);
-            deliver();
+            send(MOVA_STKTYPE_DISPLAY_TEXT, 2);
             QCOMPARE(answers(), QStringList("SendNoDataResponse(2,1,0)"));
             QVERIFY(verdict());
             QCOMPARE(box(), first.data());
@@ -185,72 +211,45 @@ private slots:
 
     void playTone_data()
     {
-        QTest::addColumn<QStringList>("files");
-        QTest::addColumn<QString>("failing");
-        QTest::addColumn<QString>("played");
-        QTest::addColumn<QStringList>("answer");
-        QTest::addColumn<bool>("handled");
-        QTest::addColumn<QString>("trace");
-        const QStringList success("SendNoDataResponse(6,5,1)");
         const QStringList both({"tone_3", "tone_8"});
-        QTest::newRow("its own") << both << "" << "tone_3" << success << true << "";
-        QTest::newRow("the fallback") << QStringList("tone_8") << "" << "tone_8" << success << true << "";
-        QTest::newRow("none") << QStringList() << "" << "" << QStringList() << false
-                              << "Sound file does not exists " FILE_NAME ": onSTKPlayTone: TIME: ";
-        QTest::newRow("unreadable") << both << "GetPlayTone" << "" << QStringList() << false
-                                    << "GetPlayTone() failed " FILE_NAME ": onSTKPlayTone: TIME: ";
-        QTest::newRow("not playable") << both << "Play" << "tone_3" << success << true
-                                      << "Playing failed " FILE_NAME ": playTone: TIME: ";
-        QTest::newRow("answer refused") << both << "SendNoDataResponse" << "tone_3" << success << true
-                                        << "SendNoDataResponse Failed of " FILE_NAME ": onSTKPlayTone: TIME: ";
+        QTest::addColumn<ToneRow>("row");
+        QTest::newRow("its own") << ToneRow{both, "", "tone_3", "", true};
+        QTest::newRow("the fallback") << ToneRow{{"tone_8"}, "", "tone_8", "", true};
+        QTest::newRow("none") << ToneRow{{}, "", "", "Sound file does not exists %1: onSTKPlayTone: TIME: ", false};
+        QTest::newRow("unreadable")
+            << ToneRow{both, "GetPlayTone", "", "GetPlayTone() failed %1: onSTKPlayTone: TIME: ", false};
+        QTest::newRow("not playable") << ToneRow{both, "Play", "tone_3", "Playing failed %1: playTone: TIME: ", true};
+        QTest::newRow("answer refused") << ToneRow{
+            both, "SendNoDataResponse", "tone_3", "SendNoDataResponse Failed of %1: onSTKPlayTone: TIME: ", true};
     }
 
     void playTone()
     {
-        QFETCH(QStringList, files);
-        QFETCH(QString, failing);
-        QFETCH(QString, played);
-        QFETCH(QStringList, answer);
-        QFETCH(bool, handled);
-        QFETCH(QString, trace);
-        QTemporaryDir folder;
-        QDir(folder.path()).mkpath("plugins/STKPlugin");
-        for (const QString &name : files)
-            QVERIFY(QFile(folder.path() + "/plugins/STKPlugin/" + name).open(QIODevice::WriteOnly));
-        ui.libraryPath = folder.path();
-        ui.soundPlays = failing != "Play";
+        QFETCH(ToneRow, row);
+        putTones(row.files);
+        ui.soundPlays = row.failing != "Play";
         modem.playTone.nTone = 3;
         modem.playTone.usDuration = 60;
         STKDialog *const dialog = show();
-        modem.status[failing.toStdString()] = -1;
         for (int round = 0; round < 2; ++round) { // a second tone replaces the first
             ui.soundsPlayed.clear();
-            modem.notify(MOVA_STKTYPE_PLAY_TONE, 6);
-            deliver();
-            QCOMPARE(answers(), answer);
-            QCOMPARE(ui.soundsPlayed.join(" "),
-                     played.isEmpty() ? QString() : folder.path() + "/plugins/STKPlugin/" + played);
-            if (!trace.isEmpty())
-                QVERIFY(takeTrace().contains(trace));
-            modem.status.erase("SendNoDataResponse");
-            QCOMPARE(verdict(), handled);
-            modem.status[failing.toStdString()] = -1;
+            modem.status[row.failing] = -1;
+            send(MOVA_STKTYPE_PLAY_TONE, 6);
+            QCOMPARE(answers(), row.handled ? QStringList("SendNoDataResponse(6,5,1)") : QStringList());
+            QCOMPARE(ui.soundsPlayed, row.played.isEmpty() ? QStringList() : QStringList(tone(row.played)));
+            QVERIFY(row.trace.isEmpty() || takeTrace().contains(row.trace.arg(FILE_NAME)));
+            modem.status.remove("SendNoDataResponse");
+            QCOMPARE(verdict(), row.handled);
         }
-        const auto ticking = [dialog] {
-            int count = 0;
-            for (QTimer *timer : dialog->findChildren<QTimer *>())
-                count += timer->isActive() && timer->interval() == 60000;
-            return count;
-        };
-        QCOMPARE(ticking(), played.isEmpty() ? 0 : 1);
+        QCOMPARE(ticking(dialog), row.handled ? QList<int>{60000} : QList<int>());
         if (ui.playing) {
             QPointer<ClipSound> sound = ui.playing;
-            if (files.size() == 2)
+            if (row.files.size() == 2)
                 dialog->onSTKPlayToneTimeOut();
             else
                 ui.finishSound();
             QVERIFY(!sound && !ui.playing);
-            QCOMPARE(ticking(), 0);
+            QCOMPARE(ticking(dialog), QList<int>());
             dialog->onPlayingFinished();
             dialog->onSTKPlayToneTimeOut();
         }
@@ -260,82 +259,53 @@ private slots:
     {
         STKDialog *const dialog = STKDialog::Instance();
         modem.takeCalls();
-        modem.notify(MOVA_STKTYPE_PLAY_TONE, 6);
-        deliver();
+        send(MOVA_STKTYPE_PLAY_TONE, 6);
         QCOMPARE(modem.takeCalls(), QStringList());
         QVERIFY(takeTrace().contains("Logic/timer instance is null " FILE_NAME ": onSTKPlayTone: TIME: "));
         dialog->playTone("");
         QCOMPARE(takeTrace(), QStringList({"End of " FILE_NAME ": playTone: TIME: ",
                                            "Filename is empty of " FILE_NAME ": playTone: TIME: "}));
         dialog->onPlayingFinished();
-        const QStringList trace = takeTrace();
-        QCOMPARE(trace.size(), 1);
-        QVERIFY(QRegularExpression("^Start of " FILE_NAME ": onPlayingFinished: \\d+: $")
-                    .match(trace[0]).hasMatch());
+        QCOMPARE(takeTrace().replaceInStrings(QRegularExpression("\\d+"), "LINE"),
+                 QStringList("Start of " FILE_NAME ": onPlayingFinished: LINE: "));
     }
 
-    void yesNo_data()
-    {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<int>("duration");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("answer");
-        QTest::newRow("yes") << "accept" << 0 << 0 << "AnswerInKey(14,1,1)";
-        QTest::newRow("no") << "reject" << 0 << 0 << "AnswerInKey(14,1,0)";
-        QTest::newRow("time limit") << "time" << 50 << 0 << "AnswerInKey(14,1,0)";
-        QTest::newRow("answer refused") << "accept" << 0 << -1 << "AnswerInKey(14,1,1)";
-    }
-
+    void yesNo_data() { addRows("way", {"accept", "reject", "time limit", "answer refused"}); }
     void yesNo()
     {
         QFETCH(QString, way);
-        QFETCH(int, duration);
-        QFETCH(int, status);
-        QFETCH(QString, answer);
         show();
-        ui.messageAnswer = 0;
-        modem.inKey.nInputType = 1;
-        modem.inKey.usDuration = static_cast<uint16_t>(duration);
-        FakeModemService::put(modem.inKey.szText, "<b>Sure?</b>");
-        modem.status["AnswerInKey"] = status;
+        ui.messageAnswer = QMessageBox::NoButton;
+        modem.inKey = {{}, 1, 0, static_cast<uint16_t>(way == "time limit" ? 50 : 0)};
+        modem.put(modem.inKey.szText, "<b>Sure?</b>");
+        modem.status["AnswerInKey"] = way == "answer refused" ? -1 : 0;
         present(MOVA_STKTYPE_GET_INKEY, 14, [&] {
             QCOMPARE(box()->objectName(), QString("message"));
-            if (way == "time")
+            if (way == "time limit")
                 QTRY_VERIFY(!box());
             else
-                QMetaObject::invokeMethod(box(), way.toLatin1());
+                way == "reject" ? box()->reject() : box()->accept();
         });
         QCOMPARE(ui.messages, QStringList("|<b>Sure?</b>|IDS_YES|IDS_NO|"));
-        QCOMPARE(answers(), QStringList(answer));
-        QCOMPARE(isBusy(), status == 0);
-        QCOMPARE(verdict(), status == 0);
+        QCOMPARE(answers(), QStringList(way[0] == 'a' ? "AnswerInKey(14,1,1)" : "AnswerInKey(14,1,0)"));
+        QCOMPARE(isBusy(), way != "answer refused");
+        QCOMPARE(verdict(), way != "answer refused");
     }
 
-    void inputOnTheMainWindow_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("inputType");
-        QTest::addColumn<QString>("answer");
-        QTest::newRow("a key") << int(MOVA_STKTYPE_GET_INKEY) << 0 << "AnswerInKey(15,1,7)";
-        QTest::newRow("a text") << int(MOVA_STKTYPE_GET_INPUT) << 0 << "AnswerInput(15,1,7)";
-        QTest::newRow("a text of type 1") << int(MOVA_STKTYPE_GET_INPUT) << 1 << "AnswerInput(15,1,7)";
-    }
-
+    void inputOnTheMainWindow_data() { addRows("what", {"a key", "a text", "a text of type 1"}); }
     void inputOnTheMainWindow()
     {
-        QFETCH(int, type);
-        QFETCH(int, inputType);
-        QFETCH(QString, answer);
+        QFETCH(QString, what);
+        const int type = what == "a key" ? MOVA_STKTYPE_GET_INKEY : MOVA_STKTYPE_GET_INPUT;
+        const QString answer = what == "a key" ? "AnswerInKey" : "AnswerInput";
         show();
-        modem.inKey.nInputType = modem.input.nInputType = inputType;
         modem.inKey.usDuration = 1;
-        modem.input.bEcho = 1;
-        modem.input.sMinLen = modem.input.sMaxLen = 1;
+        modem.input = {{}, what.endsWith("1") ? 1 : 0, 1, 1, 1, 0, {}};
         present(type, 15, [&] {
             QTest::keyClick(box()->findChild<QLineEdit *>(), Qt::Key_7);
             boxButton("STKPlugin:IDS_STK_BTN_OK")->click();
         });
-        QCOMPARE(answers(), QStringList(answer));
+        QCOMPARE(answers(), QStringList(answer + "(15,1,7)"));
         QVERIFY(isBusy());
         QVERIFY(verdict());
         modem.status["AnswerInKey"] = modem.status["AnswerInput"] = -1;
@@ -346,73 +316,57 @@ private slots:
         modem.status["GetInKeyRequest"] = modem.status["GetInputRequest"] = -1;
         present(type, 17, [] { QVERIFY(!box()); });
         QVERIFY(!verdict());
-        const QString trace = takeTrace().join("\n");
-        QVERIFY(trace.contains("GetInKeyRquest faied " FILE_NAME ": onSTKGetInkey: TIME: ")
-                || trace.contains("GetInputRequest failed " FILE_NAME ": onSTKGetInput: TIME: "));
+        QVERIFY(takeTrace().contains(what == "a key" ? "GetInKeyRquest faied " FILE_NAME ": onSTKGetInkey: TIME: "
+                                                     : "GetInputRequest failed " FILE_NAME ": onSTKGetInput: TIME: "));
         // A time-out of the card closes the window and answers Cancel.
         modem.status.clear();
         present(type, 18, [this, type] {
-            modem.notify(type, 18, 1);
-            deliver();
+            send(type, 18, 1);
             QVERIFY(!box());
         });
-        QCOMPARE(answers(), QStringList(answer.left(11) + "(18,0,)"));
+        QCOMPARE(answers(), QStringList(answer + "(18,0,)"));
     }
 
     void commandsWithoutAWindow_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("failing");
-        QTest::addColumn<QStringList>("calls");
-        QTest::addColumn<QStringList>("urls");
-        QTest::addColumn<bool>("handled");
-        QTest::addColumn<QString>("trace");
-        const QStringList none;
-        QTest::newRow("idle text") << 12 << "" << QStringList({"GetIdleModePrompt(9)", "SendNoDataResponse(9,12,1)"})
-                                   << none << true << "";
-        QTest::newRow("idle text unreadable") << 12 << "GetIdleModePrompt" << QStringList("GetIdleModePrompt(9)") << none
-                                              << false << "GetIdleModePrompt() failed %1: onSTKSetupIdleModeText: TIME: ";
-        QTest::newRow("idle text refused") << 12 << "SendNoDataResponse"
-                                           << QStringList({"GetIdleModePrompt(9)", "SendNoDataResponse(9,12,1)"}) << none
-                                           << true << "SendNoDataResponse() failed %1: onSTKSetupIdleModeText: TIME: ";
-        const QStringList browser({"GetLaunchBrowser(9)", "SendNoDataResponse(9,11,1)"});
-        QTest::newRow("browser") << 11 << "" << browser << QStringList("http://a") << true << "";
-        QTest::newRow("browser without address") << 11 << "address" << browser << none << true << "";
-        QTest::newRow("browser unreadable") << 11 << "GetLaunchBrowser" << QStringList("GetLaunchBrowser(9)") << none
-                                            << false << "GetLaunchBrowser() failed %1: onSTKLaunchBrowser: TIME: ";
-        QTest::newRow("browser refused") << 11 << "SendNoDataResponse" << browser << QStringList("http://a") << true
-                                         << "SendNoDataResponse() failed %1: onSTKLaunchBrowser: TIME: ";
-        for (int type : {8, 9, 10})
-            QTest::addRow("type %d", type) << type << "" << none << none << true << "";
-        QTest::newRow("refresh") << 7 << "" << QStringList("GetRefreshInfo(9)") << none << true << "";
-        QTest::newRow("refresh unreadable") << 7 << "GetRefreshInfo" << QStringList("GetRefreshInfo(9)") << none << false
-                                            << "";
-        QTest::newRow("call") << 4 << "" << QStringList("SendNoDataResponse(9,4,4)") << none << true << "";
-        QTest::newRow("call refused") << 4 << "SendNoDataResponse" << QStringList("SendNoDataResponse(9,4,4)") << none
-                                      << false << "SendNoDataResponse failed %1: onSTKSetupCall: TIME: ";
+        const QString browse("GetLaunchBrowser(9)"), idle("GetIdleModePrompt(9)"), none("SendNoDataResponse");
+        const QStringList browsed({browse, "SendNoDataResponse(9,11,1)"}), idled({idle, "SendNoDataResponse(9,12,1)"});
+        const CommandRow rows[] = {
+            {12, "", idled, true, ""},
+            {12, "GetIdleModePrompt", {idle}, false, "GetIdleModePrompt() failed %1: onSTKSetupIdleModeText: TIME: "},
+            {12, none, idled, true, "SendNoDataResponse() failed %1: onSTKSetupIdleModeText: TIME: "},
+            {11, "", browsed, true, ""},
+            {11, "address", browsed, true, ""},
+            {11, "GetLaunchBrowser", {browse}, false, "GetLaunchBrowser() failed %1: onSTKLaunchBrowser: TIME: "},
+            {11, none, browsed, true, "SendNoDataResponse() failed %1: onSTKLaunchBrowser: TIME: "},
+            {8, "", {}, true, ""},
+            {9, "", {}, true, ""},
+            {10, "", {}, true, ""},
+            {7, "", {"GetRefreshInfo(9)"}, true, ""},
+            {7, "GetRefreshInfo", {"GetRefreshInfo(9)"}, false, ""},
+            {4, "", {"SendNoDataResponse(9,4,4)"}, true, ""},
+            {4, none, {"SendNoDataResponse(9,4,4)"}, false, "SendNoDataResponse failed %1: onSTKSetupCall: TIME: "},
+        };
+        QTest::addColumn<CommandRow>("row");
+        for (const CommandRow &row : rows)
+            QTest::addRow("type %d, failing: %s", row.type, qPrintable(row.failing)) << row;
     }
 
     void commandsWithoutAWindow()
     {
-        QFETCH(int, type);
-        QFETCH(QString, failing);
-        QFETCH(QStringList, calls);
-        QFETCH(QStringList, urls);
-        QFETCH(bool, handled);
-        QFETCH(QString, trace);
+        QFETCH(CommandRow, row);
         show();
-        FakeModemService::put(modem.launchBrowser.szUrl, failing == "address" ? "" : "http://a");
-        modem.status[failing.toStdString()] = -1;
-        modem.notify(type, 9);
-        deliver();
-        QCOMPARE(modem.takeCalls(), calls);
-        QCOMPARE(ui.openedUrls, urls);
-        QCOMPARE(rows(), QStringList({"Account", "Banking", "News"}));
+        modem.put(modem.launchBrowser.szUrl, row.failing == "address" ? "" : "http://a");
+        modem.status[row.failing] = -1;
+        send(row.type, 9);
+        QCOMPARE(modem.takeCalls(), row.calls);
+        const bool opens = row.type == 11 && row.handled && row.failing != "address";
+        QCOMPARE(ui.openedUrls, opens ? QStringList("http://a") : QStringList());
+        QCOMPARE(rows(), mainMenuRows);
         QVERIFY(!box());
-        if (!trace.isEmpty())
-            QVERIFY(takeTrace().contains(trace.arg(FILE_NAME)));
+        QVERIFY(row.trace.isEmpty() || takeTrace().contains(row.trace.arg(FILE_NAME)));
         modem.status.clear();
-        QCOMPARE(verdict(), handled);
+        QCOMPARE(verdict(), row.handled);
     }
 
     /* Each window crossed with everything that may arrive while it is up. */
@@ -431,11 +385,8 @@ private slots:
     {
         QFETCH(QString, window);
         QFETCH(int, event);
-        QTemporaryDir folder;
-        QDir(folder.path()).mkpath("plugins/STKPlugin");
-        QVERIFY(QFile(folder.path() + "/plugins/STKPlugin/tone_8").open(QIODevice::WriteOnly));
-        ui.libraryPath = folder.path();
-        ui.messageAnswer = 0;
+        putTones({"tone_8"});
+        ui.messageAnswer = QMessageBox::NoButton;
         modem.inKey.nInputType = window == "yes-no" ? 1 : 0;
         modem.input.sMaxLen = 4;
         show();
@@ -476,7 +427,7 @@ private slots:
         }
         // Nothing is left behind, and the toolkit is as good as before.
         deliver();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        deleteClosed();
         for (QWidget *widget : QApplication::topLevelWidgets())
             QVERIFY(!qobject_cast<ExtendDialog *>(widget) || widget == toolkit);
         if (!toolkit)

@@ -9,6 +9,25 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKInputDlg"
 
+/* What is typed under which rules, and what becomes of it. */
+struct LineRow
+{
+    int type, min, max;
+    QString typed, text;
+    bool enabled;
+};
+Q_DECLARE_METATYPE(LineRow)
+
+/* A way out of the window, with what the service gets of it. */
+struct WayOut
+{
+    bool refusedBefore; /* OK is pressed first, and refused */
+    void (*leave)();
+    QString answers; /* "%" stands for the function and the command */
+    int error;
+};
+Q_DECLARE_METATYPE(WayOut)
+
 /* The input window, driven from inside its own event loop. */
 class TestSTKInputDlg : public PluginTest
 {
@@ -16,6 +35,7 @@ class TestSTKInputDlg : public PluginTest
 
     STKInputDlg *dialog;
 
+    static STKInputDlg *instance() { return STKInputDlg::StkInputDlgInstance(); }
     static ExtendDialog *window() { return qobject_cast<ExtendDialog *>(QApplication::activeModalWidget()); }
     template <typename Widget>
     static Widget *child(const char *name) { return window()->findChild<Widget *>(name); }
@@ -46,8 +66,8 @@ private slots:
     void init()
     {
         PluginTest::init();
-        dialog = STKInputDlg::StkInputDlgInstance();
-        QVERIFY(dialog == STKInputDlg::StkInputDlgInstance());
+        dialog = instance();
+        QVERIFY(dialog == instance());
     }
 
     void cleanup()
@@ -59,11 +79,8 @@ private slots:
 
     void theSlotsAndNothingElse()
     {
-        const QMetaObject &meta = STKInputDlg::staticMetaObject;
-        QStringList names;
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-            names << meta.method(i).methodSignature();
-        QCOMPARE(names.join(" "), QString("onButtonClickOk() onButtonClickCancel() onTextEdited(QString) onTimerTimeOut()"));
+        QCOMPARE(methodsOf(STKInputDlg::staticMetaObject),
+                 QString("onButtonClickOk() onButtonClickCancel() onTextEdited(QString) onTimerTimeOut()"));
     }
 
     void theWindowIsBuiltAsItShould()
@@ -91,56 +108,40 @@ private slots:
         });
         QVERIFY(!QWidget::keyboardGrabber());
         const QStringList trace = takeTrace();
-        for (const char *text : {"Start  of " FILE_NAME ": setInitSetting: TIME: ",
-                                 "Start  of " FILE_NAME ": setStkInputUiLayout: TIME: ",
-                                 "End  of " FILE_NAME ": setStkInputUiLayout: TIME: ",
-                                 "Start  of " FILE_NAME ": SetStkInputUiText: TIME: ",
-                                 "Start of " FILE_NAME ": setStkInputObjectName: TIME: ",
-                                 "End  of " FILE_NAME ": setStkInputObjectName: TIME: ",
-                                 "End  of " FILE_NAME ": initUI: TIME: ",
-                                 "TIME : " FILE_NAME " : closeEvent : Entered",
-                                 "TIME : " FILE_NAME " : closeEvent : Exit",
-                                 "End of " FILE_NAME ": ShowStkInputDlg: TIME: "})
-            QVERIFY2(trace.contains(text), text);
+        for (const char *text : {"Start  of %1setInitSetting: TIME: ", "Start  of %1setStkInputUiLayout: TIME: ",
+                                 "End  of %1setStkInputUiLayout: TIME: ", "Start  of %1SetStkInputUiText: TIME: ",
+                                 "Start of %1setStkInputObjectName: TIME: ", "End  of %1setStkInputObjectName: TIME: ",
+                                 "End  of %1initUI: TIME: ", "End of %1ShowStkInputDlg: TIME: ",
+                                 "TIME : " FILE_NAME " : closeEvent : Entered", "TIME : " FILE_NAME " : closeEvent : Exit"})
+            QVERIFY2(trace.contains(QString(text).replace("%1", FILE_NAME ": ")), text);
         QCOMPARE(trace.count("End  of " FILE_NAME ": setInitSetting: TIME: "), 2);
     }
 
     void rulesOfTheLine_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("min");
-        QTest::addColumn<int>("max");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("any text") << 0 << 1 << 10 << "aB 1" << "aB 1" << true;
-        QTest::newRow("digits") << 2 << 1 << 20 << "a1b2*+#-Z9" << "12*+#9" << true;
-        QTest::newRow("type 1 is no digits") << 1 << 0 << 5 << "abc" << "abc" << true;
-        QTest::newRow("one too few") << 0 << 3 << 9 << "ab" << "ab" << false;
-        QTest::newRow("just enough") << 0 << 3 << 9 << "abc" << "abc" << true;
-        QTest::newRow("no more than the maximum") << 0 << 1 << 2 << "abc" << "ab" << true;
-        QTest::newRow("nothing typed") << 0 << 0 << 9 << "" << "" << false;
-        QTest::newRow("emptied again") << 0 << 0 << 9 << "a\b" << "" << true;
-        QTest::newRow("negative minimum") << 0 << -1 << 9 << "a" << "a" << true;
+        QTest::addColumn<LineRow>("row");
+        QTest::newRow("any text") << LineRow{0, 1, 10, "aB 1", "aB 1", true};
+        QTest::newRow("digits") << LineRow{2, 1, 20, "a1b2*+#-Z9", "12*+#9", true};
+        QTest::newRow("type 1 is no digits") << LineRow{1, 0, 5, "abc", "abc", true};
+        QTest::newRow("one too few") << LineRow{0, 3, 9, "ab", "ab", false};
+        QTest::newRow("just enough") << LineRow{0, 3, 9, "abc", "abc", true};
+        QTest::newRow("no more than the maximum") << LineRow{0, 1, 2, "abc", "ab", true};
+        QTest::newRow("nothing typed") << LineRow{0, 0, 9, "", "", false};
+        QTest::newRow("emptied again") << LineRow{0, 0, 9, "a\b", "", true};
+        QTest::newRow("negative minimum") << LineRow{0, -1, 9, "a", "a", true};
     }
 
     void rulesOfTheLine()
     {
-        QFETCH(int, type);
-        QFETCH(int, min);
-        QFETCH(int, max);
-        QFETCH(QString, typed);
-        QFETCH(QString, text);
-        QFETCH(bool, enabled);
+        QFETCH(LineRow, row);
         for (int echo : {1, 0}) {
-            dialog->SetInputRequest(input(type, echo, min, max));
+            dialog->SetInputRequest(input(row.type, echo, row.min, row.max));
             showAnd([&] {
-                for (const QChar key : typed)
-                    key == '\b' ? QTest::keyClick(line(), Qt::Key_Backspace)
-                                : QTest::keyClick(line(), key.toLatin1());
-                QCOMPARE(line()->text(), text);
+                for (const QChar key : row.typed)
+                    key == '\b' ? QTest::keyClick(line(), Qt::Key_Backspace) : QTest::keyClick(line(), key.toLatin1());
+                QCOMPARE(line()->text(), row.text);
                 QCOMPARE(line()->echoMode(), echo ? QLineEdit::Normal : QLineEdit::Password);
-                QCOMPARE(ok()->isEnabled(), enabled);
+                QCOMPARE(ok()->isEnabled(), row.enabled);
                 cancel()->click();
             });
         }
@@ -148,71 +149,49 @@ private slots:
 
     void waysOut_data()
     {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<QStringList>("answers");
-        QTest::addColumn<int>("error");
-        QTest::newRow("ok") << "ok" << QStringList("1,7") << 0;
-        QTest::newRow("Return") << "return" << QStringList("1,7") << 0;
-        QTest::newRow("cancel") << "cancel" << QStringList("0,") << 0;
-        QTest::newRow("escape") << "escape" << QStringList("0,") << 0;
-        QTest::newRow("title bar") << "title bar" << QStringList("0,") << 0;
-        QTest::newRow("from the main window") << "closeDlg" << QStringList("0,") << 0;
-        QTest::newRow("time-out") << "timer" << QStringList("0,") << 0;
-        QTest::newRow("ok refused, then cancel") << "refused cancel" << QStringList({"1,7", "0,"}) << -1;
-        QTest::newRow("ok refused, then title bar") << "refused title bar" << QStringList("1,7") << -1;
-        QTest::newRow("ok refused, then ok") << "refused ok" << QStringList({"1,7", "1,7"}) << 0;
+        const auto clickOk = [] { ok()->click(); };
+        const auto clickCancel = [] { cancel()->click(); };
+        const auto close = [] { window()->close(); };
+        QTest::addColumn<WayOut>("way");
+        QTest::newRow("ok") << WayOut{false, clickOk, "%1,7)", 0};
+        QTest::newRow("Return") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Return); }, "%1,7)", 0};
+        QTest::newRow("cancel") << WayOut{false, clickCancel, "%0,)", 0};
+        QTest::newRow("escape") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Escape); }, "%0,)", 0};
+        QTest::newRow("title bar") << WayOut{false, close, "%0,)", 0};
+        QTest::newRow("from the main window") << WayOut{false, [] { instance()->CloseDlg(); }, "%0,)", 0};
+        QTest::newRow("time-out") << WayOut{false, [] { instance()->onTimerTimeOut(); }, "%0,)", 0};
+        QTest::newRow("ok refused, then cancel") << WayOut{true, clickCancel, "%1,7) %0,)", -1};
+        QTest::newRow("ok refused, then title bar") << WayOut{true, close, "%1,7)", -1};
+        QTest::newRow("ok refused, then ok") << WayOut{true, clickOk, "%1,7) %1,7)", 0};
     }
 
     void waysOut()
     {
-        QFETCH(QString, way);
-        QFETCH(QStringList, answers);
-        QFETCH(int, error);
+        QFETCH(WayOut, way);
         STKLogic::RegisterSTKCB();
         modem.notify(MOVA_STKTYPE_GET_INPUT, 44);
         QCOMPARE(dialog->GetLastError(), -1);
-        for (int round = 0; round < 2; ++round) { // what one window left behind must not touch the next
-            for (bool inkey : {false, true}) {
-                const QString call = inkey ? "AnswerInKey" : "AnswerInput";
-                if (inkey)
-                    dialog->SetInKeyRequest(input(0, 0, 9, 9));
-                else
-                    dialog->SetInputRequest(input(0, 1, 1, 1));
-                modem.takeCalls();
-                ui.messages.clear();
-                modem.status.clear();
-                showAnd([&] {
-                    QTest::keyClick(line(), '7');
-                    if (way.startsWith("refused")) {
-                        modem.status[call.toStdString()] = -1;
-                        ok()->click();
-                        QCOMPARE(ui.messages, QStringList("STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED"
-                                                          "|IDS_OK||"));
-                        QVERIFY(window());
-                        if (way == "refused ok")
-                            modem.status.clear();
-                    }
-                    if (way.endsWith("ok"))
-                        ok()->click();
-                    else if (way == "return")
-                        QTest::keyClick(line(), Qt::Key_Return);
-                    else if (way.endsWith("cancel"))
-                        cancel()->click();
-                    else if (way == "escape")
-                        QTest::keyClick(line(), Qt::Key_Escape);
-                    else if (way.endsWith("title bar"))
-                        window()->close();
-                    else if (way == "closeDlg")
-                        dialog->CloseDlg();
-                    else if (way == "timer")
-                        dialog->onTimerTimeOut();
-                });
-                QStringList expected;
-                for (const QString &answer : answers)
-                    expected << QString("%1(44,%2)").arg(call, answer);
-                QCOMPARE(modem.takeCalls(), expected);
-                QCOMPARE(dialog->GetLastError(), error);
-            }
+        // Twice: what one window left behind must not touch the next.
+        for (const QString call : {"AnswerInput", "AnswerInKey", "AnswerInput", "AnswerInKey"}) {
+            if (call == "AnswerInKey")
+                dialog->SetInKeyRequest(input(0, 0, 9, 9));
+            else
+                dialog->SetInputRequest(input(0, 1, 1, 1));
+            modem.takeCalls();
+            ui.messages.clear();
+            showAnd([&] {
+                QTest::keyClick(line(), '7');
+                if (way.refusedBefore) {
+                    modem.status[call] = -1;
+                    ok()->click();
+                    QCOMPARE(ui.messages.join("\n"), "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK||");
+                    QVERIFY(window());
+                    modem.status[call] = way.error;
+                }
+                way.leave();
+            });
+            QCOMPARE(calls(), QString(way.answers).replace("%", call + "(44,"));
+            QCOMPARE(dialog->GetLastError(), way.error);
         }
     }
 
@@ -220,19 +199,12 @@ private slots:
     {
         dialog->SetInputRequest(input(2, 0, 1, 9, "42"));
         dialog->SetInKeyRequest(StkInKeyRequest{"Key", 2, 0, 60, 0, 0, 9, "ignored"});
-        showAnd([] {
+        showAnd([this] {
             QCOMPARE(line()->text(), QString("4"));
             QCOMPARE(line()->echoMode(), QLineEdit::Normal);
             QVERIFY(!ok()->isEnabled());
-            cancel()->click();
-        });
-        QVERIFY(takeTrace().filter("onTimerTimeOut").isEmpty());
-    }
-
-    void anAnswerTimeRunsOnlyInAWindowThatIsThere()
-    {
-        dialog->SetInputRequest(input(0, 1, 1, 9));
-        showAnd([this] {
+            QVERIFY(takeTrace().filter("onTimerTimeOut").isEmpty());
+            // An answer time runs only in a window that is there.
             dialog->SetInKeyRequest(StkInKeyRequest{"Key", 0, 0, 30, 0, 0, 9, ""});
             QTRY_VERIFY(!dialog->IsDialogCreated());
             QVERIFY(!takeTrace().filter("onTimerTimeOut").isEmpty());

@@ -25,39 +25,29 @@ class TestSTKThread : public PluginTest
     Q_OBJECT
 
 private slots:
-    void timeIsMeasuredOnTheDigitsOfTheClock_data()
-    {
-        QTest::addColumn<QTime>("start");
-        QTest::addColumn<QTime>("now");
-        QTest::addColumn<int>("timeOut");
-        QTest::addColumn<bool>("over");
-        const auto row = [](const char *name, QTime start, QTime now, int timeOut, bool over) {
-            QTest::newRow(name) << start << now << timeOut << over;
-        };
-        row("within a minute, not yet", QTime(12, 34, 10), QTime(12, 34, 29, 999), 20, false);
-        row("within a minute, over", QTime(12, 34, 10), QTime(12, 34, 30), 20, true);
-        row("a minute's end counts 41", QTime(12, 0, 59), QTime(12, 1, 0), 41, true);
-        row("and no more", QTime(12, 0, 59), QTime(12, 1, 0), 42, false);
-        row("an hour's end counts 4041", QTime(12, 59, 59), QTime(13, 0, 0), 4041, true);
-        row("and no more then either", QTime(12, 59, 59), QTime(13, 0, 0), 4042, false);
-        row("midnight goes back", QTime(23, 59, 59), QTime(0, 0, 30), 20, false);
-        row("and stays back", QTime(23, 59, 59), QTime(23, 59, 58), 20, false);
-        row("leading zeros", QTime(0, 0, 1), QTime(0, 0, 21), 20, true);
-    }
-
     void timeIsMeasuredOnTheDigitsOfTheClock()
-    {
-        QFETCH(QTime, start);
-        QFETCH(QTime, now);
-        QFETCH(int, timeOut);
-        QFETCH(bool, over);
-        QCOMPARE(STKThread::IsTimedOut(STKThread::TimeStamp(start), STKThread::TimeStamp(now), timeOut), over);
-    }
-
-    void theStampIsTheTimeWithoutColons()
     {
         QCOMPARE(STKThread::TimeStamp(QTime(12, 34, 56, 789)), 123456);
         QCOMPARE(STKThread::TimeStamp(QTime(0, 0, 7)), 7);
+        const struct {
+            const char *name;
+            QTime start, now;
+            int timeOut;
+            bool over;
+        } rows[] = {
+            {"within a minute, not yet", QTime(12, 34, 10), QTime(12, 34, 29, 999), 20, false},
+            {"within a minute, over", QTime(12, 34, 10), QTime(12, 34, 30), 20, true},
+            {"a minute's end counts 41", QTime(12, 0, 59), QTime(12, 1, 0), 41, true},
+            {"and no more", QTime(12, 0, 59), QTime(12, 1, 0), 42, false},
+            {"an hour's end counts 4041", QTime(12, 59, 59), QTime(13, 0, 0), 4041, true},
+            {"and no more then either", QTime(12, 59, 59), QTime(13, 0, 0), 4042, false},
+            {"midnight goes back", QTime(23, 59, 59), QTime(0, 0, 30), 20, false},
+            {"and stays back", QTime(23, 59, 59), QTime(23, 59, 58), 20, false},
+            {"leading zeros", QTime(0, 0, 1), QTime(0, 0, 21), 20, true},
+        };
+        for (const auto &row : rows)
+            QVERIFY2(STKThread::IsTimedOut(STKThread::TimeStamp(row.start), STKThread::TimeStamp(row.now), row.timeOut)
+                         == row.over, row.name);
     }
 
     void theTraceTellsTheTime()
@@ -76,51 +66,37 @@ private slots:
         auto *thread = new STKThread;
         thread->SetTimeOut(20);
         delete thread;
-        const QStringList trace = takeTrace().filter(FILE_NAME);
-        QCOMPARE(trace, QStringList({FILE_NAME ": STKThread: called",
-                                     "TIME: " FILE_NAME ": SetTimeOut: Called with TimeOut = 20",
-                                     "TIME: " FILE_NAME ": SetTimeOut: Exited",
-                                     "TIME: " FILE_NAME ": ~STKThread: Called"}));
+        QCOMPARE(takeTrace().filter(FILE_NAME),
+                 QStringList({FILE_NAME ": STKThread: called", "TIME: " FILE_NAME ": SetTimeOut: Called with TimeOut = 20",
+                              "TIME: " FILE_NAME ": SetTimeOut: Exited", "TIME: " FILE_NAME ": ~STKThread: Called"}));
         // It took the shared logic along.
         QVERIFY(!STKLogic::CreateInstance()->GetResponseVar());
         STKLogic::DestroyInst();
     }
 
-    void aWaitWithoutATimeOutEndsAtOnce()
-    {
-        JoinedThread thread;
-        QSignalSpy ended(&thread, SIGNAL(ChangeCursor()));
-        thread.SetTimeOut(0);
-        thread.start();
-        QVERIFY(thread.join());
-        deliver();
-        QCOMPARE(ended.count(), 0);
-        QVERIFY(takeTrace().contains("TIME: " FILE_NAME ": run: called"));
-    }
-
-    void aWaitEnds_data()
-    {
-        QTest::addColumn<QString>("by");
-        for (const char *by : {"answer", "stop", "shorter time-out"})
-            QTest::newRow(by) << by;
-    }
-
+    void aWaitEnds_data() { addRows("by", {"no time-out", "answer", "stop", "shorter time-out"}); }
     void aWaitEnds()
     {
         QFETCH(QString, by);
         JoinedThread thread;
-        STKLogic *const logic = STKLogic::CreateInstance();
         QSignalSpy ended(&thread, SIGNAL(ChangeCursor()));
         // No minute's end may cut the wait short: a day's digits are less than this.
-        thread.SetTimeOut(1000000);
+        thread.SetTimeOut(by == "no time-out" ? 0 : 1000000);
         thread.start();
         QStringList trace;
+        QTRY_VERIFY((trace += takeTrace()).contains("TIME: " FILE_NAME ": run: called"));
+        if (by == "no time-out") {
+            QVERIFY(thread.join());
+            deliver();
+            QCOMPARE(ended.count(), 0);
+            return;
+        }
         QTRY_VERIFY((trace += takeTrace()).join(" ").contains("GetResponseVar")); // it polls
         QVERIFY(thread.isRunning());
         QElapsedTimer elapsed;
         elapsed.start();
         if (by == "answer")
-            logic->SetResponseVar(true);
+            STKLogic::CreateInstance()->SetResponseVar(true);
         else if (by == "stop")
             thread.m_bStop = true;
         else

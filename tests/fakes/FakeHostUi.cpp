@@ -1,5 +1,7 @@
 #include "FakeHostUi.h"
 
+#include <utility>
+
 #include <QThread>
 
 #include "platform/Change.h"
@@ -7,26 +9,9 @@
 #include "platform/CommonUtils.h"
 #include "platform/ExtendDialog.h"
 
-FakeHostUi &FakeHostUi::get()
-{
-    static FakeHostUi instance;
-    return instance;
-}
-
-void FakeHostUi::reset()
-{
-    *this = FakeHostUi();
-    messageAnswer = QMessageBox::Ok;
-    soundPlays = true;
-    playing = nullptr;
-    threadWaitSeconds = -1;
-}
-
 void FakeHostUi::finishSound()
 {
-    ClipSound *const sound = playing;
-    playing = nullptr;
-    emit sound->finished();
+    emit std::exchange(playing, nullptr)->finished();
 }
 
 ClipSound::ClipSound(const QString &fileName)
@@ -41,26 +26,25 @@ ClipSound::~ClipSound()
 
 bool ClipSound::Play()
 {
-    FakeHostUi &ui = FakeHostUi::get();
-    ui.soundsPlayed << objectName();
-    ui.playing = ui.soundPlays ? this : nullptr;
-    return ui.soundPlays;
+    fakeHostUi.soundsPlayed << objectName();
+    fakeHostUi.playing = fakeHostUi.soundPlays ? this : nullptr;
+    return fakeHostUi.soundPlays;
 }
 
 bool ClipSound::IsPlaying()
 {
-    return FakeHostUi::get().playing == this;
+    return fakeHostUi.playing == this;
 }
 
 void ClipSound::Stop()
 {
     if (IsPlaying())
-        FakeHostUi::get().playing = nullptr;
+        fakeHostUi.playing = nullptr;
 }
 
 QString Change::tr(const QString &id, const QString &context)
 {
-    return FakeHostUi::get().language + context + ":" + id;
+    return fakeHostUi.language + context + ":" + id;
 }
 
 QWidget *CommonUtils::GetMainWindow()
@@ -70,23 +54,20 @@ QWidget *CommonUtils::GetMainWindow()
 
 QString CommonUtils::GetPluginLibraryPath()
 {
-    return FakeHostUi::get().libraryPath;
+    return fakeHostUi.libraryPath;
 }
 
 void CommonUtils::MoveCentre(QWidget *)
 {
 }
 
-QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon, QWidget *parent,
-                                                     QString title, QString text, QString button1,
-                                                     QString button2, QString button3, bool,
-                                                     Qt::WindowFlags flags, QDialog **ppDialog,
-                                                     QString, bool)
+QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon, QWidget *parent, QString title, QString text,
+                                                     QString button1, QString button2, QString button3, bool,
+                                                     Qt::WindowFlags flags, QDialog **ppDialog, QString, bool)
 {
-    FakeHostUi &ui = FakeHostUi::get();
-    ui.messages << QStringList({title, text, button1, button2, button3}).join("|");
-    if (ui.messageAnswer)
-        return static_cast<QMessageBox::StandardButton>(ui.messageAnswer);
+    fakeHostUi.messages << QStringList({title, text, button1, button2, button3}).join("|");
+    if (fakeHostUi.messageAnswer)
+        return fakeHostUi.messageAnswer;
     ExtendDialog box(parent, flags, 4);
     box.setObjectName("message");
     box.resize(200, 100);
@@ -98,12 +79,12 @@ QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon, QWidget 
 
 bool CommonUtils::OpenUrl(QString url)
 {
-    FakeHostUi::get().openedUrls << url;
+    fakeHostUi.openedUrls << url;
     return true;
 }
 
 bool CommonUtils::WaitForThreadToStop(QThread *thread, int seconds)
 {
-    FakeHostUi::get().threadWaitSeconds = seconds;
+    fakeHostUi.threadWaitSeconds = seconds;
     return thread->wait(seconds * 1000);
 }

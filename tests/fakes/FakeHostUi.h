@@ -1,6 +1,7 @@
 #ifndef FAKEHOSTUI_H
 #define FAKEHOSTUI_H
 
+#include <QMessageBox>
 #include <QString>
 #include <QStringList>
 
@@ -10,20 +11,19 @@ class ClipSound;
  * real ones. */
 struct FakeHostUi
 {
-    static FakeHostUi &get();
-    void reset();
-
-    QString language;                 /* in front of every translated text, for the test to change */
-    QStringList messages;             /* title|text|button1|button2|button3 of every message box */
-    int messageAnswer;                /* what the next boxes return at once; 0: they stay up */
+    QString language;                                             /* in front of every translated text */
+    QStringList messages;                                         /* title|text|button1|button2|button3 of every box */
+    QMessageBox::StandardButton messageAnswer = QMessageBox::Ok;  /* what the next boxes return at once; 0: they stay up */
     QStringList openedUrls;
-    QStringList soundsPlayed;         /* the file of every Play() */
-    bool soundPlays;                  /* what Play() returns */
-    ClipSound *playing;               /* the sound that plays now, null for none */
+    QStringList soundsPlayed;                                     /* the file of every Play() */
+    bool soundPlays = true;                                       /* what Play() returns */
+    ClipSound *playing = nullptr;                                 /* the sound that plays now, null for none */
     QString libraryPath;
-    int threadWaitSeconds;            /* of the last WaitForThreadToStop, -1 before */
+    int threadWaitSeconds = -1;                                   /* of the last WaitForThreadToStop, -1 before */
 
     void finishSound();
 };
+
+inline FakeHostUi fakeHostUi;
 
 #endif

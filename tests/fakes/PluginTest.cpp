@@ -1,11 +1,7 @@
 #include "PluginTest.h"
 
 #include <mutex>
-
-#include <QApplication>
-#include <QRegularExpression>
-
-#include "STKInputDlg.h"
+#include <utility>
 
 namespace {
 
@@ -27,18 +23,24 @@ void recordTrace(QtMsgType type, const QMessageLogContext &, const QString &mess
 
 QStringList PluginTest::takeTrace()
 {
-    std::lock_guard<std::mutex> lock(traceMutex);
-    QStringList lines;
     static const QRegularExpression time("\\b[0-2]\\d:[0-5]\\d:[0-5]\\d:\\d{3}\\b");
-    for (QString line : qAsConst(traceLines))
-        lines << line.replace(time, "TIME");
-    traceLines.clear();
-    return lines;
+    std::lock_guard<std::mutex> lock(traceMutex);
+    return std::exchange(traceLines, QStringList()).replaceInStrings(time, "TIME");
 }
 
-QStringList PluginTest::traceOf(const QString &function)
+QString PluginTest::methodsOf(const QMetaObject &meta)
 {
-    return takeTrace().filter(QRegularExpression("(: | )" + QRegularExpression::escape(function) + "\\b"));
+    QStringList signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        signatures << meta.method(i).methodSignature();
+    return signatures.join(" ");
+}
+
+void PluginTest::addRows(const char *column, std::initializer_list<const char *> texts)
+{
+    QTest::addColumn<QString>(column);
+    for (const char *text : texts)
+        QTest::newRow(text) << text;
 }
 
 void PluginTest::initTestCase()
@@ -48,8 +50,9 @@ void PluginTest::initTestCase()
 
 void PluginTest::init()
 {
-    modem.reset();
-    ui.reset();
+    modem = FakeModemService();
+    ui = FakeHostUi();
+    modem.takeCalls();
     takeTrace();
 }
 
@@ -57,15 +60,12 @@ void PluginTest::cleanup()
 {
     STKDialog::Destroy();
     takeTrace();
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        if (qobject_cast<ExtendDialog *>(window))
-            delete window;
-    }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    for (QWidget *window : QApplication::topLevelWidgets())
+        delete qobject_cast<ExtendDialog *>(window);
+    deleteClosed();
     while (QApplication::overrideCursor())
         QApplication::restoreOverrideCursor();
-    QCOMPARE(modem.menusOut(), 0);
+    QCOMPARE(modem.menusOut, 0);
 }
 
 void PluginTest::putMainMenu()
@@ -74,50 +74,24 @@ void PluginTest::putMainMenu()
     modem.mainItems = {{7, "Account"}, {-1, "Banking"}, {300, "News"}};
 }
 
-void PluginTest::putSubMenu()
+bool PluginTest::open(QWidget *parent)
 {
-    modem.subTitle = "Accounts";
-    modem.subItems = {{5, "Current"}, {6, "Savings"}};
+    QRect area;
+    return STKDialog::Instance()->ShowStkDlg(parent, area);
 }
 
 STKDialog *PluginTest::show()
 {
     putMainMenu();
-    putSubMenu();
+    modem.subTitle = "Accounts";
+    modem.subItems = {{5, "Current"}, {6, "Savings"}};
     STKDialog *const dialog = STKDialog::Instance();
-    QRect area;
-    dialog->ShowStkDlg(nullptr, area);
+    open();
     if (!QTest::qWaitForWindowActive(frame()))
         qWarning("the toolkit window did not become active");
     modem.takeCalls();
     takeTrace();
     return dialog;
-}
-
-template <typename Widget>
-Widget *PluginTest::find(const char *name)
-{
-    const QWidgetList widgets = QApplication::allWidgets();
-    for (QWidget *widget : widgets) {
-        if (widget->objectName() == name && widget->isVisible())
-            return qobject_cast<Widget *>(widget);
-    }
-    return nullptr;
-}
-
-QDialog *PluginTest::frame()
-{
-    return find<QDialog>("STKPlugin_Stkdialog");
-}
-
-QTableWidget *PluginTest::table()
-{
-    return find<QTableWidget>("STKPlugin_TableWidgetMenu");
-}
-
-QPushButton *PluginTest::button(const char *name)
-{
-    return find<QPushButton>((QByteArray("STKPlugin_PushBtn") + name).constData());
 }
 
 QStringList PluginTest::rows()
@@ -139,7 +113,8 @@ bool PluginTest::isBusy()
     return QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::WaitCursor;
 }
 
-void PluginTest::deliver()
+void PluginTest::send(int type, int cmdId, int timeOut)
 {
-    QCoreApplication::sendPostedEvents();
+    modem.notify(type, cmdId, timeOut);
+    deliver();
 }
