@@ -281,6 +281,8 @@ STKDialog::~STKDialog()
         delete m_pStkThread;
         m_pStkThread = nullptr;
     }
+    if (m_pMessageBox)
+        m_pMessageBox->close(); // it writes to that pointer when it ends
     // An idle thread is left behind: its destructor would take the logic from whoever has it by
     // then.
     STKLogic::DestroyInst();
@@ -801,8 +803,9 @@ void STKDialog::onSTKDisplayText()
         m_nMsgRemain = m_nMsgDuration;
     }
     const uint32_t command = m_uTextCommand;
+    const QPointer<STKDialog> pThis = this;
     const int nResult = showTimeMessageBox(strText);
-    if (!m_pStkLogic)
+    if (!pThis || !m_pStkLogic)
         return;
     const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
     if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
@@ -852,10 +855,19 @@ int STKDialog::showTimeMessageBox(QString text)
         pBox->setDefaultButton(m_pBtnCancel);
     connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
     connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
+    // Another window's event loop may run on top of this one and keep exec() from returning.
+    if (m_pMsgTimer)
+        connect(m_pTimeMsgDlg, SIGNAL(finished(int)), m_pMsgTimer, SLOT(stop()));
     m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
+    const QPointer<STKDialog> pThis = this;
+    const QPointer<ExtendDialog> pFrame = m_pTimeMsgDlg;
     {
         KeyboardLoan loan;
-        m_pTimeMsgDlg->exec();
+        pFrame->exec();
+    }
+    if (!pThis) {
+        delete pFrame;
+        return QMessageBox::Cancel;
     }
     if (m_pMsgTimer) {
         m_pMsgTimer->stop();
@@ -968,9 +980,13 @@ void STKDialog::stopTone()
 void STKDialog::onSTKPlayToneTimeOut()
 {
     TRACE_START();
-    // The timer of an earlier showing may still be running: it ticks once, not for ever.
-    if (QTimer *const pTimer = qobject_cast<QTimer *>(sender()))
+    // The timer of an earlier showing may still be running: it must not cut a tone of this one.
+    QTimer *const pTimer = qobject_cast<QTimer *>(sender());
+    if (pTimer && pTimer != m_pPlayToneTimer) {
         pTimer->stop();
+        TRACE_END();
+        return;
+    }
     if (m_pPlayToneTimer) {
         m_pPlayToneTimer->stop();
         stopTone();
@@ -1007,11 +1023,15 @@ void STKDialog::onSTKGetInkey()
         return;
     }
     if (request.nInputType == INPUT_TYPE_YES_NO) {
+        if (!m_pStkTimer) {
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
         askYesNo(request, command);
     } else {
         if (!m_pStkInputDlg)
             return;
-        closeOvertakenInput();
+        m_pStkInputDlg->CloseOvertakenDlg();
         m_pStkInputDlg->SetInKeyRequest(request);
         showInputDlg(command);
     }
@@ -1034,22 +1054,18 @@ void STKDialog::onSTKGetInput()
     }
     if (!m_pStkInputDlg)
         return;
-    closeOvertakenInput();
+    m_pStkInputDlg->CloseOvertakenDlg();
     m_pStkInputDlg->SetInputRequest(request);
     showInputDlg(command);
     TRACE_END();
 }
 
-/* There is one input window: the card's newer question takes its place. */
-void STKDialog::closeOvertakenInput()
-{
-    if (m_pStkInputDlg->IsDialogCreated())
-        m_pStkInputDlg->CloseDlg();
-}
-
 void STKDialog::showInputDlg(uint32_t command)
 {
-    m_pStkInputDlg->ShowStkInputDlg(dialogParent());
+    const QPointer<STKDialog> pThis = this;
+    m_pStkInputDlg->ShowStkInputDlg(dialogParent(), command);
+    if (!pThis)
+        return;
     // The event loop of the window has run: what the card has sent meanwhile needs no waiting for.
     const bool bNewer = m_pStkLogic && m_pStkLogic->CommandInProgress() != command;
     if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && !bNewer)
@@ -1060,10 +1076,6 @@ void STKDialog::showInputDlg(uint32_t command)
 
 void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
 {
-    if (!m_pStkTimer) {
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
     m_strTimerType = "STK_MSGBOX_TIMER";
     if (request.nDuration > 0) {
         if (m_pStkTimer->isActive())
@@ -1071,6 +1083,7 @@ void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
         m_pStkTimer->start(request.nDuration);
     }
     QString strAnswer = "0";
+    const QPointer<STKDialog> pThis = this;
     {
         KeyboardLoan loan;
         if (CommonUtils::ShowMessage(QMessageBox::NoIcon, dialogParent(), "", request.strText,
@@ -1078,7 +1091,7 @@ void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
                                      &m_pMessageBox, QString(), true) == QMessageBox::Ok)
             strAnswer = "1";
     }
-    if (!m_pStkLogic)
+    if (!pThis || !m_pStkLogic)
         return;
     const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, command);
     if (bAnswered && m_pStkLogic->CommandInProgress() == command)

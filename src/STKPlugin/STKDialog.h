@@ -60,7 +60,9 @@ private:
  * their frame, whoever ends it; so every pointer to them turns null by itself.  The pointer to the
  * logic does too, because the first of its owners to go takes it along.
  *
- * GUI thread only.  What STKLogic and STKThread emit arrives queued. */
+ * GUI thread only.  What STKLogic and STKThread emit arrives queued.  The slots that show a window
+ * run its event loop and return when it has closed; whatever else arrives meanwhile runs inside it.
+ */
 class STKDialog : public QObject {
     Q_OBJECT
 
@@ -144,7 +146,6 @@ private:
     void askYesNo(const StkInKeyRequest &request, uint32_t command);
     void showInputDlg(uint32_t command);
     void refuseSecondText();
-    void closeOvertakenInput();
     void acceptSilently();
 
     QPointer<STKLogic> m_pStkLogic;

@@ -8,8 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegExpValidator>
-#include <QScrollArea>
-#include <QScrollBar>
+#include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -215,11 +214,15 @@ void STKInputDlg::SetStkInputUiText()
 
 void STKInputDlg::ShowStkInputDlg(QWidget *parent)
 {
+    ShowStkInputDlg(parent, m_pStkLogic ? m_pStkLogic->CommandInProgress() : 0);
+}
+
+void STKInputDlg::ShowStkInputDlg(QWidget *parent, uint32_t command)
+{
     TRACE_START();
     AssignNULL();
+    m_uCommand = command;
     m_bBtnClicked = false; // whatever way the window before this one ended
-    if (m_pStkLogic)
-        m_uCommand = m_pStkLogic->CommandInProgress();
     if (!initUI(parent)) {
         TRACE_FILE_FUNC_TIME("inintialization of UI is failed %s: %s: %s: ");
         return;
@@ -237,27 +240,45 @@ void STKInputDlg::ShowStkInputDlg(QWidget *parent)
     TRACE_END();
 }
 
-/* The window has one size, a prompt may have any length: one that is too long for it scrolls. */
+bool STKInputDlg::isPromptTooLong() const
+{
+    if (m_pMainWidget->layout()->totalHeightForWidth(FRAME_WIDTH) > FRAME_HEIGHT)
+        return true;
+    const QStringList words = m_stInKeyRequest.strText.split(QRegExp("\\s+"));
+    for (int i = 0; i < words.size(); ++i) {
+        if (m_pLabelText->fontMetrics().boundingRect(words.at(i)).width() > INPUT_WIDTH)
+            return true;
+    }
+    return false;
+}
+
+/* The window has one size, a prompt may have any length, and a label neither scrolls nor breaks a
+ * word: where the prompt is too much for it, a view that does both lies over the label. */
 void STKInputDlg::fitPrompt()
 {
-    QBoxLayout *const pLayout =
-        m_pMainWidget ? qobject_cast<QBoxLayout *>(m_pMainWidget->layout()) : nullptr;
-    if (!pLayout || !m_pLabelText || pLayout->totalHeightForWidth(FRAME_WIDTH) <= FRAME_HEIGHT)
+    if (!m_pMainWidget || !m_pMainWidget->layout() || !m_pLabelText || !isPromptTooLong())
         return;
-    QScrollArea *const pArea = new QScrollArea(m_pMainWidget);
-    pArea->setObjectName("STKPlugin_PromptArea");
-    pArea->setFrameShape(QFrame::NoFrame);
-    pArea->setFocusPolicy(Qt::NoFocus);
-    pArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    pArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    pArea->setWidgetResizable(true);
-    const int nBar = pArea->verticalScrollBar()->sizeHint().width();
-    pLayout->removeWidget(m_pLabelText);
-    m_pLabelText->setAlignment(Qt::AlignLeading | Qt::AlignTop);
-    m_pLabelText->setFixedWidth(INPUT_WIDTH - nBar);
-    pArea->setWidget(m_pLabelText);
-    pArea->setFixedWidth(INPUT_WIDTH);
-    pLayout->insertWidget(0, pArea);
+    QTextEdit *const pView = new QTextEdit(m_pLabelText);
+    QVBoxLayout *const pLayout = new QVBoxLayout(m_pLabelText);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->addWidget(pView);
+    QPalette palette = pView->palette();
+    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    pView->setPalette(palette);
+    pView->setObjectName("STKPlugin_PromptView");
+    pView->setReadOnly(true);
+    pView->setFrameShape(QFrame::NoFrame);
+    pView->setFocusPolicy(Qt::NoFocus);
+    pView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    pView->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    pView->document()->setDocumentMargin(0);
+    pView->setPlainText(m_stInKeyRequest.strText);
+}
+
+void STKInputDlg::CloseOvertakenDlg()
+{
+    if (m_pExtendDlg)
+        CloseDlg();
 }
 
 void STKInputDlg::CloseDlg()
@@ -392,7 +413,8 @@ void STKInputDlg::onButtonClickOk()
     }
     if (sendAnswer("STK_TYPE_OK", m_pLineEditInput->text())) {
         m_nLastError = 0;
-        m_pExtendDlg->close();
+        if (m_pExtendDlg)
+            m_pExtendDlg->close();
     } else {
         m_nLastError = -1;
         QDialog *pMessageBox = nullptr;
@@ -414,7 +436,8 @@ void STKInputDlg::onButtonClickCancel()
         return;
     }
     m_nLastError = sendAnswer("STK_TYPE_CANCEL", "") ? 0 : -1;
-    m_pExtendDlg->close();
+    if (m_pExtendDlg)
+        m_pExtendDlg->close();
     TRACE_END();
 }
 

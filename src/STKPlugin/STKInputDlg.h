@@ -42,6 +42,10 @@ public:
 
     bool initUI(QWidget *parent);
     void ShowStkInputDlg(QWidget *parent);
+    /* The same for a command that need not be the newest one any more. */
+    void ShowStkInputDlg(QWidget *parent, uint32_t command);
+    /* There is one input window: a newer question of the card takes its place. */
+    void CloseOvertakenDlg();
     /* Answers Cancel and closes the window. */
     void CloseDlg();
     bool IsDialogCreated();
@@ -75,6 +79,7 @@ private:
     STKInputDlg();
     ~STKInputDlg();
 
+    bool isPromptTooLong() const;
     void fitPrompt();
     bool sendAnswer(const QString &strResult, const QString &strAnswer);
 
