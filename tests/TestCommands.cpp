@@ -12,24 +12,21 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
 
-struct TextRow
-{
+struct TextRow {
     int clearMode, duration, ticks;
     QString way;
     int response;
 };
 Q_DECLARE_METATYPE(TextRow)
 
-struct ToneRow
-{
+struct ToneRow {
     QStringList files;
     QString failing, played, trace;
     bool handled;
 };
 Q_DECLARE_METATYPE(ToneRow)
 
-struct CommandRow
-{
+struct CommandRow {
     int type;
     QString failing;
     QStringList calls;
@@ -39,8 +36,7 @@ struct CommandRow
 Q_DECLARE_METATYPE(CommandRow)
 
 /* Each proactive command from the callback to the answer, and every way to leave it. */
-class TestCommands : public PluginTest
-{
+class TestCommands : public PluginTest {
     Q_OBJECT
 
     /* The window over the toolkit, null for none. */

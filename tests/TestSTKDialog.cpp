@@ -10,8 +10,7 @@
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
 
 /* A way to close the window in one of its states, and the calls that this makes. */
-struct ClosingRow
-{
+struct ClosingRow {
     QString way;
     bool waiting, returnPending;
     QStringList calls;
@@ -19,8 +18,7 @@ struct ClosingRow
 Q_DECLARE_METATYPE(ClosingRow)
 
 /* The toolkit window: what the user does in it and what the card sends. */
-class TestSTKDialog : public PluginTest
-{
+class TestSTKDialog : public PluginTest {
     Q_OBJECT
 
     static void waitForEnd(STKDialog *dialog)
@@ -144,13 +142,8 @@ private slots:
         QCOMPARE(rows(), mainMenuRows);
         QVERIFY(!button("Back")->isEnabled());
         QCOMPARE(modem.takeCalls(), QStringList());
-    }
 
-    void aRefusedSelectionShowsTheMainMenu_data() { addWays(); }
-    void aRefusedSelectionShowsTheMainMenu()
-    {
-        QFETCH(QString, way);
-        STKDialog *const dialog = show();
+        // Refused, it shows the main menu afresh.
         modem.status["SelectMenuItem"] = modem.status["SelectSubMenuItem"] = -1;
         modem.mainItems = {{1, "Fresh"}};
         selectBy(way, 0);

@@ -10,8 +10,7 @@
 #define FILE_NAME "../../src/STKPlugin/STKInputDlg"
 
 /* What is typed under which rules, and what becomes of it. */
-struct LineRow
-{
+struct LineRow {
     int type, min, max;
     QString typed, text;
     bool enabled;
@@ -19,8 +18,7 @@ struct LineRow
 Q_DECLARE_METATYPE(LineRow)
 
 /* A way out of the window, with what the service gets of it. */
-struct WayOut
-{
+struct WayOut {
     bool refusedBefore; /* OK is pressed first, and refused */
     void (*leave)();
     QString answers; /* "%" stands for the function and the command */
@@ -29,8 +27,7 @@ struct WayOut
 Q_DECLARE_METATYPE(WayOut)
 
 /* The input window, driven from inside its own event loop. */
-class TestSTKInputDlg : public PluginTest
-{
+class TestSTKInputDlg : public PluginTest {
     Q_OBJECT
 
     STKInputDlg *dialog;

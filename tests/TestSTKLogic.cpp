@@ -5,8 +5,7 @@
 #define FILE_NAME "../../src/STKPlugin/STKLogic"
 
 /* Takes down every signal of the logic, in the order and on the thread in which it is emitted. */
-class SignalRecord : public QObject
-{
+class SignalRecord : public QObject {
 public:
     explicit SignalRecord(STKLogic *logic)
     {
@@ -25,8 +24,7 @@ public:
 };
 
 /* STKLogic on its own: no window, the callbacks fired from a foreign thread. */
-class TestSTKLogic : public PluginTest
-{
+class TestSTKLogic : public PluginTest {
     Q_OBJECT
 
     STKLogic *logic;
@@ -125,16 +123,6 @@ private slots:
         QCOMPARE(emitted() + modem.takeCalls(), QStringList());
     }
 
-    void aTimeOutClosesTheInputAndShowsTheMenu()
-    {
-        logic->UpdateCBReturnVal(false);
-        modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 9, 1);
-        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"CloseInputDlg", "STKSetupMenu"}));
-        QVERIFY(takeTrace().contains("STK TimeOut " FILE_NAME ": OnSTKEventCB: TIME: "));
-        modem.notify(MOVA_STKTYPE_GET_INPUT, 10, 2); // only 1 is a time-out
-        QCOMPARE(modem.takeCalls(), QStringList("SendNoDataResponse(10,3,0)"));
-    }
-
     void theVerdictOfTheHandlerBeforeDecides()
     {
         logic->UpdateCBReturnVal(false);
@@ -143,6 +131,12 @@ private slots:
         QCOMPARE(emitted() + modem.takeCalls(), QStringList({"ShowMainMenu", "SendNoDataResponse(-3,55,0)"}));
         const QString dispatched = lines("stkEventSwitchCase", {"enStkType value is 55,  %"}).join("|");
         QCOMPARE(takeTrace().join("|"), lines("OnSTKEventCB", {dispatched, "m_bRet is false %"}).join("|"));
+        // A time-out has no verdict; only 1 is one.
+        modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 9, 1);
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"CloseInputDlg", "STKSetupMenu"}));
+        QVERIFY(takeTrace().contains("STK TimeOut " FILE_NAME ": OnSTKEventCB: TIME: "));
+        modem.notify(MOVA_STKTYPE_GET_INPUT, 10, 2);
+        QCOMPARE(emitted() + modem.takeCalls(), QStringList({"STKGetInput", "ShowMainMenu", "SendNoDataResponse(10,3,0)"}));
         // It stands until a handler changes it, and a failing answer is only traced.
         modem.status["SendNoDataResponse"] = -1;
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 32767);

@@ -4,8 +4,7 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKPlugin"
 
-class TestSTKPlugin : public PluginTest
-{
+class TestSTKPlugin : public PluginTest {
     Q_OBJECT
 
     static QStringList starts(const QString &functions)

@@ -5,8 +5,7 @@
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
 
 /* The list's own keys and presses, in the window that it lives in. */
-class TestSTKTableWidget : public PluginTest
-{
+class TestSTKTableWidget : public PluginTest {
     Q_OBJECT
 
     static void clickBelowTheRows()

@@ -8,8 +8,7 @@
 #define FILE_NAME "../../src/STKPlugin/STKThread"
 
 /* A thread whose end the thread sanitizer sees: QThread::wait orders it inside Qt, out of its sight. */
-struct JoinedThread : STKThread
-{
+struct JoinedThread : STKThread {
     void run() override
     {
         STKThread::run();
@@ -20,8 +19,7 @@ struct JoinedThread : STKThread
     std::atomic<bool> m_ended{false};
 };
 
-class TestSTKThread : public PluginTest
-{
+class TestSTKThread : public PluginTest {
     Q_OBJECT
 
 private slots:

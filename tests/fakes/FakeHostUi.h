@@ -9,8 +9,7 @@ class ClipSound;
 
 /* The services of the host UI library under the test's control; frames and message boxes are the
  * real ones. */
-struct FakeHostUi
-{
+struct FakeHostUi {
     QString language;                                             /* in front of every translated text */
     QStringList messages;                                         /* title|text|button1|button2|button3 of every box */
     QMessageBox::StandardButton messageAnswer = QMessageBox::Ok;  /* what the next boxes return at once; 0: they stay up */

@@ -11,10 +11,8 @@
 
 /* A modem service under the test's control: it records every call with its arguments, answers with
  * what the test put there, and calls the callbacks from a thread of its own. */
-struct FakeModemService
-{
-    struct Item
-    {
+struct FakeModemService {
+    struct Item {
         int16_t id;
         QString text;
     };

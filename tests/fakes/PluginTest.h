@@ -15,8 +15,7 @@
 
 /* What the tests of the plug-in share: clean fakes for every test function, the trace lines that were
  * written, and the toolkit window as a user sees it. */
-class PluginTest : public QObject
-{
+class PluginTest : public QObject {
     Q_OBJECT
 
 protected:
