@@ -134,6 +134,7 @@ private slots:
     {
         QFETCH(TextRow, row);
         STKDialog *const dialog = show();
+        const int seconds = row.duration ? row.duration : 3;
         putText("<b>x</b> <GO-BACKWARDS>", row.clearMode, row.duration);
         for (int round = 0; round < 2; ++round) { // a second text starts from the beginning
             present(MOVA_STKTYPE_DISPLAY_TEXT, 31, [&] {
@@ -148,7 +149,7 @@ private slots:
                     const QPointer<QAbstractButton> ok = boxButton("LuminePlugin:IDS_OK");
                     QVERIFY(dialog->m_pTimeMsgDlg->isVisible());
                     dialog->onMessageTimeOut();
-                    QCOMPARE(ok->text(), QString("LuminePlugin:IDS_OK = %1").arg((row.duration ? row.duration : 3) - tick));
+                    QCOMPARE(ok->text(), QString("LuminePlugin:IDS_OK = %1").arg(seconds - tick));
                 }
                 if (!row.way.isEmpty())
                     leave(row.way);

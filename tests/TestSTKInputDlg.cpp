@@ -108,8 +108,8 @@ private slots:
         for (const char *text : {"Start  of %1setInitSetting: TIME: ", "Start  of %1setStkInputUiLayout: TIME: ",
                                  "End  of %1setStkInputUiLayout: TIME: ", "Start  of %1SetStkInputUiText: TIME: ",
                                  "Start of %1setStkInputObjectName: TIME: ", "End  of %1setStkInputObjectName: TIME: ",
-                                 "End  of %1initUI: TIME: ", "End of %1ShowStkInputDlg: TIME: ",
-                                 "TIME : " FILE_NAME " : closeEvent : Entered", "TIME : " FILE_NAME " : closeEvent : Exit"})
+                                 "TIME : " FILE_NAME " : closeEvent : Entered", "End  of %1initUI: TIME: ",
+                                 "TIME : " FILE_NAME " : closeEvent : Exit", "End of %1ShowStkInputDlg: TIME: "})
             QVERIFY2(trace.contains(QString(text).replace("%1", FILE_NAME ": ")), text);
         QCOMPARE(trace.count("End  of " FILE_NAME ": setInitSetting: TIME: "), 2);
     }
@@ -181,7 +181,8 @@ private slots:
                 if (way.refusedBefore) {
                     modem.status[call] = -1;
                     ok()->click();
-                    QCOMPARE(ui.messages.join("\n"), "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK||");
+                    QCOMPARE(ui.messages.join("\n"),
+                             "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK||");
                     QVERIFY(window());
                     modem.status[call] = way.error;
                 }

@@ -30,7 +30,8 @@ private slots:
         QTest::mouseClick(list.viewport(), Qt::LeftButton);
         list.keyPressEvent(nullptr);
         QCOMPARE(takeTrace().replaceInStrings(QRegularExpression("Event \\d+$"), "Event LINE"),
-                 QStringList({"TIME: " FILE_NAME ": STKTableWidget Entered", "TIME: " FILE_NAME ": keyPressEvent Start ",
+                 QStringList({"TIME: " FILE_NAME ": STKTableWidget Entered",
+                              "TIME: " FILE_NAME ": keyPressEvent Start ",
                               "Arg is NULL: TIME: " FILE_NAME ": keyPressEvent LINE",
                               "TIME: " FILE_NAME ": mouseReleaseEvent Start",
                               "Arg is NULL: TIME: " FILE_NAME ": mouseReleaseEvent LINE",

@@ -43,9 +43,10 @@ private slots:
             {"and stays back", QTime(23, 59, 59), QTime(23, 59, 58), 20, false},
             {"leading zeros", QTime(0, 0, 1), QTime(0, 0, 21), 20, true},
         };
-        for (const auto &row : rows)
-            QVERIFY2(STKThread::IsTimedOut(STKThread::TimeStamp(row.start), STKThread::TimeStamp(row.now), row.timeOut)
-                         == row.over, row.name);
+        for (const auto &row : rows) {
+            const int start = STKThread::TimeStamp(row.start), now = STKThread::TimeStamp(row.now);
+            QVERIFY2(STKThread::IsTimedOut(start, now, row.timeOut) == row.over, row.name);
+        }
     }
 
     void theTraceTellsTheTime()
@@ -65,7 +66,8 @@ private slots:
         thread->SetTimeOut(20);
         delete thread;
         QCOMPARE(takeTrace().filter(FILE_NAME),
-                 QStringList({FILE_NAME ": STKThread: called", "TIME: " FILE_NAME ": SetTimeOut: Called with TimeOut = 20",
+                 QStringList({FILE_NAME ": STKThread: called",
+                              "TIME: " FILE_NAME ": SetTimeOut: Called with TimeOut = 20",
                               "TIME: " FILE_NAME ": SetTimeOut: Exited", "TIME: " FILE_NAME ": ~STKThread: Called"}));
         // It took the shared logic along.
         QVERIFY(!STKLogic::CreateInstance()->GetResponseVar());

@@ -12,7 +12,7 @@ class ClipSound;
 struct FakeHostUi {
     QString language;                                             /* in front of every translated text */
     QStringList messages;                                         /* title|text|button1|button2|button3 of every box */
-    QMessageBox::StandardButton messageAnswer = QMessageBox::Ok;  /* what the next boxes return at once; 0: they stay up */
+    QMessageBox::StandardButton messageAnswer = QMessageBox::Ok;  /* of the next boxes, at once; 0: they stay up */
     QStringList openedUrls;
     QStringList soundsPlayed;                                     /* the file of every Play() */
     bool soundPlays = true;                                       /* what Play() returns */

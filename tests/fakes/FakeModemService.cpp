@@ -94,42 +94,37 @@ int FakeModemService::device(int code)
     return onForeignThread(deviceCallback, code, nullptr);
 }
 
-/* A function of the library: its name without "MOVA_", its parameters, and what it returns. */
-#define SERVICE(name, parameters, result) \
-    int32_t MOVA_##name parameters        \
-    {                                     \
-        return result;                    \
+/* A function of the library: its area and name, its parameters, and what it returns. */
+#define SERVICE(area, name, parameters, result) \
+    int32_t MOVA_##area##_##name parameters     \
+    {                                           \
+        const char *const function = #name;     \
+        return result;                          \
     }
 
-SERVICE(STK_RegisterCallBack, (MOVA_STKCallback f), (fakeModem.stkCallback = f, called("RegisterCallBack")))
-SERVICE(STK_UnRegisterCallBack, (MOVA_STKCallback f), unregister("UnRegisterCallBack", f, fakeModem.stkCallback))
-SERVICE(DevSrv_RegisterDevMgrCallback, (MOVA_DevMgrCallback f),
-        (fakeModem.deviceCallback = f, called("RegisterDevMgrCallback")))
-SERVICE(DevSrv_UnRegisterDevMgrCallback, (MOVA_DevMgrCallback f),
-        unregister("UnRegisterDevMgrCallback", f, fakeModem.deviceCallback))
-SERVICE(STKSrv_GetMainMenu, (MOVA_STKMenuInfo * to),
-        menu("GetMainMenu", "", to, fakeModem.mainTitle, fakeModem.mainItems))
-SERVICE(STKSrv_ReleaseMenus, (MOVA_STKMenuInfo * from), releaseMenu("ReleaseMenus", from))
-SERVICE(STKSrv_GetSubMenu, (int16_t id, MOVA_STKSubMenuInfo *to),
-        menu("GetSubMenu", QString::number(id), to, fakeModem.subTitle, fakeModem.subItems))
-SERVICE(STKSrv_ReleaseSubMenus, (MOVA_STKSubMenuInfo * from), releaseMenu("ReleaseSubMenus", from))
-SERVICE(STKSrv_SelectMenuItem, (int16_t menu, int16_t item),
-        called("SelectMenuItem", QString("%1,%2").arg(menu).arg(item)))
-SERVICE(STKSrv_SelectSubMenuItem, (int16_t id, int32_t action, int16_t item),
-        called("SelectSubMenuItem", QString("%1,%2,%3").arg(id).arg(action).arg(item)))
-SERVICE(STKSrv_GetIdleModePrompt, (int16_t id, MOVA_STKIdleModeTextInfo *to),
-        details("GetIdleModePrompt", id, fakeModem.idleText, to))
-SERVICE(STKSrv_GetPlayTone, (int16_t id, MOVA_STKPlayToneInfo *to), details("GetPlayTone", id, fakeModem.playTone, to))
-SERVICE(STKSrv_GetLaunchBrowser, (int16_t id, MOVA_STKLaunchBrowserInfo *to),
-        details("GetLaunchBrowser", id, fakeModem.launchBrowser, to))
-SERVICE(STKSrv_GetInKeyRequest, (int16_t id, MOVA_STKInKeyInfo *to), details("GetInKeyRequest", id, fakeModem.inKey, to))
-SERVICE(STKSrv_GetInputRequest, (int16_t id, MOVA_STKInputInfo *to), details("GetInputRequest", id, fakeModem.input, to))
-SERVICE(STKSrv_GetPromptText, (int16_t id, MOVA_STKPromptTextInfo *to),
-        details("GetPromptText", id, fakeModem.promptText, to))
-SERVICE(STKSrv_GetRefreshInfo, (int16_t id, MOVA_STKRefreshInfo *), called("GetRefreshInfo", QString::number(id)))
-SERVICE(STKSrv_AnswerInKey, (int16_t id, int32_t accepted, const uint16_t *text),
-        answer("AnswerInKey", id, accepted, text))
-SERVICE(STKSrv_AnswerInput, (int16_t id, int32_t accepted, const uint16_t *text),
-        answer("AnswerInput", id, accepted, text))
-SERVICE(STKSrv_SendNoDataResponse, (int16_t id, _STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response),
-        called("SendNoDataResponse", QString("%1,%2,%3").arg(id).arg(type).arg(response)))
+SERVICE(STK, RegisterCallBack, (MOVA_STKCallback f), (fakeModem.stkCallback = f, called(function)))
+SERVICE(STK, UnRegisterCallBack, (MOVA_STKCallback f), unregister(function, f, fakeModem.stkCallback))
+SERVICE(DevSrv, RegisterDevMgrCallback, (MOVA_DevMgrCallback f), (fakeModem.deviceCallback = f, called(function)))
+SERVICE(DevSrv, UnRegisterDevMgrCallback, (MOVA_DevMgrCallback f), unregister(function, f, fakeModem.deviceCallback))
+SERVICE(STKSrv, GetMainMenu, (MOVA_STKMenuInfo * to), menu(function, "", to, fakeModem.mainTitle, fakeModem.mainItems))
+SERVICE(STKSrv, ReleaseMenus, (MOVA_STKMenuInfo * from), releaseMenu(function, from))
+SERVICE(STKSrv, GetSubMenu, (int16_t id, MOVA_STKSubMenuInfo *to),
+        menu(function, QString::number(id), to, fakeModem.subTitle, fakeModem.subItems))
+SERVICE(STKSrv, ReleaseSubMenus, (MOVA_STKSubMenuInfo * from), releaseMenu(function, from))
+SERVICE(STKSrv, SelectMenuItem, (int16_t menu, int16_t item), called(function, QString("%1,%2").arg(menu).arg(item)))
+SERVICE(STKSrv, SelectSubMenuItem, (int16_t id, int32_t action, int16_t item),
+        called(function, QString("%1,%2,%3").arg(id).arg(action).arg(item)))
+SERVICE(STKSrv, GetIdleModePrompt, (int16_t id, MOVA_STKIdleModeTextInfo *to),
+        details(function, id, fakeModem.idleText, to))
+SERVICE(STKSrv, GetPlayTone, (int16_t id, MOVA_STKPlayToneInfo *to), details(function, id, fakeModem.playTone, to))
+SERVICE(STKSrv, GetLaunchBrowser, (int16_t id, MOVA_STKLaunchBrowserInfo *to),
+        details(function, id, fakeModem.launchBrowser, to))
+SERVICE(STKSrv, GetInKeyRequest, (int16_t id, MOVA_STKInKeyInfo *to), details(function, id, fakeModem.inKey, to))
+SERVICE(STKSrv, GetInputRequest, (int16_t id, MOVA_STKInputInfo *to), details(function, id, fakeModem.input, to))
+SERVICE(STKSrv, GetPromptText, (int16_t id, MOVA_STKPromptTextInfo *to),
+        details(function, id, fakeModem.promptText, to))
+SERVICE(STKSrv, GetRefreshInfo, (int16_t id, MOVA_STKRefreshInfo *), called(function, QString::number(id)))
+SERVICE(STKSrv, AnswerInKey, (int16_t id, int32_t accepted, const uint16_t *text), answer(function, id, accepted, text))
+SERVICE(STKSrv, AnswerInput, (int16_t id, int32_t accepted, const uint16_t *text), answer(function, id, accepted, text))
+SERVICE(STKSrv, SendNoDataResponse, (int16_t id, _STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response),
+        called(function, QString("%1,%2,%3").arg(id).arg(type).arg(response)))
