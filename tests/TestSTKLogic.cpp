@@ -181,7 +181,7 @@ private slots:
         const QStringList calls({function + (sub ? "(21)" : "()"), release + "()"});
         const QString name = "MOVA_STKSrv_" + function;
         QStringList between({"Calling  " + name + "()%", name + "() Returned = 0: %"});
-        const QString whole(256, QChar(0x416)), smile = QString::fromUtf8("\xF0\x9F\x98\x80"); // the first: no final zero
+        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"), whole(256, QChar(0x416)); // no zero at its end
         const QString wholeTitle(sub ? 257 : 256, QChar('t'));
         QList<StkItemClass> list{{1, "old"}};
         StkMenuItems menu{"old", &list};
