@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
@@ -75,355 +76,314 @@ class TestHostUi : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleanup();
+    void cleanup()
+    {
+        HostUi::setUrlOpener({});
+        HostUi::setUrlRefusalListener({});
+        HostUi::setLanguage(STK_TRANSLATION_DIR, "en");
+        QVERIFY2(!shownBox(), "no test leaves a window");
+    }
 
-    void returnMeansTheFocusedButton_data();
-    void returnMeansTheFocusedButton();
-    void frameKeepsItsTitle();
-    void messageFrameFollowsItsBox();
-    void longTextsStayWhole_data();
-    void longTextsStayWhole();
-    void centresOnScreen();
+    // In what a plug-in puts into a frame: a list over three buttons, the first of them disabled.
+    void returnMeansTheFocusedButton()
+    {
+        ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 1);
+        auto *content = new QWidget(&frame);
+        frame.AddMainWidget(content);
+        auto *table = new QTableWidget(2, 1);
+        table->setItem(1, 0, new QTableWidgetItem("row"));
+        table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+        QPushButton *buttons[] = {new QPushButton("Back"), new QPushButton("Select"), new QPushButton("Close")};
+        auto *layout = new QVBoxLayout(content);
+        layout->addWidget(table);
+        for (QPushButton *button : buttons)
+            layout->addWidget(button);
+        buttons[2]->setFocus(Qt::OtherFocusReason);
+        buttons[0]->setEnabled(false);
 
-    void showMessage_data();
-    void showMessage();
-    void showMessageOutlivesItsParent();
-    void openUrl_data();
-    void openUrl();
-    void waitForThread();
+        const std::pair<int, Qt::Key> showings[] = {{2, Qt::Key_Return}, {2, Qt::Key_Enter}, {1, Qt::Key_Return}};
+        for (const auto &[focused, key] : showings) {
+            QSignalSpy wanted(buttons[focused], SIGNAL(clicked()));
+            QSignalSpy other(buttons[3 - focused], SIGNAL(clicked()));
+            buttons[focused]->setFocus(Qt::OtherFocusReason);
+            frame.show();
+            QVERIFY(QTest::qWaitForWindowActive(&frame));
+            const QPoint row = table->visualItemRect(table->item(1, 0)).center();
+            QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, row);
+            QCOMPARE(frame.focusWidget(), table);
+            QTest::keyClick(table, key);
+            QCOMPARE(wanted.count(), 1);
+            QCOMPARE(other.count(), 0);
+            frame.hide();
+        }
+    }
 
-    void changesLanguage();
-    void cataloguesAreComplete();
-    void buttonTextsFit();
-};
+    void frameKeepsItsTitle()
+    {
+        ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 1);
+        for (const char *title : {"Bank", "[*]", "a[*]b[*][*]", "<b>x</b> &amp; %1"}) {
+            const Qt::WindowFlags hints = Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
+            QCOMPARE(frame.windowFlags() & (hints | Qt::WindowContextHelpButtonHint), hints);
+            QCOMPARE(frame.windowType(), Qt::Dialog);
+            frame.setWindowTitle(title);
+            frame.show();
+            QCOMPARE(frame.windowTitle(), QString(title));
+            QCOMPARE(frame.windowHandle()->title(), QString(title));
+            frame.setWindowTitle("other");
+            frame.setWindowTitle(title);
+            QCOMPARE(frame.windowHandle()->title(), QString(title));
+            frame.setWindowFlags(Qt::WindowCloseButtonHint);
+        }
+        frame.setWindowTitle("");
+        frame.show();
+        QCOMPARE(frame.windowTitle(), QString());
+        QVERIFY2(frame.windowHandle()->title() == QString(QChar::Nbsp), "not the application's name");
+    }
 
-void TestHostUi::cleanup()
-{
-    HostUi::setUrlOpener({});
-    HostUi::setUrlRefusalListener({});
-    HostUi::setLanguage(STK_TRANSLATION_DIR, "en");
-    QVERIFY2(!shownBox(), "no test leaves a window");
-}
-
-void TestHostUi::returnMeansTheFocusedButton_data()
-{
-    QTest::addColumn<int>("focused");
-    QTest::addColumn<int>("key");
-    QTest::newRow("Return, Close") << 2 << int(Qt::Key_Return);
-    QTest::newRow("Enter, Close") << 2 << int(Qt::Key_Enter);
-    QTest::newRow("Return, Select") << 1 << int(Qt::Key_Return);
-}
-
-// In what a plug-in puts into a frame: a list over three buttons, the first of them disabled.
-void TestHostUi::returnMeansTheFocusedButton()
-{
-    QFETCH(int, focused);
-    QFETCH(int, key);
-    ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 1);
-    auto *content = new QWidget(&frame);
-    frame.AddMainWidget(content);
-    auto *table = new QTableWidget(2, 1);
-    table->setItem(1, 0, new QTableWidgetItem("row"));
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    QPushButton *buttons[] = {new QPushButton("Back"), new QPushButton("Select"), new QPushButton("Close")};
-    auto *layout = new QVBoxLayout(content);
-    layout->addWidget(table);
-    for (QPushButton *button : buttons)
-        layout->addWidget(button);
-    buttons[focused]->setFocus(Qt::OtherFocusReason);
-    buttons[0]->setEnabled(false);
-
-    QSignalSpy wanted(buttons[focused], SIGNAL(clicked()));
-    QSignalSpy other(buttons[3 - focused], SIGNAL(clicked()));
-    for (int showing = 1; showing <= 2; ++showing) {
-        buttons[focused]->setFocus(Qt::OtherFocusReason);
+    void messageFrameFollowsItsBox()
+    {
+        ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 4);
+        auto *box = new ClipMessageBox(&frame);
+        frame.AddMainWidget(box);
+        frame.setWindowFlags(Qt::WindowCloseButtonHint);
+        box->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
+        box->setText("<b>x</b>");
+        QPushButton *ok = box->addButton("OK", QMessageBox::YesRole);
+        QPushButton *cancel = box->addButton("Cancel", QMessageBox::RejectRole);
+        box->setDefaultButton(ok);
+        box->setDefaultButton(cancel);
+        connect(box, SIGNAL(changeSize(QSize)), &frame, SLOT(changeSize(QSize)));
+        connect(box, SIGNAL(buttonClicked(QAbstractButton *)), &frame, SLOT(close()));
         frame.show();
         QVERIFY(QTest::qWaitForWindowActive(&frame));
-        const QPoint row = table->visualItemRect(table->item(1, 0)).center();
-        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, row);
-        QCOMPARE(frame.focusWidget(), table);
-        QTest::keyClick(table, Qt::Key(key));
-        QCOMPARE(wanted.count(), showing);
-        QCOMPARE(other.count(), 0);
-        frame.hide();
-    }
-}
+        QVERIFY(box->isVisible());
+        QCOMPARE(frame.size(), box->size());
+        QCOMPARE(box->textFormat(), Qt::PlainText);
 
-void TestHostUi::frameKeepsItsTitle()
-{
-    ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 1);
-    for (const char *title : {"Bank", "[*]", "a[*]b[*][*]", "<b>x</b> &amp; %1"}) {
-        const Qt::WindowFlags hints = Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
-        QCOMPARE(frame.windowFlags() & (hints | Qt::WindowContextHelpButtonHint), hints);
-        QCOMPARE(frame.windowType(), Qt::Dialog);
-        frame.setWindowTitle(title);
-        frame.show();
-        QCOMPARE(frame.windowTitle(), QString(title));
-        QCOMPARE(frame.windowHandle()->title(), QString(title));
-        frame.setWindowTitle("other");
-        frame.setWindowTitle(title);
-        QCOMPARE(frame.windowHandle()->title(), QString(title));
-        frame.setWindowFlags(Qt::WindowCloseButtonHint);
-    }
-    frame.setWindowTitle("");
-    frame.show();
-    QCOMPARE(frame.windowTitle(), QString());
-    QVERIFY2(frame.windowHandle()->title() == QString(QChar::Nbsp), "not the application's name");
-}
+        const int width = frame.width();
+        ok->setText("OK = a countdown of very many seconds, wider than the whole box was at first");
+        QTRY_VERIFY(frame.width() > width);
+        QCOMPARE(frame.size(), box->size());
 
-void TestHostUi::messageFrameFollowsItsBox()
-{
-    ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 4);
-    auto *box = new ClipMessageBox(&frame);
-    frame.AddMainWidget(box);
-    frame.setWindowFlags(Qt::WindowCloseButtonHint);
-    box->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
-    box->setText("<b>x</b>");
-    QPushButton *ok = box->addButton("OK", QMessageBox::YesRole);
-    QPushButton *cancel = box->addButton("Cancel", QMessageBox::RejectRole);
-    box->setDefaultButton(ok);
-    box->setDefaultButton(cancel);
-    connect(box, SIGNAL(changeSize(QSize)), &frame, SLOT(changeSize(QSize)));
-    connect(box, SIGNAL(buttonClicked(QAbstractButton *)), &frame, SLOT(close()));
-    frame.show();
-    QVERIFY(QTest::qWaitForWindowActive(&frame));
-    QVERIFY(box->isVisible());
-    QCOMPARE(frame.size(), box->size());
-    QCOMPARE(box->textFormat(), Qt::PlainText);
-
-    const int width = frame.width();
-    ok->setText("OK = a countdown of very many seconds, wider than the whole box was at first");
-    QTRY_VERIFY(frame.width() > width);
-    QCOMPARE(frame.size(), box->size());
-
-    QTest::keyClick(frame.windowHandle(), Qt::Key_Return);
-    QVERIFY(!frame.isVisible());
-    QCOMPARE(box->clickedButton(), static_cast<QAbstractButton *>(cancel));
-}
-
-void TestHostUi::longTextsStayWhole_data()
-{
-    QTest::addColumn<QString>("text");
-    QString line = "Thank you.";
-    while (QApplication::fontMetrics().horizontalAdvance(line) < 280)
-        line += 'x';
-    const QString texts[] = {line,
-                             "<b>x</b>\n",
-                             QString(255, 'W'),
-                             QString("x\n").repeated(127),
-                             QString("lorem ipsum ").repeated(20),
-                             QString::fromUtf8("余额查询").repeated(60),
-                             QString::fromUtf8("📱").repeated(120)};
-    for (const QString &text : texts)
-        QTest::newRow(qPrintable(text.left(10))) << text;
-}
-
-void TestHostUi::longTextsStayWhole()
-{
-    QFETCH(QString, text);
-    QString problem = "no box was shown";
-    QTimer::singleShot(0, this, [&] {
-        ClipMessageBox *box = shownBox();
-        const QRect screen = box->screen()->availableGeometry();
-        const QWidget *frame = box->window();
-        problem = textProblem(*box, text);
-        if (frame->width() > screen.width() || frame->height() > screen.height())
-            problem = "larger than the screen";
-        else if (!frame->rect().contains(box->geometry()))
-            problem = "larger than its frame";
-        else if ((frame->frameGeometry().center() - screen.center()).manhattanLength() > 4)
-            problem = "not in the middle";
-        box->window()->close();
-    });
-    CommonUtils::ShowMessage(QMessageBox::Warning, nullptr, "t", text, "IDS_OK", "", "", true, {}, nullptr, "", true);
-    QCOMPARE(problem, QString());
-}
-
-void TestHostUi::centresOnScreen()
-{
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    QWidget parent;
-    QDialog child(&parent);
-    child.resize(100, 80);
-    parent.setGeometry(200, 150, 300, 200);
-    parent.show();
-    child.show();
-    CommonUtils::MoveCentre(&child);
-    QCOMPARE(child.frameGeometry().center(), parent.frameGeometry().center());
-
-    parent.move(screen.right() - 20, screen.bottom() - 20);
-    CommonUtils::MoveCentre(&child);
-    QVERIFY(screen.contains(child.frameGeometry()));
-
-    child.resize(screen.size() * 2);
-    CommonUtils::MoveCentre(&child);
-    QCOMPARE(child.frameGeometry().topLeft(), screen.topLeft());
-}
-
-void TestHostUi::showMessage_data()
-{
-    QTest::addColumn<QString>("press");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("result");
-    QTest::newRow("first") << "Yes" << 0 << int(QMessageBox::Ok);
-    QTest::newRow("second") << "No" << 0 << int(QMessageBox::No);
-    QTest::newRow("third") << "Cancel" << 0 << int(QMessageBox::Cancel);
-    QTest::newRow("close") << "" << 0 << int(QMessageBox::Cancel);
-    QTest::newRow("Escape") << "" << int(Qt::Key_Escape) << int(QMessageBox::Cancel);
-    QTest::newRow("Return") << "" << int(Qt::Key_Return) << int(QMessageBox::Ok);
-}
-
-void TestHostUi::showMessage()
-{
-    QFETCH(QString, press);
-    QFETCH(int, key);
-    QDialog *shared = nullptr;
-    bool sharedWhileUp = false, clearedAtClose = false;
-    QTimer::singleShot(0, this, [&] {
-        ClipMessageBox *box = shownBox();
-        sharedWhileUp = shared && shared == box->window() && shared->windowTitle() == "[*] title" &&
-            box->text() == "<i>text</i>\n\n%1 detail";
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text() == press)
-                QTest::mouseClick(button, Qt::LeftButton);
-        }
-        if (key)
-            QTest::keyClick(shared->windowHandle(), Qt::Key(key));
-        else if (press.isEmpty())
-            shared->close();
-        clearedAtClose = !shared;
-    });
-    const int result =
-        CommonUtils::ShowMessage(QMessageBox::NoIcon, nullptr, "[*] title", "<i>text</i>", "IDS_YES", "IDS_NO",
-                                 "IDS_CANCEL", true, Qt::WindowCloseButtonHint, &shared, "%1 detail", true);
-    QTEST(result, "result");
-    QVERIFY(sharedWhileUp);
-    QVERIFY(clearedAtClose);
-}
-
-void TestHostUi::showMessageOutlivesItsParent()
-{
-    auto *parent = new QWidget;
-    parent->show();
-    QDialog *shared = nullptr;
-    QTimer::singleShot(0, this, [&] { delete parent; });
-    const int result = CommonUtils::ShowMessage(QMessageBox::Question, parent, "", "text", "IDS_YES", "IDS_NO", "",
-                                                true, {}, &shared, "", true);
-    QCOMPARE(result, int(QMessageBox::Cancel));
-    QVERIFY(!shared);
-}
-
-void TestHostUi::openUrl_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("shown"); // in the refusal
-    QTest::addColumn<QString>("reason"); // of the refusal; empty when the address is opened
-    const auto rows = [](const QStringList &addresses, const QString &reason) {
-        for (const QString &address : addresses)
-            QTest::newRow(qPrintable(address)) << address << address << reason;
-    };
-    rows({"http://example.com", "https://example.com/a?b=c#d", "HTTP://EXAMPLE.COM/", "http://[2001:db8::1]:8080/",
-          "http://example.com/%C3%BC"},
-         "");
-    const QString scheme = "only http and https are opened", invalid = "not an address";
-    rows({"file:///etc/passwd", "javascript:alert(1)", "tel:+123", "example.com", "/etc/passwd", "x-http://a"}, scheme);
-    rows({"http://", "http:example.com"}, "it names no host");
-    rows({"", "http://exa mple.com", "http://example.com:99999/"}, invalid);
-    QTest::newRow("control characters") << "http://a\nb\x1b[31m"
-                                        << "http://a?b?[31m" << invalid;
-    QTest::newRow("endless") << "x:" + QString(100000, 'a') << "x:" + QString(198, 'a') << scheme;
-}
-
-void TestHostUi::openUrl()
-{
-    QFETCH(QString, address);
-    QFETCH(QString, shown);
-    QFETCH(QString, reason);
-    QList<QUrl> opened;
-    HostUi::setUrlOpener([&](const QUrl &url) {
-        opened << url;
-        return true;
-    });
-    QStringList refused;
-    HostUi::setUrlRefusalListener([&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
-    const bool opens = reason.isEmpty();
-    if (!opens)
-        QTest::ignoreMessage(QtWarningMsg, qPrintable("OpenUrl: refused \"" + shown + "\": " + reason));
-    QCOMPARE(CommonUtils::OpenUrl(address), opens);
-    QCOMPARE(opened, opens ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
-    QCOMPARE(refused, opens ? QStringList() : QStringList(shown));
-}
-
-void TestHostUi::waitForThread()
-{
-    QThread idle, busy;
-    QVERIFY(CommonUtils::WaitForThreadToStop(nullptr, 5));
-    QVERIFY(CommonUtils::WaitForThreadToStop(&idle, 5));
-    busy.start();
-    QVERIFY(!CommonUtils::WaitForThreadToStop(&busy, -7));
-    QElapsedTimer clock;
-    clock.start();
-    QVERIFY(!CommonUtils::WaitForThreadToStop(&busy, 1));
-    QVERIFY2(clock.elapsed() >= 990, "the time is in seconds");
-    busy.quit();
-    QVERIFY(CommonUtils::WaitForThreadToStop(&busy, INT_MAX));
-}
-
-void TestHostUi::changesLanguage()
-{
-    QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, "de"));
-    QCOMPARE(Change::tr("IDS_STK_BTN_BACK", "STKPlugin"), QString::fromUtf8("Zurück"));
-    QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, "en"));
-    QCOMPARE(Change::tr("IDS_STK_BTN_BACK", "STKPlugin"), QString("Back"));
-    QCOMPARE(Change::tr("IDS_STK_BTN_BACK", "LuminePlugin"), QString("IDS_STK_BTN_BACK"));
-    QVERIFY(!HostUi::setLanguage(STK_TRANSLATION_DIR, "xx"));
-    QCOMPARE(Change::tr("IDS_STK_BTN_BACK", "STKPlugin"), QString("IDS_STK_BTN_BACK"));
-}
-
-void TestHostUi::cataloguesAreComplete()
-{
-    const QMap<QString, QString> english = readCatalogue("en");
-    for (const QString &language : Languages) {
-        const QMap<QString, QString> texts = readCatalogue(language);
-        QCOMPARE(texts.keys(), english.keys());
-        for (auto text = texts.begin(); text != texts.end(); ++text)
-            QVERIFY2(text->count("%1") == english[text.key()].count("%1"), qPrintable(language + ' ' + text.key()));
+        QTest::keyClick(frame.windowHandle(), Qt::Key_Return);
+        QVERIFY(!frame.isVisible());
+        QCOMPARE(box->clickedButton(), static_cast<QAbstractButton *>(cancel));
     }
 
-    const QString all = english.keys().join(' ') + ' ';
-    const QRegularExpression id("\"(IDS_[A-Z_]+)\"");
-    QDirIterator sources(STK_SOURCE_DIR "/src", {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
-    int used = 0;
-    while (sources.hasNext()) {
-        QFile file(sources.next());
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        auto matches = id.globalMatch(QString::fromUtf8(file.readAll()));
-        for (; matches.hasNext(); ++used) {
-            const QString name = matches.next().captured(1);
-            QVERIFY2(all.contains('/' + name + ' '), qPrintable(file.fileName() + ' ' + name));
+    void longTextsStayWhole_data()
+    {
+        QTest::addColumn<QString>("text");
+        QString line = "Thank you.";
+        while (QApplication::fontMetrics().horizontalAdvance(line) < 280)
+            line += 'x';
+        const auto wide = [](const char *text, int times) { return QString::fromUtf8(text).repeated(times); };
+        for (const QString &text : {line, wide("<b>x</b>\n", 1), wide("W", 255), wide("x\n", 127),
+                                    wide("lorem ipsum ", 20), wide("余额查询", 60), wide("📱", 120)})
+            QTest::newRow(qPrintable(text.left(10))) << text;
+    }
+
+    void longTextsStayWhole()
+    {
+        QFETCH(QString, text);
+        QString problem = "no box was shown";
+        QTimer::singleShot(0, this, [&] {
+            ClipMessageBox *box = shownBox();
+            const QRect screen = box->screen()->availableGeometry();
+            const QWidget *frame = box->window();
+            problem = textProblem(*box, text);
+            if (frame->width() > screen.width() || frame->height() > screen.height())
+                problem = "larger than the screen";
+            else if (!frame->rect().contains(box->geometry()))
+                problem = "larger than its frame";
+            else if ((frame->frameGeometry().center() - screen.center()).manhattanLength() > 4)
+                problem = "not in the middle";
+            box->window()->close();
+        });
+        CommonUtils::ShowMessage(QMessageBox::Warning, nullptr, "t", text, "IDS_OK", "", "", true, {}, nullptr, "",
+                                 true);
+        QCOMPARE(problem, QString());
+    }
+
+    void centresOnScreen()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        QWidget parent;
+        QDialog child(&parent);
+        child.resize(100, 80);
+        parent.setGeometry(200, 150, 300, 200);
+        parent.show();
+        child.show();
+        CommonUtils::MoveCentre(&child);
+        QCOMPARE(child.frameGeometry().center(), parent.frameGeometry().center());
+
+        parent.move(screen.right() - 20, screen.bottom() - 20);
+        CommonUtils::MoveCentre(&child);
+        QVERIFY(screen.contains(child.frameGeometry()));
+
+        child.resize(screen.size() * 2);
+        CommonUtils::MoveCentre(&child);
+        QCOMPARE(child.frameGeometry().topLeft(), screen.topLeft());
+    }
+
+    void showMessage_data()
+    {
+        QTest::addColumn<QString>("press");
+        QTest::addColumn<int>("result");
+        const auto row = [](const char *press, int result) { QTest::newRow(press) << press << result; };
+        row("Yes", QMessageBox::Ok);
+        row("No", QMessageBox::No);
+        row("Cancel", QMessageBox::Cancel);
+        row("Esc", QMessageBox::Cancel);
+        row("Return", QMessageBox::Ok);
+        row("the frame's close button", QMessageBox::Cancel);
+        row("what deletes the parent", QMessageBox::Cancel);
+    }
+
+    void showMessage()
+    {
+        QFETCH(QString, press);
+        QPointer<QWidget> parent = new QWidget;
+        parent->show();
+        QDialog *shared = nullptr;
+        bool sharedWhileUp = false, clearedAtClose = false;
+        QTimer::singleShot(0, this, [&] {
+            ClipMessageBox *box = shownBox();
+            sharedWhileUp = shared && shared == box->window() && shared->windowTitle() == "[*] title" &&
+                box->text() == "<i>text</i>\n\n%1 detail";
+            const auto buttons = box->buttons();
+            const auto named = [&](QAbstractButton *button) { return button->text() == press; };
+            const auto button = std::find_if(buttons.begin(), buttons.end(), named);
+            if (button != buttons.end())
+                QTest::mouseClick(*button, Qt::LeftButton);
+            else if (press == "the frame's close button")
+                shared->close();
+            else if (press == "what deletes the parent")
+                delete parent;
+            else
+                QTest::keyClick(shared->windowHandle(), Qt::Key(QKeySequence(press)[0]));
+            clearedAtClose = !shared;
+        });
+        const int result =
+            CommonUtils::ShowMessage(QMessageBox::NoIcon, parent, "[*] title", "<i>text</i>", "IDS_YES", "IDS_NO",
+                                     "IDS_CANCEL", true, Qt::WindowCloseButtonHint, &shared, "%1 detail", true);
+        delete parent;
+        QTEST(result, "result");
+        QVERIFY(sharedWhileUp);
+        QVERIFY2(clearedAtClose, "at once");
+    }
+
+    void openUrl_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("shown"); // in the refusal
+        QTest::addColumn<QString>("reason"); // of the refusal; empty when the address is opened
+        const auto rows = [](const QStringList &addresses, const QString &reason) {
+            for (const QString &address : addresses)
+                QTest::newRow(qPrintable(address)) << address << address << reason;
+        };
+        rows({"http://example.com", "https://example.com/a?b=c#d", "HTTP://EXAMPLE.COM/", "http://[2001:db8::1]:8080/",
+              "http://example.com/%C3%BC"},
+             "");
+        const QString scheme = "only http and https are opened", invalid = "not an address";
+        rows({"file:///etc/passwd", "javascript:alert(1)", "tel:+123", "example.com", "/etc/passwd", "x-http://a"},
+             scheme);
+        rows({"http://", "http:example.com"}, "it names no host");
+        rows({"", "http://exa mple.com", "http://example.com:99999/"}, invalid);
+        QTest::newRow("control characters") << "http://a\nb\x1b[31m"
+                                            << "http://a?b?[31m" << invalid;
+        QTest::newRow("endless") << "x:" + QString(100000, 'a') << "x:" + QString(198, 'a') << scheme;
+    }
+
+    void openUrl()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, shown);
+        QFETCH(QString, reason);
+        QList<QUrl> opened;
+        HostUi::setUrlOpener([&](const QUrl &url) {
+            opened << url;
+            return true;
+        });
+        QStringList refused;
+        HostUi::setUrlRefusalListener([&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
+        const bool opens = reason.isEmpty();
+        if (!opens)
+            QTest::ignoreMessage(QtWarningMsg, qPrintable("OpenUrl: refused \"" + shown + "\": " + reason));
+        QCOMPARE(CommonUtils::OpenUrl(address), opens);
+        QCOMPARE(opened, opens ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
+        QCOMPARE(refused, opens ? QStringList() : QStringList(shown));
+    }
+
+    void waitForThread()
+    {
+        QThread idle, busy;
+        QVERIFY(CommonUtils::WaitForThreadToStop(nullptr, 5));
+        QVERIFY(CommonUtils::WaitForThreadToStop(&idle, 5));
+        busy.start();
+        QVERIFY(!CommonUtils::WaitForThreadToStop(&busy, -7));
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(!CommonUtils::WaitForThreadToStop(&busy, 1));
+        QVERIFY2(clock.elapsed() >= 990, "the time is in seconds");
+        busy.quit();
+        QVERIFY(CommonUtils::WaitForThreadToStop(&busy, INT_MAX));
+    }
+
+    void changesLanguage()
+    {
+        const QString id = "IDS_STK_BTN_BACK";
+        for (const auto &[language, text] : {std::pair("de", "Zurück"), {"en", "Back"}, {"xx", "IDS_STK_BTN_BACK"}}) {
+            QCOMPARE(HostUi::setLanguage(STK_TRANSLATION_DIR, language), text != id);
+            QCOMPARE(Change::tr(id, "STKPlugin"), QString::fromUtf8(text));
+            QCOMPARE(Change::tr(id, "LuminePlugin"), id);
         }
     }
-    QVERIFY(used > 0);
-}
 
-// The toolkit's windows have fixed sizes, whatever the language.
-void TestHostUi::buttonTextsFit()
-{
-    const auto width = [](const QStringList &ids) {
-        int sum = 0;
-        for (const QString &id : ids)
-            sum += QPushButton(Change::tr(id, "STKPlugin")).sizeHint().width();
-        return sum;
-    };
-    const int menuGaps = 20 + 20 + 55, inputGaps = 35, margins = 22;
-    for (const QString &language : Languages) {
-        QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, language));
-        const int menu = width({"IDS_STK_BTN_BACK", "IDS_STK_BTN_SELECT", "IDS_STK_BTN_CLOSE"});
-        QVERIFY2(menu + menuGaps + margins <= 380, qPrintable(language));
-        const int input = width({"IDS_STK_BTN_OK", "IDS_STK_BTN_CANCEL"});
-        QVERIFY2(input + inputGaps + margins <= 261, qPrintable(language));
+    void cataloguesAreComplete()
+    {
+        const QMap<QString, QString> english = readCatalogue("en");
+        for (const QString &language : Languages) {
+            const QMap<QString, QString> texts = readCatalogue(language);
+            QCOMPARE(texts.keys(), english.keys());
+            for (auto text = texts.begin(); text != texts.end(); ++text)
+                QVERIFY2(text->count("%1") == english[text.key()].count("%1"), qPrintable(language + ' ' + text.key()));
+        }
+
+        const QString all = english.keys().join(' ') + ' ';
+        const QRegularExpression id("\"(IDS_[A-Z_]+)\"");
+        QDirIterator sources(STK_SOURCE_DIR "/src", {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
+        int used = 0;
+        while (sources.hasNext()) {
+            QFile file(sources.next());
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            auto matches = id.globalMatch(QString::fromUtf8(file.readAll()));
+            for (; matches.hasNext(); ++used) {
+                const QString name = matches.next().captured(1);
+                QVERIFY2(all.contains('/' + name + ' '), qPrintable(file.fileName() + ' ' + name));
+            }
+        }
+        QVERIFY(used > 0);
     }
-}
+
+    // The toolkit's windows have fixed sizes, whatever the language.
+    void buttonTextsFit()
+    {
+        const auto width = [](const QStringList &ids) {
+            int sum = 0;
+            for (const QString &id : ids)
+                sum += QPushButton(Change::tr(id, "STKPlugin")).sizeHint().width();
+            return sum;
+        };
+        const int menuGaps = 20 + 20 + 55, inputGaps = 35, margins = 22;
+        for (const QString &language : Languages) {
+            QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, language));
+            const int menu = width({"IDS_STK_BTN_BACK", "IDS_STK_BTN_SELECT", "IDS_STK_BTN_CLOSE"});
+            QVERIFY2(menu + menuGaps + margins <= 380, qPrintable(language));
+            const int input = width({"IDS_STK_BTN_OK", "IDS_STK_BTN_CANCEL"});
+            QVERIFY2(input + inputGaps + margins <= 261, qPrintable(language));
+        }
+    }
+};
 
 QTEST_MAIN(TestHostUi)
 #include "TestHostUi.moc"
