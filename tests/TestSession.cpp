@@ -9,6 +9,7 @@
 #include <future>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <thread>
 
 #include "CardHost.h"
@@ -226,24 +227,16 @@ TEST_F(SessionTest, TranscriptTellsWhatPassed)
     const Call end = next();
     MOVA_STKSrv_SelectSubMenuItem(one.id, MOVA_SUBMENU_ACTION_BACK, 0);
 
-    const json entries[] = {
-        {{"event", "card"}, {"state", "opened"}, {"name", "Main"}},
-        {{"event", "selection"}, {"item", 3}, {"itemText", "Sub"}},
-        {{"event", "response"},
-         {"command", "SELECT ITEM"},
-         {"id", one.id},
-         {"result", "ok"},
-         {"item", 7},
-         {"itemText", "Deeper"},
-         {"by", "MOVA_STKSrv_SelectSubMenuItem"}},
-        {{"event", "endSession"}, {"id", end.id}},
-        {{"event", "refused"},
-         {"call", "MOVA_STKSrv_SelectSubMenuItem"},
-         {"id", one.id},
-         {"status", -4},
-         {"reason", "no such command in progress"}},
-    };
-    for (const json &entry : entries)
+    const std::string id = R"("id":)" + std::to_string(one.id);
+    const std::string response = R"({"event":"response","command":"SELECT ITEM","result":"ok","item":7,)";
+    const std::string refused = R"({"event":"refused","status":-4,"reason":"no such command in progress",)";
+    for (const json &entry : {
+             R"({"event":"card","state":"opened","name":"Main"})"_json,
+             R"({"event":"selection","item":3,"itemText":"Sub"})"_json,
+             json::parse(response + id + R"(,"itemText":"Deeper","by":"MOVA_STKSrv_SelectSubMenuItem"})"),
+             json::parse(refused + id + R"(,"call":"MOVA_STKSrv_SelectSubMenuItem"})"),
+             json{{"event", "endSession"}, {"id", end.id}},
+         })
         EXPECT_EQ(last(entry["event"]), entry);
     const std::string menu = "SET UP MENU #" + std::to_string(one.id - 1);
     const std::string item = "SELECT ITEM #" + std::to_string(one.id);
@@ -326,14 +319,11 @@ TEST_F(SessionTest, CommandsReachTheirRecords)
 TEST_F(SessionTest, AnswersTakeTheirBranch)
 {
     open();
-    const char *const branches = R"({"command":"displayText","text":"t","on":{"ok":[{"command":"raw","type":50}],
-        "terminated":[{"command":"raw","type":51}],"notSupported":[{"command":"raw","type":52}],
-        "otherwise":[{"command":"raw","type":53}]}})";
-    const char *const input = R"({"command":"getInput","text":"t","on":{"ok":[{"command":"raw","type":50}],
-        "cancelled":[{"command":"raw","type":51}],
-        "text":{"1":[{"command":"raw","type":54}],"*":[{"command":"raw","type":55}]}}})";
-    const char *const yesNo = R"({"command":"getInkey","text":"t","inputType":1,"on":{
-        "yes":[{"command":"raw","type":56}],"no":[{"command":"raw","type":57}]}})";
+    const char *const branches = R"({"command":"displayText","text":"t","on":{"ok":[@50],"terminated":[@51],
+        "notSupported":[@52],"otherwise":[@53]}})";
+    const char *const input = R"({"command":"getInput","text":"t","on":{"ok":[@50],"cancelled":[@51],
+        "text":{"1":[@54],"*":[@55]}}})";
+    const char *const yesNo = R"({"command":"getInkey","text":"t","inputType":1,"on":{"yes":[@56],"no":[@57]}})";
     // The answer, of one with text: whether the user accepted; its text; the type of what comes next.
     const std::tuple<const char *, int, uint16_t, int> rows[] = {
         {branches, 1, 0, 50}, {branches, 0, 0, 51},
@@ -344,7 +334,8 @@ TEST_F(SessionTest, AnswersTakeTheirBranch)
     };
     for (const auto &[command, answer, character, type] : rows) {
         const uint16_t text[] = {character, 0};
-        const Call call = send(command);
+        const std::regex raw("@([0-9]+)");
+        const Call call = send(std::regex_replace(command, raw, R"({"command":"raw","type":$1})"));
         if (call.type == MOVA_STKTYPE_DISPLAY_TEXT)
             EXPECT_EQ(respond(call, call.type, answer), 0);
         else if (call.type == MOVA_STKTYPE_GET_INKEY)
