@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QTimer>
 #include <functional>
 
@@ -182,7 +183,7 @@ private slots:
                     modem.status[call] = -1;
                     ok()->click();
                     QCOMPARE(ui.messages.join("\n"),
-                             "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK||");
+                             "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK|||1,1,8000000,1|");
                     QVERIFY(window());
                     modem.status[call] = way.error;
                 }
@@ -227,6 +228,20 @@ private slots:
                                  "Memory is null  " FILE_NAME ": setStkInputObjectName: TIME: "})
             QVERIFY2(trace.contains(text), text);
         QCOMPARE(modem.takeCalls(), QStringList());
+    }
+
+    void aLongPromptScrolls()
+    {
+        for (const QString &prompt : {QString("ten chars ").repeated(24), QString(60, QChar('W')), QString("short")}) {
+            dialog->SetInputRequest(StkInKeyRequest{prompt, 0, 0, 0, 1, 0, 9, ""});
+            showAnd([prompt] {
+                QAbstractScrollArea *const view = window()->findChild<QAbstractScrollArea *>("STKPlugin_PromptView");
+                QCOMPARE(view != nullptr, prompt != "short");
+                if (view)
+                    QVERIFY(view->verticalScrollBar()->maximum() > 0 || !prompt.contains(' '));
+                cancel()->click();
+            });
+        }
     }
 
     void theFrameMayDieWithItsParent()

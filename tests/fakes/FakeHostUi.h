@@ -11,7 +11,7 @@ class ClipSound;
  * real ones. */
 struct FakeHostUi {
     QString language;                                             /* in front of every translated text */
-    QStringList messages;                                         /* title|text|button1|button2|button3 of every box */
+    QStringList messages;                                         /* title|text|button1|button2|button3|icon,modal,flags,centre|detail of every box */
     QMessageBox::StandardButton messageAnswer = QMessageBox::Ok;  /* of the next boxes, at once; 0: they stay up */
     QStringList openedUrls;
     QStringList soundsPlayed;                                     /* the file of every Play() */
