@@ -63,8 +63,7 @@ QString textProblem(const ClipMessageBox &box, const QString &text)
 ClipMessageBox *shownBox()
 {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
-        auto *box = widget->isVisible() ? widget->findChild<ClipMessageBox *>() : nullptr;
-        if (box)
+        if (auto *box = widget->isVisible() ? widget->findChild<ClipMessageBox *>() : nullptr)
             return box;
     }
     return nullptr;
@@ -300,11 +299,11 @@ private slots:
         QFETCH(QString, shown);
         QFETCH(QString, reason);
         QList<QUrl> opened;
+        QStringList refused;
         HostUi::setUrlOpener([&](const QUrl &url) {
             opened << url;
             return true;
         });
-        QStringList refused;
         HostUi::setUrlRefusalListener([&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
         const bool opens = reason.isEmpty();
         if (!opens)
@@ -368,19 +367,15 @@ private slots:
     // The toolkit's windows have fixed sizes, whatever the language.
     void buttonTextsFit()
     {
-        const auto width = [](const QStringList &ids) {
-            int sum = 0;
-            for (const QString &id : ids)
-                sum += QPushButton(Change::tr(id, "STKPlugin")).sizeHint().width();
-            return sum;
+        const auto width = [](const char *id) {
+            return QPushButton(Change::tr(QString("IDS_STK_BTN_") + id, "STKPlugin")).sizeHint().width();
         };
         const int menuGaps = 20 + 20 + 55, inputGaps = 35, margins = 22;
         for (const QString &language : Languages) {
             QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, language));
-            const int menu = width({"IDS_STK_BTN_BACK", "IDS_STK_BTN_SELECT", "IDS_STK_BTN_CLOSE"});
+            const int menu = width("BACK") + width("SELECT") + width("CLOSE");
             QVERIFY2(menu + menuGaps + margins <= 380, qPrintable(language));
-            const int input = width({"IDS_STK_BTN_OK", "IDS_STK_BTN_CANCEL"});
-            QVERIFY2(input + inputGaps + margins <= 261, qPrintable(language));
+            QVERIFY2(width("OK") + width("CANCEL") + inputGaps + margins <= 261, qPrintable(language));
         }
     }
 };
