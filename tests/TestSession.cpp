@@ -282,7 +282,9 @@ TEST_F(SessionTest, RefusesCallsThatDoNotFitTheCommand)
 TEST_F(SessionTest, CommandsReachTheirRecords)
 {
     open();
-    EXPECT_EQ(details(MOVA_STKSrv_GetSubMenu, select(3)).sDefaultItem, 7);
+    auto menu = details(MOVA_STKSrv_GetSubMenu, select(3));
+    EXPECT_EQ(menu.sDefaultItem, 7);
+    EXPECT_EQ(MOVA_STKSrv_ReleaseSubMenus(&menu), 0);
 
     const Call toneCall = send(R"({"command":"playTone","tone":-2,"duration":65535,"text":"♪"})");
     const auto tone = details(MOVA_STKSrv_GetPlayTone, toneCall);
