@@ -35,6 +35,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+const int MAX_DEPTH = 40;
+
 /* Random numbers of one thread. */
 class Dice {
 public:
@@ -268,6 +270,8 @@ class Queue : public QObject {
     Q_OBJECT
 public:
     std::atomic<int> waiting{0};
+    std::atomic<int> depth{
+        0}; /* event loops on top of each other: every window under another has one */
 public slots:
     void take() { --waiting; }
 };
@@ -297,6 +301,8 @@ private:
 
     void act()
     {
+        if (m_queue->depth > MAX_DEPTH)
+            return; // the user must close some windows first: the stack is not endless
         if (m_dice.once(60)) {
             modem->deviceCallback.load()(6600 + m_dice.upTo(4), nullptr);
             return;
@@ -333,9 +339,10 @@ QDialog *toolkitWindow()
 /* The user: does something to the window on top, or opens the toolkit. */
 class User : public QObject {
 public:
-    User(unsigned seed, QWidget *mainWindow, Clock::time_point end)
+    User(unsigned seed, QWidget *mainWindow, Queue *queue, Clock::time_point end)
         : m_dice(seed)
         , m_mainWindow(mainWindow)
+        , m_queue(queue)
         , m_end(end)
     {
     }
@@ -346,6 +353,7 @@ public:
     {
         if (stopped)
             return;
+        m_queue->depth = QThread::currentThread()->loopLevel();
         QTimer::singleShot(2, this, [this] { goOn(); });
         act();
     }
@@ -411,6 +419,7 @@ private:
 
     Dice m_dice;
     QWidget *m_mainWindow;
+    Queue *m_queue;
     const Clock::time_point m_end;
 };
 
@@ -508,7 +517,7 @@ int main(int argc, char **argv)
     Kept keptAtStart;
     const Clock::time_point start = Clock::now(), end = start + std::chrono::seconds(seconds);
     Queue queue;
-    User user(seed + 1, &mainWindow, end);
+    User user(seed + 1, &mainWindow, &queue, end);
     QTimer clerk;
     user.goOn();
     {

@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QClipboard>
 #include <QFile>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -388,9 +389,13 @@ void MainWindow::refreshTexts()
 
 void MainWindow::chooseCard()
 {
-    const QString file = QFileDialog::getOpenFileName(
-        this, text("IDS_CM_OPEN_TITLE"), QCoreApplication::applicationDirPath() + "/../cards",
-        text("IDS_CM_CARD_FILES") + " (*.json)");
+    // Beside the programs of an installed tree; above the build folder of a checkout.
+    QString folder = QCoreApplication::applicationDirPath() + "/../cards";
+    if (!QDir(folder).exists())
+        folder = QCoreApplication::applicationDirPath() + "/../../cards";
+    const QString file =
+        QFileDialog::getOpenFileName(this, text("IDS_CM_OPEN_TITLE"), QDir::cleanPath(folder),
+                                     text("IDS_CM_CARD_FILES") + " (*.json)");
     if (!file.isEmpty())
         openCard(file);
 }
