@@ -11,8 +11,7 @@ class QVBoxLayout;
  *
  * Unlike a plain dialog it takes the button that has the focus when it is shown as its default
  * button, so that Return means what the focus says. */
-class HOSTUI_API ExtendDialog : public QDialog
-{
+class HOSTUI_API ExtendDialog : public QDialog {
     Q_OBJECT
 
 public:
@@ -33,6 +32,9 @@ public slots:
 
 protected:
     void showEvent(QShowEvent *event);
+
+private slots:
+    void claimKeyboard();
 
 private:
     QVBoxLayout *m_layout;

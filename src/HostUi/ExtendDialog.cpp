@@ -4,6 +4,7 @@
 #include <QDesktopWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #if QT_VERSION >= 0x050000
@@ -35,6 +36,7 @@ static void showTitleAsTyped(QWidget *) { }
 namespace {
 
 const int MessageFrame = 4;
+const int ActivationMs = 120;
 
 // Some window managers draw neither title nor close button for a window that asks for the close
 // button alone.
@@ -92,6 +94,14 @@ void ExtendDialog::setVisible(bool visible)
     wanted->setDefault(true);
 }
 
+/* A window that another one of this program has just made way for can be left without the keyboard:
+ * the window manager shows it as active, and the keys still go to the window behind it. */
+void ExtendDialog::claimKeyboard()
+{
+    if (isVisible() && !isActiveWindow() && QApplication::activeModalWidget() == this)
+        activateWindow();
+}
+
 void ExtendDialog::changeSize(QSize size)
 {
     const QSize screen = QApplication::desktop()->availableGeometry(this).size();
@@ -105,5 +115,7 @@ void ExtendDialog::changeSize(QSize size)
 void ExtendDialog::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
+    if (isWindow())
+        QTimer::singleShot(ActivationMs, this, SLOT(claimKeyboard()));
     showTitleAsTyped(this);
 }
