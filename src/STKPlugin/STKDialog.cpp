@@ -356,9 +356,9 @@ void STKDialog::connectWidgets()
     connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
 }
 
-bool STKDialog::initUI(QWidget *parent)
+/* The frame takes its widgets along; the two timers stay behind as this object's children. */
+void STKDialog::forgetWindow()
 {
-    TRACE_START();
     m_pTableWidget = nullptr;
     m_pBtnBack = nullptr;
     m_pExtendDlg = nullptr;
@@ -369,6 +369,12 @@ bool STKDialog::initUI(QWidget *parent)
         m_pStkTimer->stop(); // it must not reach into the next showing
     m_pStkTimer = nullptr;
     m_pPlayToneTimer = nullptr;
+}
+
+bool STKDialog::initUI(QWidget *parent)
+{
+    TRACE_START();
+    forgetWindow();
     m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
     if (!m_pExtendDlg) {
         TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
@@ -631,18 +637,8 @@ void STKDialog::onButtonClickClose()
     }
     // A frame that turned the close into a selection is still there, also when the selection was
     // refused or answered so fast that no wait is running any more: it keeps its widgets.
-    if (bClosed && m_pStkThread && !m_pStkThread->isRunning() && !m_bEnterPressed) {
-        if (m_pStkTimer)
-            m_pStkTimer->stop(); // it must not reach into the next showing
-        m_pPlayToneTimer = nullptr;
-        m_pTableWidget = nullptr;
-        m_pBtnBack = nullptr;
-        m_pExtendDlg = nullptr;
-        m_pMainWidget = nullptr;
-        m_pBtnSelect = nullptr;
-        m_pBtnClose = nullptr;
-        m_pStkTimer = nullptr;
-    }
+    if (bClosed && m_pStkThread && !m_pStkThread->isRunning() && !m_bEnterPressed)
+        forgetWindow();
     TRACE_END();
 }
 
@@ -686,8 +682,7 @@ void STKDialog::onSTKSelItem()
 void STKDialog::onSTKEndSession()
 {
     TRACE_START();
-    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
-        m_pStkInputDlg->CloseDlg();
+    closeInputDlg();
     showMainMenu();
     if (m_pStkLogic)
         m_pStkLogic->UpdateCBReturnVal(true);
@@ -733,8 +728,7 @@ void STKDialog::onSTKTimeOut()
     if (m_strTimerType == "STK_DEVICE_TIMER") {
         m_strTimerType = "";
         m_pStkTimer->stop();
-        if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
-            m_pStkInputDlg->CloseDlg();
+        closeInputDlg();
         onButtonClickClose();
     } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
         m_strTimerType = "";
@@ -1104,11 +1098,16 @@ QWidget *STKDialog::dialogParent() const
     return m_pExtendDlg ? m_pExtendDlg->parentWidget() : nullptr;
 }
 
+void STKDialog::closeInputDlg()
+{
+    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
+        m_pStkInputDlg->CloseDlg();
+}
+
 void STKDialog::onCloseInputDlg()
 {
     TRACE_START();
-    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
-        m_pStkInputDlg->CloseDlg();
+    closeInputDlg();
     TRACE_END();
 }
 

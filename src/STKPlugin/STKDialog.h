@@ -139,6 +139,8 @@ private:
 
     void connectLogic();
     void connectWidgets();
+    void forgetWindow();
+    void closeInputDlg();
     void fillTable(const StkMenuItems &menu);
     int itemIdOf(const StkMenuItems &menu, const QString &strText);
     void fetchAndShowMainMenu();
