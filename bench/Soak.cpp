@@ -270,10 +270,18 @@ class Queue : public QObject {
     Q_OBJECT
 public:
     std::atomic<int> waiting{0};
-    std::atomic<int> depth{
-        0}; /* event loops on top of each other: every window under another has one */
+    /* event loops on top of each other: every window under another has one */
+    std::atomic<int> depth{0};
+
+    /* How deep it may get when every waiting command opens a window on top of the others: a slow
+     * machine may have no time for the user between them. */
+    int deepest() const { return depth + waiting; }
 public slots:
-    void take() { --waiting; }
+    void take()
+    {
+        depth = QThread::currentThread()->loopLevel(); // first, so that deepest() never falls short
+        --waiting;
+    }
 };
 
 /* The card: a thread that sends whatever comes to its mind. */
@@ -301,7 +309,7 @@ private:
 
     void act()
     {
-        if (m_queue->depth > MAX_DEPTH)
+        if (m_queue->deepest() >= MAX_DEPTH)
             return; // the user must close some windows first: the stack is not endless
         if (m_dice.once(60)) {
             modem->deviceCallback.load()(6600 + m_dice.upTo(4), nullptr);
