@@ -60,6 +60,8 @@ const char *resultName(TerminalResponse::Result result)
         return "notSupported";
     case TerminalResponse::Result::NoResponse:
         return "noResponse";
+    case TerminalResponse::Result::Unable:
+        return "unable";
     case TerminalResponse::Result::Other:
         break;
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ServiceFunction.h"
+#include "cat/TextString.h"
 #include "platform/ModemService.h"
 
 // The proactive commands of a card as values, one structure for each (ETSI TS 102 223 clause 6.4).
@@ -143,11 +144,34 @@ using CommandBody = std::variant<UnknownCommand, SetUpMenu, DisplayText, GetInke
                                  SetUpCall, PlayTone, SelectItem, Refresh, SendSs, SendShortMessage,
                                  SendUssd, LaunchBrowser, SetUpIdleModeText>;
 
+/// What the card is told of a command that it sent (ETSI TS 102 223 clause 6.8).
+struct TerminalResponse {
+    enum class Result {
+        Performed, ///< carried out, or answered with an item or a text
+        BackwardMove, ///< back in the session
+        Cancelled, ///< the user closed the input without an answer
+        Terminated, ///< the user ended the session, or nothing could handle the command
+        NotSupported, ///< beyond the terminal's capabilities
+        NoResponse, ///< the response time ran out
+        Unable, ///< the terminal is currently unable to do it: there is no service
+        Other ///< any other number in a response without data
+    };
+
+    Result result = Result::Performed;
+    std::optional<int16_t> item = std::nullopt; ///< identifier of the chosen item
+    std::optional<std::string> text = std::nullopt; ///< the text that was entered, UTF-8
+    std::optional<int32_t> value = std::nullopt; ///< the number of a response without data
+};
+
 struct ProactiveCommand {
     CommandBody body;
-    Faults faults; ///< for calls about this command
+    Faults faults{}; ///< for calls about this command
     std::chrono::milliseconds responseTime{
         0}; ///< how long the card waits for the answer, 0 for ever
+    TerminalResponse modemAnswer{}; ///< to what the modem answers by itself
+    /// How the text that the user enters will be coded; a text that cannot be is refused.  Nothing
+    /// where every text is taken.
+    std::optional<cat::TextCoding> answerCoding = std::nullopt;
 };
 
 int32_t commandType(const CommandBody &body);
@@ -158,25 +182,8 @@ const CommandMenu *commandMenu(const CommandBody &body);
 /// Short Message, Send USSD.
 bool isAnsweredByModem(const CommandBody &body);
 
-/// What the card is told of a command that it sent (ETSI TS 102 223 clause 6.8).
-struct TerminalResponse {
-    enum class Result {
-        Performed, ///< carried out, or answered with an item or a text
-        BackwardMove, ///< back in the session
-        Cancelled, ///< the user closed the input without an answer
-        Terminated, ///< the user ended the session, or nothing could handle the command
-        NotSupported, ///< beyond the terminal's capabilities
-        NoResponse, ///< the response time ran out
-        Other ///< any other number in a response without data
-    };
-
-    Result result = Result::Performed;
-    std::optional<int16_t> item = std::nullopt; ///< identifier of the chosen item
-    std::optional<std::string> text = std::nullopt; ///< the text that was entered, UTF-8
-    std::optional<int32_t> value = std::nullopt; ///< the number of a response without data
-};
-
-/// "ok", "back", "cancelled", "terminated", "notSupported", "noResponse" or "other".
+/// "ok", "back", "cancelled", "terminated", "notSupported", "noResponse", "unable" or
+/// "other".
 const char *resultName(TerminalResponse::Result result);
 
 #endif

@@ -23,6 +23,8 @@ const char *statusText(int32_t status)
         return "another callback is registered";
     case StatusNotRegistered:
         return "not registered";
+    case StatusNotEncodable:
+        return "the card's coding cannot carry the text";
     default:
         return "";
     }

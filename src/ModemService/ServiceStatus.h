@@ -15,7 +15,8 @@ enum ServiceStatus : int32_t {
     StatusUnknownItem = -6, ///< the menu has no item with this identifier
     StatusBadArgument = -7, ///< a null pointer, or a number without a meaning here
     StatusRegistered = -8, ///< another callback is registered
-    StatusNotRegistered = -9 ///< this callback is not the registered one
+    StatusNotRegistered = -9, ///< this callback is not the registered one
+    StatusNotEncodable = -10 ///< the card's coding cannot carry the text
 };
 
 /// The same in words, for the transcript; empty for a number that is not in the list.

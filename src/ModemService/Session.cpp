@@ -197,6 +197,10 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
     Guard guard(*this);
     if (const int32_t status = commandStatus(function, commandId, type))
         return refuse(function, commandId, status);
+    const auto &coding = m_current->command.answerCoding;
+    const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
+    if (enters && coding && !cat::encodeTextString(*response.text, *coding))
+        return refuse(function, commandId, StatusNotEncodable);
     answerCurrent(response, function);
     return StatusSuccess;
 }
@@ -388,8 +392,9 @@ std::optional<TerminalResponse> Session::closeCurrent()
         return std::nullopt;
     using Result = TerminalResponse::Result;
     const CommandBody &body = m_current->command.body;
-    const TerminalResponse response{isAnsweredByModem(body) ? Result::Performed
-                                                            : Result::Terminated};
+    const TerminalResponse response = isAnsweredByModem(body)
+        ? m_current->command.modemAnswer
+        : TerminalResponse{Result::Terminated};
     m_transcript.response(m_current->id, body, response, std::nullopt);
     m_current.reset();
     return response;
@@ -467,6 +472,7 @@ bool Session::pollCard(Lock &lock, Card::Time &wakeUp)
     lock.unlock();
     std::optional<CardEvent> event = card->nextEvent(Card::Clock::now());
     wakeUp = card->wakeUp();
+    m_transcript.deliver();
     lock.lock();
     if (!event)
         return false;
@@ -480,7 +486,7 @@ bool Session::passDeadline(Lock &lock)
     if (Card::Clock::now() < deadline())
         return false;
     if (isAnsweredByModem(m_current->command.body)) {
-        answerCurrent({TerminalResponse::Result::Performed}, std::nullopt);
+        answerCurrent(m_current->command.modemAnswer, std::nullopt);
         return true;
     }
     postResponse({TerminalResponse::Result::NoResponse});

@@ -1,5 +1,6 @@
 #include "Transcript.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <nlohmann/json.hpp>
@@ -21,6 +22,7 @@ namespace {
 constexpr const char *FromCard = "card → terminal";
 constexpr const char *ToCard = "terminal → card";
 constexpr const char *OfModem = "modem          ";
+constexpr const char *Wire = "APDU           ";
 
 std::string number(int64_t value)
 {
@@ -32,7 +34,7 @@ std::string quoted(const std::string &text)
     return '"' + oneLine(text) + '"';
 }
 
-std::string hex(const std::vector<uint8_t> &bytes)
+std::string hex(cat::ByteView bytes)
 {
     std::string digits;
     for (uint8_t byte : bytes) {
@@ -152,6 +154,22 @@ std::string commandNumber(const char *name, int16_t id)
     return std::string(name) + " #" + number(id);
 }
 
+// What the user types unseen is nobody's to read: most often it is a PIN.
+bool isHidden(const CommandBody &body)
+{
+    const auto *input = std::get_if<GetInput>(&body);
+    return input && input->echo != 1;
+}
+
+// An asterisk for each character.
+std::string blanked(const std::string &utf8)
+{
+    const auto isStart = [](char unit) {
+        return (static_cast<unsigned char>(unit) & 0xc0) != 0x80;
+    };
+    return std::string(static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), isStart)), '*');
+}
+
 // The time of day for people, local; date and time for programs, UTC (ISO 8601), both to the
 // millisecond.
 std::pair<std::string, std::string> timeStamps()
@@ -253,8 +271,9 @@ void Transcript::response(int16_t id, const CommandBody &body, const TerminalRes
         }
     }
     if (response.text) {
-        json["text"] = *response.text;
-        text += ", " + quoted(*response.text);
+        const std::string shown = isHidden(body) ? blanked(*response.text) : *response.text;
+        json["text"] = shown;
+        text += ", " + quoted(shown);
     }
     append({function ? ToCard : OfModem, text, std::move(json)});
 }
@@ -295,6 +314,29 @@ void Transcript::refused(ServiceFunction function, std::optional<int16_t> id, in
     json["status"] = status;
     json["reason"] = reason;
     append({ToCard, text + ": " + reason + " (" + number(status) + ')', std::move(json)});
+}
+
+void Transcript::notice(const CardHost::Notice &notice)
+{
+    append({OfModem,
+            oneLine(notice.text),
+            {{"event", "notice"}, {"text", notice.text}, {"problem", notice.problem}}});
+}
+
+void Transcript::answeredByModem(const std::string &command, const std::string &result)
+{
+    append({OfModem,
+            command + ": " + result,
+            {{"event", "answeredByModem"}, {"command", command}, {"result", result}}});
+}
+
+void Transcript::apdu(cat::ByteView command, cat::ByteView response)
+{
+    if (!hasListeners())
+        return;
+    append({Wire,
+            hex(command) + " → " + hex(response),
+            {{"event", "apdu"}, {"command", hex(command)}, {"response", hex(response)}}});
 }
 
 void Transcript::append(const Line &line)

@@ -13,6 +13,7 @@
 
 #include "CardHost.h"
 #include "ProactiveCommand.h"
+#include "cat/Bytes.h"
 
 /// What passes between card and terminal, told to whoever listens.
 ///
@@ -39,6 +40,13 @@ public:
     void endOfSession(int16_t id);
     /// A call that failed; `id` is the command that it was about.
     void refused(ServiceFunction function, std::optional<int16_t> id, int32_t status);
+
+    /// What a card in a reader says of itself.
+    void notice(const CardHost::Notice &notice);
+    /// A proactive command that the modem answered without telling anybody, with the result in words.
+    void answeredByModem(const std::string &command, const std::string &result);
+    /// One command to the card, and its answer with the status words.
+    void apdu(cat::ByteView command, cat::ByteView response);
 
     /// Tells the listeners what was written.  When it returns, everything that was written before
     /// the call has been told, by this thread or another; called from a listener it returns at

@@ -1,0 +1,38 @@
+#ifndef CARDCHANNEL_H
+#define CARDCHANNEL_H
+
+#include <optional>
+#include <string>
+
+#include "cat/Bytes.h"
+
+/// The way to one card.
+class CardChannel {
+public:
+    enum class State {
+        NoDaemon, ///< no smart-card daemon answers
+        NoReader,
+        NoCard,
+        Mute, ///< a card that does not answer
+        InUse, ///< another program keeps it for itself
+        Ready
+    };
+    struct Status {
+        State state = State::NoCard;
+        std::string text; ///< for people, one line that names reader and reason
+    };
+
+    virtual ~CardChannel() = default;
+
+    /// Switches the card on, or resets it, and keeps it for this program alone.
+    virtual Status connect() = 0;
+    /// Gives the card back.
+    virtual void disconnect() = 0;
+    /// Whether the card has been in its place without a break since connect().
+    virtual bool isPresent() = 0;
+    /// One exchange as the transport carries it, without GET RESPONSE; the result ends with the two
+    /// status words.  Nothing: the card is gone, or does not answer.
+    virtual std::optional<cat::Bytes> transmit(cat::ByteView command) = 0;
+};
+
+#endif
