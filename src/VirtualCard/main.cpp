@@ -1,0 +1,257 @@
+/* A card in the virtual reader of the smart-card daemon. */
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include <getopt.h>
+
+#include "FaultPlan.h"
+#include "PlayedCard.h"
+#include "ReaderLink.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds BetweenTries(100);
+constexpr int LongestEndless = 100; // commands, when faults come at random
+
+const char Usage[] =
+    "Usage: VirtualCard [OPTION]... FILE\n"
+    "Puts the card that FILE describes into a virtual smart-card reader.\n\n"
+    "  --host NAME       where the virtual reader listens (localhost)\n"
+    "  --port NUMBER     its port (35963)\n"
+    "  --misbehave PLAN  FAULT@N: at the Nth command; FAULT@each: at the first command after a "
+    "start\n"
+    "                    of the card, then the second, and so on; a number: at random, from this "
+    "seed.\n"
+    "                    FAULT is slow, cut, wrongLength, endless, 6F00, 9300, garbage or remove\n"
+    "  --report FILE     write what was played, as JSON, at the end\n"
+    "  --require-all     a step that was not played is an error, too\n"
+    "  --help            show this help\n\n"
+    "It plays until SIGINT or SIGTERM; SIGUSR1 takes the card out for a moment. Exit status: 0, 1 "
+    "after\n"
+    "a terminal response that was not expected, 2 when it cannot start.\n";
+
+struct Options {
+    std::string host = "localhost", port = "35963", report, file;
+    FaultPlan faults;
+    bool requireAll = false;
+};
+
+[[noreturn]] void giveUp(const std::string &reason)
+{
+    std::cerr << "VirtualCard: " << reason << '\n';
+    std::exit(2);
+}
+
+Options readOptions(int argc, char **argv)
+{
+    const option known[] = {{"host", required_argument, nullptr, 'h'},
+                            {"port", required_argument, nullptr, 'p'},
+                            {"misbehave", required_argument, nullptr, 'm'},
+                            {"report", required_argument, nullptr, 'r'},
+                            {"require-all", no_argument, nullptr, 'a'},
+                            {"help", no_argument, nullptr, '?' + 1},
+                            {nullptr, 0, nullptr, 0}};
+    Options options;
+    int found;
+    while ((found = getopt_long(argc, argv, "", known, nullptr)) != -1) {
+        const std::string value = optarg ? optarg : "";
+        switch (found) {
+        case 'h':
+            options.host = value;
+            break;
+        case 'p':
+            options.port = value;
+            break;
+        case 'r':
+            options.report = value;
+            break;
+        case 'a':
+            options.requireAll = true;
+            break;
+        case 'm':
+            if (const auto plan = FaultPlan::read(value))
+                options.faults = *plan;
+            else
+                giveUp("--misbehave: expected FAULT@N, FAULT@each or a number, found \"" + value +
+                       '"');
+            break;
+        case '?':
+            std::exit(2); // getopt has said why
+        default:
+            std::cout << Usage;
+            std::exit(0);
+        }
+    }
+    if (optind + 1 != argc)
+        giveUp("expected one file that describes a card; see --help");
+    options.file = argv[optind];
+    return options;
+}
+
+/* The card in its reader. */
+class Player {
+public:
+    Player(const Options &options, const CardFile &file)
+        : m_link(options.host, options.port)
+        , m_card(file)
+        , m_faults(options.faults)
+    {
+    }
+
+    void play()
+    {
+        say("waiting for the virtual reader");
+        for (auto signal = m_link.takeSignal(); signal != ReaderLink::Signal::End;
+             signal = m_link.takeSignal()) {
+            if (signal == ReaderLink::Signal::TakeOut)
+                takeOut();
+            else if (m_link.isConnected())
+                serve();
+            else if (m_link.connect())
+                say("in the reader");
+            else
+                m_link.wait(BetweenTries);
+        }
+    }
+
+    const PlayedCard &card() const { return m_card; }
+    long commands() const { return m_commands; }
+
+private:
+    void serve()
+    {
+        const auto message = m_link.receive();
+        if (!message) {
+            if (!m_link.isConnected())
+                say("the reader is gone");
+            return;
+        }
+        if (message->size() == 1)
+            control(message->front());
+        else
+            command(*message);
+        for (; m_toldMismatches < m_card.mismatches().size(); ++m_toldMismatches)
+            std::cerr << *std::next(m_card.mismatches().begin(),
+                                    static_cast<long>(m_toldMismatches))
+                      << std::endl;
+    }
+
+    /* Power off, power on, reset, and the wish for an answer to reset. */
+    void control(uint8_t code)
+    {
+        const bool mute = m_card.file().kind == CardFile::Kind::Mute;
+        if (code == 4) {
+            // The reader asks all the time, to see whether the card is there.
+            m_link.send(mute && m_started ? cat::Bytes() : m_card.file().atr);
+            m_started = false;
+            return;
+        }
+        m_started = code != 0;
+        m_card.reset();
+        m_faults.cardStarted();
+        if (m_started)
+            say("starts");
+    }
+
+    void command(const cat::Bytes &command)
+    {
+        ++m_commands;
+        const auto fault = m_faults.next();
+        if (!fault) {
+            m_link.send(m_card.answer(command));
+            return;
+        }
+        say(faultName(*fault));
+        misbehave(*fault, command);
+    }
+
+    void misbehave(Fault fault, const cat::Bytes &command)
+    {
+        switch (fault) {
+        case Fault::Slow:
+            m_link.wait(m_faults.slowness());
+            m_link.send(m_card.answer(command));
+            break;
+        case Fault::Cut:
+            m_link.send(m_card.answer(command), 1);
+            takeOut();
+            break;
+        case Fault::WrongLength:
+            m_link.send(m_faults.wrongLength(m_card.answer(command)));
+            break;
+        case Fault::Endless:
+            m_card.playEndless(m_faults.isRandom() ? std::optional(LongestEndless) : std::nullopt);
+            m_link.send(m_card.answer(command));
+            break;
+        case Fault::Error:
+            m_link.send(cat::Bytes{0x6f, 0x00});
+            break;
+        case Fault::Busy:
+            m_link.send(cat::Bytes{0x93, 0x00});
+            break;
+        case Fault::Garbage:
+            m_link.send(m_faults.garbage());
+            break;
+        case Fault::Remove:
+            takeOut();
+            break;
+        }
+    }
+
+    void takeOut()
+    {
+        say("taken out");
+        m_link.disconnect();
+        m_card.reset();
+        m_link.wait(m_faults.absence());
+    }
+
+    void say(const char *what) { std::cout << "VirtualCard: " << what << std::endl; }
+
+    ReaderLink m_link;
+    PlayedCard m_card;
+    FaultPlan m_faults;
+    bool m_started = false; // since the reader asked for the answer to reset
+    long m_commands = 0;
+    size_t m_toldMismatches = 0;
+};
+
+void writeReport(const Options &options, const Player &player)
+{
+    nlohmann::ordered_json report = {{"card", options.file},
+                                     {"commands", player.commands()},
+                                     {"complete", player.card().isComplete()},
+                                     {"mismatches", player.card().mismatches()},
+                                     {"steps", nlohmann::json::array()}};
+    for (const auto &[place, count] : player.card().steps())
+        report["steps"].push_back(
+            {{"step", place}, {"ok", count.ok}, {"mismatches", count.mismatches}});
+    std::ofstream file(options.report);
+    file << report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    if (!file.flush())
+        giveUp(options.report + ": cannot write the report");
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const Options options = readOptions(argc, argv);
+    try {
+        Player player(options, CardFile::read(options.file));
+        player.play();
+        if (!options.report.empty())
+            writeReport(options, player);
+        const bool complete = !options.requireAll || player.card().isComplete();
+        if (!complete)
+            std::cerr << options.file << ": not every step was played\n";
+        return complete && player.card().mismatchCount() == 0 ? 0 : 1;
+    } catch (const std::exception &error) {
+        giveUp(error.what());
+    }
+}
