@@ -289,5 +289,81 @@
         <source>IDS_CM_URL_NO_HOST</source>
         <translation>لا يذكر مضيفًا</translation>
     </message>
+    <message>
+        <source>IDS_CM_READER</source>
+        <translation>قارئ البطاقات: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_CARD</source>
+        <translation>بطاقة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_EMPTY</source>
+        <translation>فارغ</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_MUTE</source>
+        <translation>لا استجابة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_IN_USE</source>
+        <translation>قيد الاستخدام</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_GONE</source>
+        <translation>غير متصل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_READER</source>
+        <translation>قارئ البطاقات: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_NONE</source>
+        <translation>لا يوجد</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING</source>
+        <translation>في انتظار البطاقة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_BROWSER</source>
+        <translation>طلبت البطاقة %1، لكن تعذّر تشغيل أي متصفح.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TITLE</source>
+        <translation>رقم PIN لبطاقة SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_ASKS</source>
+        <translation>تطلب «%1» رقم PIN الخاص بها.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_WRONG</source>
+        <translation>كان رقم PIN الأخير خاطئًا.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_FIELD</source>
+        <translation>رقم &amp;PIN (من 4 إلى 8 أرقام):</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TRIES</source>
+        <translation>المحاولات المتبقية: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_LAST_TRY</source>
+        <translation>هذه هي المحاولة الأخيرة: أي رقم PIN خاطئ يقفل البطاقة.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CONFIRM</source>
+        <translation>أعلم ذلك وأنا متأكد من رقم PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_OK</source>
+        <translation>موافق</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CANCEL</source>
+        <translation>المتابعة بدون PIN</translation>
+    </message>
 </context>
 </TS>

@@ -289,5 +289,81 @@
         <source>IDS_CM_URL_NO_HOST</source>
         <translation>sie nennt keinen Rechner</translation>
     </message>
+    <message>
+        <source>IDS_CM_READER</source>
+        <translation>Kartenleser: %1 – %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_CARD</source>
+        <translation>Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_EMPTY</source>
+        <translation>leer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_MUTE</source>
+        <translation>keine Antwort</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_IN_USE</source>
+        <translation>in Benutzung</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_GONE</source>
+        <translation>nicht angeschlossen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_READER</source>
+        <translation>Kartenleser: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_NONE</source>
+        <translation>keiner</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING</source>
+        <translation>Warten auf die Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_BROWSER</source>
+        <translation>Die Karte wollte %1 öffnen, aber kein Browser ließ sich starten.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TITLE</source>
+        <translation>PIN der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_ASKS</source>
+        <translation>„%1“ fragt nach ihrer PIN.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_WRONG</source>
+        <translation>Die letzte PIN war falsch.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_FIELD</source>
+        <translation>&amp;PIN (4 bis 8 Ziffern):</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TRIES</source>
+        <translation>Verbleibende Versuche: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_LAST_TRY</source>
+        <translation>Das ist der letzte Versuch: Eine falsche PIN sperrt die Karte.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CONFIRM</source>
+        <translation>Ich weiß das und bin mir der PIN sicher</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CANCEL</source>
+        <translation>Ohne PIN weiter</translation>
+    </message>
 </context>
 </TS>

@@ -289,5 +289,81 @@
         <source>IDS_CM_URL_NO_HOST</source>
         <translation>it names no host</translation>
     </message>
+    <message>
+        <source>IDS_CM_READER</source>
+        <translation>Card reader: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_CARD</source>
+        <translation>card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_EMPTY</source>
+        <translation>empty</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_MUTE</source>
+        <translation>no answer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_IN_USE</source>
+        <translation>in use</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_GONE</source>
+        <translation>not connected</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_READER</source>
+        <translation>Card reader: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_NONE</source>
+        <translation>none</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING</source>
+        <translation>Waiting for the card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_BROWSER</source>
+        <translation>The card asked for %1, but no browser could be started.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TITLE</source>
+        <translation>PIN of the SIM card</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_ASKS</source>
+        <translation>“%1” asks for its PIN.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_WRONG</source>
+        <translation>The last PIN was wrong.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_FIELD</source>
+        <translation>&amp;PIN (4 to 8 digits):</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TRIES</source>
+        <translation>Tries that remain: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_LAST_TRY</source>
+        <translation>This is the last try: a wrong PIN blocks the card.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CONFIRM</source>
+        <translation>I know, and am sure of the PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CANCEL</source>
+        <translation>Go on without PIN</translation>
+    </message>
 </context>
 </TS>

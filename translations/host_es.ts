@@ -289,5 +289,81 @@
         <source>IDS_CM_URL_NO_HOST</source>
         <translation>no indica ningún servidor</translation>
     </message>
+    <message>
+        <source>IDS_CM_READER</source>
+        <translation>Lector de tarjetas: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_CARD</source>
+        <translation>tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_EMPTY</source>
+        <translation>vacío</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_MUTE</source>
+        <translation>sin respuesta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_IN_USE</source>
+        <translation>en uso</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_GONE</source>
+        <translation>no conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_READER</source>
+        <translation>Lector de tarjetas: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_NONE</source>
+        <translation>ninguno</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING</source>
+        <translation>Esperando la tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_BROWSER</source>
+        <translation>La tarjeta pidió %1, pero no se pudo iniciar ningún navegador.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TITLE</source>
+        <translation>PIN de la tarjeta SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_ASKS</source>
+        <translation>«%1» pide su PIN.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_WRONG</source>
+        <translation>El último PIN era incorrecto.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_FIELD</source>
+        <translation>&amp;PIN (de 4 a 8 cifras):</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TRIES</source>
+        <translation>Intentos restantes: %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_LAST_TRY</source>
+        <translation>Este es el último intento: un PIN incorrecto bloquea la tarjeta.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CONFIRM</source>
+        <translation>Lo sé y estoy seguro del PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CANCEL</source>
+        <translation>Continuar sin PIN</translation>
+    </message>
 </context>
 </TS>

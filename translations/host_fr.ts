@@ -289,5 +289,81 @@
         <source>IDS_CM_URL_NO_HOST</source>
         <translation>aucun hôte n’est indiqué</translation>
     </message>
+    <message>
+        <source>IDS_CM_READER</source>
+        <translation>Lecteur de cartes : %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_CARD</source>
+        <translation>carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_EMPTY</source>
+        <translation>vide</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_MUTE</source>
+        <translation>pas de réponse</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_IN_USE</source>
+        <translation>utilisé</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_GONE</source>
+        <translation>non connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_READER</source>
+        <translation>Lecteur de cartes : %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_READER_NONE</source>
+        <translation>aucun</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING</source>
+        <translation>En attente de la carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NO_BROWSER</source>
+        <translation>La carte a demandé %1, mais aucun navigateur n’a pu être lancé.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TITLE</source>
+        <translation>PIN de la carte SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_ASKS</source>
+        <translation>« %1 » demande son code PIN.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_WRONG</source>
+        <translation>Le dernier code PIN était erroné.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_FIELD</source>
+        <translation>Code &amp;PIN (4 à 8 chiffres) :</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_TRIES</source>
+        <translation>Essais restants : %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_LAST_TRY</source>
+        <translation>C’est le dernier essai : un code PIN erroné bloque la carte.</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CONFIRM</source>
+        <translation>Je le sais et je suis sûr du code PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>IDS_CM_PIN_CANCEL</source>
+        <translation>Continuer sans PIN</translation>
+    </message>
 </context>
 </TS>

@@ -15,7 +15,10 @@ struct OptionRow {
 };
 
 const OptionRow Options[] = {
-    {"card", "FILE", "Put the simulated card of this scenario into the modem.", &CommandLine::card},
+    {"card", "CARD",
+     "Put a card into the modem: the simulated card of a scenario FILE, pcsc for the card in the "
+     "first reader that has one, or pcsc:READER for the card in the reader whose name begins so.",
+     &CommandLine::card},
     {"language", "LL", "Language of the user interface: en, de, fr, es, zh_CN or ar.",
      &CommandLine::language},
     {"plugins", "DIR", "Folder that holds STKPlugin/libSTKPlugin.so.", &CommandLine::plugins},
@@ -24,9 +27,21 @@ const OptionRow Options[] = {
     {"screenshots", "DIR", "Where the pictures of a walkthrough go.", &CommandLine::screenshots},
     {"transcript", "FILE", "Write what passes between card and terminal, as JSON Lines.",
      &CommandLine::transcript},
+    {"apdu-log", "FILE", "Write the commands to a card in a reader, and its answers, as pcap.",
+     &CommandLine::apduLog},
     {"trace", "FILE", "Write the trace lines of the plug-in; - is standard error.",
      &CommandLine::trace},
 };
+
+// A file whose name looks like a reader's is reached as ./pcsc.
+void findReader(CommandLine *line)
+{
+    const QString any = "pcsc", named = "pcsc:";
+    if (line->card == any || line->card.startsWith(named))
+        line->reader = line->card.mid(named.size());
+    if (line->reader)
+        line->card.clear();
+}
 
 QString firstError(const CommandLine &line)
 {
@@ -48,7 +63,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     // The parser's own help option would also offer arguments of Qt, which are not read here.
     const QCommandLineOption help({"h", "help"}, "Show this help.");
     const QCommandLineOption version({"v", "version"}, "Show the version.");
-    parser.addOptions({help, version});
+    const QCommandLineOption readers("list-readers", "List the card readers with their state.");
+    parser.addOptions({help, version, readers});
     for (const OptionRow &row : Options)
         parser.addOption({row.name, row.description, row.value});
 
@@ -77,6 +93,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         }
         line.*row.target = parser.value(row.name);
     }
+    line.listReaders = parser.isSet(readers);
+    findReader(&line);
     line.error = firstError(line);
     return line;
 }

@@ -1,18 +1,24 @@
 #ifndef COMMANDLINE_H
 #define COMMANDLINE_H
 
+#include <optional>
+
 #include <QString>
 #include <QStringList>
 
 /// What the user asked for on the command line; an empty text was not given.
 struct CommandLine {
-    QString card;
+    QString card; ///< the file of a simulated card
+    /// What the name of the card's reader begins with; empty for the first with a card.
+    std::optional<QString> reader;
     QString language;
     QString plugins;
     QString walkthrough;
     QString screenshots;
     QString transcript;
+    QString apduLog;
     QString trace;
+    bool listReaders = false;
 
     /// One line that says what is wrong; the other members then mean nothing.
     QString error;

@@ -16,8 +16,11 @@
 
 #include "CardCommands.h"
 #include "Languages.h"
+#include "Messages.h"
 #include "ModemIcon.h"
+#include "PinDialog.h"
 #include "PluginHost.h"
+#include "ReaderEvents.h"
 #include "Transcript.h"
 #include "platform/CommonUtils.h"
 
@@ -45,6 +48,21 @@ const char *stateId(ModemState state)
     return "IDS_CM_STATE_NO_CARD";
 }
 
+const char *readerStateId(CardHost::Reader::State state)
+{
+    switch (state) {
+    case CardHost::Reader::State::Card:
+        return "IDS_CM_READER_CARD";
+    case CardHost::Reader::State::Mute:
+        return "IDS_CM_READER_MUTE";
+    case CardHost::Reader::State::InUse:
+        return "IDS_CM_READER_IN_USE";
+    case CardHost::Reader::State::Empty:
+        break;
+    }
+    return "IDS_CM_READER_EMPTY";
+}
+
 const char *refusalId(HostUi::UrlRefusal reason)
 {
     switch (reason) {
@@ -58,13 +76,17 @@ const char *refusalId(HostUi::UrlRefusal reason)
     return "IDS_CM_URL_NO_ADDRESS";
 }
 
-// An address for the status bar, between isolating marks: it reads from left to right in every
-// language.
+// Between isolating marks: it reads from left to right in every language.
+QString leftToRight(const QString &text)
+{
+    return QChar(0x2066) + text + QChar(0x2069);
+}
+
+// An address for the status bar.
 QString shortened(const QString &address)
 {
     constexpr int Longest = 60;
-    const QString text = address.size() <= Longest ? address : address.left(Longest - 1) + "…";
-    return QChar(0x2066) + text + QChar(0x2069);
+    return leftToRight(address.size() <= Longest ? address : address.left(Longest - 1) + "…");
 }
 
 bool hasToolkit(ModemState state)
@@ -80,6 +102,15 @@ QString cardName(const QString &fileName)
         return QFileInfo(fileName).completeBaseName();
     const QString name = QJsonDocument::fromJson(file.readAll()).object().value("name").toString();
     return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
+}
+
+// Every start asks for the menu before the card has sent it: that is no fault, and is not to look
+// like one.
+QString shownText(const CardHost::TranscriptEntry &entry)
+{
+    static const QRegularExpression asked(
+        "refused: MOVA_STKSrv_GetMainMenu: no main menu \\(-3\\)$");
+    return QString::fromStdString(entry.text).replace(asked, "the card has not sent its menu yet");
 }
 
 // For buttons, which take no key; Chinese puts the key behind the text, in parentheses.
@@ -102,7 +133,7 @@ void dropCoveredCursors()
 
 } // namespace
 
-MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
+MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents &readers)
     : m_plugin(plugin)
 {
     setObjectName("ConnectionManager_MainWindow");
@@ -116,18 +147,36 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript)
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
     connect(&transcript, &Transcript::entriesAdded, this, &MainWindow::appendEntries);
+    connect(&readers, &ReaderEvents::readersChanged, this, &MainWindow::setReaders);
+    connect(&readers, &ReaderEvents::noticed, this, &MainWindow::showNotice);
+    connect(&readers, &ReaderEvents::pinRequestChanged, this, &MainWindow::askPin);
     connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
     m_refreshTimer.start(RefreshInterval);
 }
 
+MainWindow::~MainWindow() = default;
+
 QString MainWindow::openCard(const QString &file)
 {
+    m_reader.reset();
+    m_readerName.reset();
     const QString error =
         QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
     m_cardName = error.isEmpty() ? cardName(file) : QString();
     showError(error);
+    fillReaderMenu();
     refreshTexts();
     return error;
+}
+
+void MainWindow::openReader(const QString &nameStart)
+{
+    m_reader = nameStart;
+    m_readerName.reset();
+    m_cardName.clear();
+    showError({});
+    CardHost::openReader(nameStart.toStdString());
+    setReaders(m_readers);
 }
 
 void MainWindow::setLanguage(const QString &code)
@@ -137,6 +186,7 @@ void MainWindow::setLanguage(const QString &code)
         qWarning("The texts of language %s cannot be read", qPrintable(code));
     retranslate();
     m_plugin.languageChanged(code);
+    CardHost::setLanguage(code.section('_', 0, 0).toStdString());
 }
 
 void MainWindow::showNote(const QString &text)
@@ -144,9 +194,10 @@ void MainWindow::showNote(const QString &text)
     statusBar()->showMessage(text);
 }
 
-void MainWindow::noteOpenedUrl(const QUrl &url)
+void MainWindow::noteOpenedUrl(const QUrl &url, bool isOpened)
 {
-    showNote(text("IDS_CM_URL_OPENED").arg(shortened(url.toDisplayString())));
+    const char *const words = isOpened ? "IDS_CM_URL_OPENED" : "IDS_CM_URL_NO_BROWSER";
+    showNote(text(words).arg(shortened(url.toDisplayString())));
 }
 
 void MainWindow::noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason)
@@ -220,7 +271,12 @@ void MainWindow::createMenus()
         menu->addActions(actions);
         return menu;
     };
-    add("IDS_CM_MENU_FILE", {m_openCard, m_quit})->insertSeparator(m_quit);
+    m_fileMenu = add("IDS_CM_MENU_FILE", {m_openCard, m_quit});
+    m_fileMenu->insertSeparator(m_quit);
+    m_readersEnd = m_fileMenu->insertSeparator(m_quit);
+    m_readerActions = new QActionGroup(this);
+    connect(m_readerActions, &QActionGroup::triggered, this,
+            [this](const QAction *action) { openReader(action->data().toString()); });
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
     m_cardMenu = add("IDS_CM_MENU_CARD", {});
     createCommandMenu();
@@ -355,9 +411,14 @@ void MainWindow::retranslate()
     for (QAction *action : qAsConst(m_languageActions))
         action->setChecked(action->data().toString() == m_language);
     m_toolkitButton->setText(text("IDS_CM_TOOLKIT"));
+    // Not every style leaves room around a long text in a bold script.
+    m_toolkitButton->setMinimumWidth(qMax(170, m_toolkitButton->sizeHint().width() + 24));
     m_transcriptLabel->setText(text("IDS_CM_TRANSCRIPT"));
     m_transcriptView->setPlaceholderText(text("IDS_CM_TRANSCRIPT_EMPTY"));
     m_panel->retranslate();
+    if (m_pinDialog)
+        m_pinDialog->retranslate();
+    fillReaderMenu();
     statusBar()->clearMessage();
     refreshTexts();
 }
@@ -375,14 +436,14 @@ void MainWindow::refreshTexts()
     m_state = CardHost::state();
     const bool toolkit = hasToolkit(m_state);
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
-    m_stateLabel->setText(text(stateId(m_state)));
-    m_cardLabel->setText(m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
-                                                       : text("IDS_CM_CARD_NAME").arg(m_cardName));
+    const bool waits = m_reader && m_state == ModemState::Removed && !m_errorLabel->isHidden();
+    m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
+    m_cardLabel->setText(cardLine());
     m_toolkit->setEnabled(toolkit);
     m_toolkitButton->setEnabled(toolkit);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
-    m_commandActions->setEnabled(toolkit);
+    m_commandActions->setEnabled(toolkit && !m_reader); // a real card sends what it likes
     m_endSession->setEnabled(toolkit);
     m_timeOutSession->setEnabled(toolkit);
 }
@@ -409,6 +470,114 @@ void MainWindow::showAbout()
         text("IDS_CM_ABOUT_TEXT") + "\n\n" + m_plugin.description() + ", Qt " + qVersion(), true);
 }
 
+QString MainWindow::cardLine() const
+{
+    if (!m_reader) {
+        return m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
+                                             : text("IDS_CM_CARD_NAME").arg(m_cardName);
+    }
+    if (const CardHost::Reader *reader = readerInUse())
+        return readerLine(*reader);
+    if (m_readers.readers.empty())
+        return noReaderLine();
+    return text("IDS_CM_READER").arg(leftToRight(*m_reader), text("IDS_CM_READER_GONE"));
+}
+
+void MainWindow::setReaders(const CardHost::ReaderList &list)
+{
+    m_readers = list;
+    followReader();
+    fillReaderMenu();
+    refreshTexts();
+}
+
+// The first reader that fits and, where any would do, that has a card; a card is stayed with.
+void MainWindow::followReader()
+{
+    const CardHost::Reader *before = readerInUse();
+    if (before && before->state != CardHost::Reader::State::Empty)
+        return;
+    m_readerName.reset();
+    for (const CardHost::Reader &reader : m_readers.readers) {
+        const QString name = QString::fromStdString(reader.name);
+        const bool hasCard = reader.state != CardHost::Reader::State::Empty;
+        const bool fits = m_reader && name.startsWith(*m_reader);
+        if (fits && !m_readerName)
+            m_readerName = name;
+        if (fits && hasCard && m_reader->isEmpty()) {
+            m_readerName = name;
+            return;
+        }
+    }
+}
+
+const CardHost::Reader *MainWindow::readerInUse() const
+{
+    for (const CardHost::Reader &reader : m_readers.readers) {
+        if (m_readerName == QString::fromStdString(reader.name))
+            return &reader;
+    }
+    return nullptr;
+}
+
+QString MainWindow::readerLine(const CardHost::Reader &reader) const
+{
+    // The one who keeps the card in use for itself may be this program.
+    const bool isOurs = &reader == readerInUse() && hasToolkit(m_state);
+    const char *const state = readerStateId(isOurs ? CardHost::Reader::State::Card : reader.state);
+    return text("IDS_CM_READER").arg(leftToRight(QString::fromStdString(reader.name)), text(state));
+}
+
+QString MainWindow::noReaderLine() const
+{
+    const QString problem = QString::fromStdString(m_readers.problem);
+    return text("IDS_CM_NO_READER")
+        .arg(problem.isEmpty() ? text("IDS_CM_READER_NONE") : leftToRight(problem));
+}
+
+void MainWindow::fillReaderMenu()
+{
+    // The menu may be open, and one of its actions be the one that is carried out just now.
+    for (QAction *action : m_readerActions->actions()) {
+        m_readerActions->removeAction(action);
+        m_fileMenu->removeAction(action);
+        action->deleteLater();
+    }
+    const auto add = [this](QString line) {
+        auto *action = new QAction(line.replace('&', "&&"), m_readerActions);
+        m_fileMenu->insertAction(m_readersEnd, action);
+        return action;
+    };
+    for (const CardHost::Reader &reader : m_readers.readers) {
+        QAction *action = add(readerLine(reader));
+        action->setData(QString::fromStdString(reader.name));
+        action->setCheckable(true);
+        action->setChecked(&reader == readerInUse());
+    }
+    if (m_readers.readers.empty())
+        add(noReaderLine())->setEnabled(false);
+}
+
+void MainWindow::showNotice(const CardHost::Notice &notice)
+{
+    const QString line = QString::fromStdString(notice.text);
+    showError(notice.problem ? line : QString());
+    showNote(line);
+    refreshTexts();
+    if (notice.problem)
+        Messages::complain(line);
+}
+
+// The request before is over: its dialog goes without answering.
+void MainWindow::askPin(const std::optional<CardHost::PinRequest> &request)
+{
+    m_pinDialog.reset();
+    if (!request)
+        return;
+    m_pinDialog = std::make_unique<PinDialog>(*request, this);
+    m_pinDialog->open();
+}
+
 void MainWindow::showError(const QString &line)
 {
     m_errorLabel->setText(line);
@@ -425,6 +594,6 @@ void MainWindow::sendCommand(const char *json)
 void MainWindow::appendEntries(const QList<CardHost::TranscriptEntry> &entries)
 {
     for (const CardHost::TranscriptEntry &entry : entries)
-        m_transcriptView->appendPlainText(QString::fromStdString(entry.text));
+        m_transcriptView->appendPlainText(shownText(entry));
     refresh();
 }

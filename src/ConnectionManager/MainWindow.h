@@ -1,6 +1,8 @@
 #ifndef MAINWINDOW_H
 #define MAINWINDOW_H
 
+#include <optional>
+
 #include <QActionGroup>
 #include <QLabel>
 #include <QMainWindow>
@@ -13,7 +15,9 @@
 #include "HostUi.h"
 #include "NetworkPanel.h"
 
+class PinDialog;
 class PluginHost;
+class ReaderEvents;
 class Transcript;
 
 /// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
@@ -22,23 +26,29 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    MainWindow(PluginHost &plugin, Transcript &transcript);
+    MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents &readers);
+    ~MainWindow() override;
 
     /// Puts the card of the scenario into the modem.  The result is empty, or one line that says
     /// what is wrong with the file; the line also stands in the window, and no card is in then.
     QString openCard(const QString &file);
+    /// Puts the card of the first reader whose name begins with the text into the modem; with an
+    /// empty text, of the first that has a card.
+    void openReader(const QString &nameStart);
     /// Switches every text of the host and of the plug-in's open windows.
     void setLanguage(const QString &code);
     /// A remark for the person at the screen, in the status bar.
     void showNote(const QString &text);
     /// Remarks that the card asked for the address, and what became of that.
-    void noteOpenedUrl(const QUrl &url);
+    void noteOpenedUrl(const QUrl &url, bool isOpened);
     void noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason);
     /// Opens the SIM toolkit window, or brings it to the front.
     void openToolkit();
 
     /// What opens the SIM toolkit.
     QPushButton *toolkitButton() const { return m_toolkitButton; }
+    /// What asks for the PIN of the card; null while nothing does.
+    PinDialog *pinDialog() const { return m_pinDialog.get(); }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -54,7 +64,16 @@ private:
     void retranslate();
     void refresh();
     void refreshTexts();
+    QString cardLine() const;
     void chooseCard();
+    void setReaders(const CardHost::ReaderList &list);
+    void followReader();
+    void fillReaderMenu();
+    const CardHost::Reader *readerInUse() const;
+    QString readerLine(const CardHost::Reader &reader) const;
+    QString noReaderLine() const;
+    void showNotice(const CardHost::Notice &notice);
+    void askPin(const std::optional<CardHost::PinRequest> &request);
     void showAbout();
     void showError(const QString &line);
     void sendCommand(const char *json);
@@ -63,6 +82,10 @@ private:
     PluginHost &m_plugin;
     QString m_language;
     QString m_cardName;
+    CardHost::ReaderList m_readers;
+    // What the reader's name has to begin with, none for a simulated card; and the one that does.
+    std::optional<QString> m_reader;
+    std::optional<QString> m_readerName;
     CardHost::ModemState m_state = CardHost::ModemState::NoCard;
     QTimer m_refreshTimer;
 
@@ -70,6 +93,9 @@ private:
     QList<QPair<QAction *, const char *>> m_actionTexts;
     QList<QPair<QMenu *, const char *>> m_menuTexts;
     QAction *m_openCard = nullptr;
+    QActionGroup *m_readerActions = nullptr;
+    QAction *m_readersEnd = nullptr; // stands behind the last of them
+    QMenu *m_fileMenu = nullptr;
     QAction *m_quit = nullptr;
     QAction *m_toolkit = nullptr;
     QAction *m_remove = nullptr;
@@ -93,6 +119,7 @@ private:
     QLabel *m_transcriptLabel = nullptr;
     QPlainTextEdit *m_transcriptView = nullptr;
     std::unique_ptr<NetworkPanel> m_panel;
+    std::unique_ptr<PinDialog> m_pinDialog;
     bool m_panelOffered = false;
 };
 

@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QKeySequence>
+#include <QRegularExpression>
 
 #include "Languages.h"
 
@@ -22,6 +23,7 @@ constexpr int LongestWait = 10 * 60000; // ms
 struct ValueRule {
     QString expected;
     bool (*accepts)(const QJsonValue &);
+    bool isSecret = false; ///< a message does not show what was found
 };
 
 struct StepRule {
@@ -115,6 +117,22 @@ bool isInput(const QJsonValue &value)
                     {"maxLength", isNumber}});
 }
 
+bool isPinRequest(const QJsonValue &value)
+{
+    return isFalse(value) ||
+        isObjectOf(value,
+                   {{"card", isAnyText},
+                    {"tries", isNaturalNumber},
+                    {"wrong", isBool},
+                    {"ok", isBool}});
+}
+
+bool isPin(const QJsonValue &value)
+{
+    static const QRegularExpression digits("\\A[0-9]{4,8}\\z");
+    return digits.match(value.toString()).hasMatch();
+}
+
 bool isEntry(const QJsonValue &value)
 {
     return isFalse(value) ||
@@ -132,6 +150,8 @@ bool isEntry(const QJsonValue &value)
                     {"call", isAnyText},
                     {"status", isNumber},
                     {"reason", isAnyText},
+                    {"problem", isBool},
+                    {"response", isAnyText},
                     {"title", isAnyText},
                     {"state", isAnyText}});
 }
@@ -148,6 +168,10 @@ const ValueRule Message = {"an object with \"text\" (text) or \"buttons\" (texts
 const ValueRule Input = {"an object with \"prompt\", \"text\" (texts), \"hidden\", \"ok\" (true or "
                          "false) or \"maxLength\" (number), or false",
                          isInput};
+const ValueRule PinRequest = {"an object with \"card\" (text), \"tries\" (number), \"wrong\" or "
+                              "\"ok\" (true or false), or false",
+                              isPinRequest};
+const ValueRule Pin = {"a text of four to eight digits", isPin, true};
 const ValueRule Entry = {"an object of fields of a transcript's entry, or false", isEntry};
 const ValueRule Number = {"a whole number from 0", isNaturalNumber};
 const ValueRule Address = {"an address, or false",
@@ -192,6 +216,9 @@ const StepRule Rules[] = {
     {"type", Text, true},
     {"erase", True, true},
     {"closeBox", True, true},
+    {"expectPin", PinRequest, true},
+    {"confirmPin", True, true},
+    {"enterPin", Pin, true},
     {"expectTone", Number, true},
     {"expectUrl", Address, true},
     {"expectResponse", Entry, true},
@@ -270,9 +297,10 @@ QString readField(const QString &name, const QJsonValue &value, const StepRule &
 {
     if (name == rule.name) {
         step->value = value;
-        return rule.value.accepts(value)
-            ? QString()
-            : '"' + name + "\": " + mismatch(rule.value.expected, value);
+        if (rule.value.accepts(value))
+            return {};
+        const QJsonValue found = rule.value.isSecret ? QJsonValue("***") : value;
+        return '"' + name + "\": " + mismatch(rule.value.expected, found);
     }
     if (name == "by" && step->name == "select")
         return readBy(value, &step->by);

@@ -15,6 +15,7 @@
 #include "CardHost.h"
 #include "MainWindow.h"
 #include "Messages.h"
+#include "PinDialog.h"
 #include "Screenshot.h"
 #include "ToolkitWindows.h"
 
@@ -57,6 +58,13 @@ QString latest(const QStringList &texts)
     return texts.isEmpty() ? QString("none") : texts.mid(texts.size() - Shown).join(", ");
 }
 
+QAbstractButton *pinButton(const PinDialog &dialog, const QJsonValue &meaning)
+{
+    if (meaning == QJsonValue("OK"))
+        return dialog.okButton();
+    return meaning == QJsonValue("Cancel") ? dialog.cancelButton() : nullptr;
+}
+
 } // namespace
 
 WalkthroughPlayer::WalkthroughPlayer(const Walkthrough &walkthrough, MainWindow &window,
@@ -86,6 +94,9 @@ WalkthroughPlayer::Play WalkthroughPlayer::playerOf(const QString &name)
         {"type", &WalkthroughPlayer::type},
         {"erase", &WalkthroughPlayer::erase},
         {"closeBox", &WalkthroughPlayer::closeBox},
+        {"expectPin", &WalkthroughPlayer::expectPin},
+        {"confirmPin", &WalkthroughPlayer::confirmPin},
+        {"enterPin", &WalkthroughPlayer::enterPin},
         {"expectTone", &WalkthroughPlayer::expectTone},
         {"expectUrl", &WalkthroughPlayer::expectUrl},
         {"expectResponse", &WalkthroughPlayer::expectResponse},
@@ -318,7 +329,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectCountdown(const Walkthrough:
 WalkthroughPlayer::Outcome WalkthroughPlayer::press(const Walkthrough::Step &step)
 {
     const QString expected = QString("an enabled %1 button").arg(step.value.toString());
-    QAbstractButton *wanted = button(step.value.toString());
+    QAbstractButton *wanted = m_window.pinDialog() ? pinButton(*m_window.pinDialog(), step.value)
+                                                   : button(step.value.toString());
     if (!wanted)
         return {Outcome::NotYet, expected, "no such button in the window on top"};
     if (!wanted->isEnabled())
@@ -362,6 +374,47 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::closeBox(const Walkthrough::Step &
     if (!messageBox() && !inputWindow())
         return {Outcome::NotYet, "a message box or input window to close", "none on top"};
     closeByTitleBar(top());
+    return {Outcome::Done, {}, {}};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectPin(const Walkthrough::Step &step)
+{
+    const PinDialog *dialog = m_window.pinDialog();
+    if (!step.value.isObject()) {
+        return {dialog ? Outcome::NotYet : Outcome::Done, "no PIN dialog", "one"};
+    }
+    const QJsonObject expected = step.value.toObject();
+    if (!dialog)
+        return {Outcome::NotYet, json(expected), "no PIN dialog"};
+    const CardHost::PinRequest &request = dialog->request();
+    const QJsonObject seen = sameFields({{"card", QString::fromStdString(request.card)},
+                                         {"tries", request.triesLeft},
+                                         {"wrong", request.wrong},
+                                         {"ok", dialog->okButton()->isEnabled()}},
+                                        expected);
+    return {seen == expected ? Outcome::Done : Outcome::NotYet, json(expected), json(seen)};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::confirmPin(const Walkthrough::Step &)
+{
+    const PinDialog *dialog = m_window.pinDialog();
+    QCheckBox *box = dialog ? dialog->confirmation() : nullptr;
+    if (!box)
+        return {Outcome::NotYet, "a PIN dialog that warns of the last try", "none"};
+    clickAt(box, QPoint(box->height() / 2, box->height() / 2));
+    return {Outcome::Done, {}, {}};
+}
+
+// No message of this step shows what is entered.
+WalkthroughPlayer::Outcome WalkthroughPlayer::enterPin(const Walkthrough::Step &step)
+{
+    const PinDialog *dialog = m_window.pinDialog();
+    if (!dialog)
+        return {Outcome::NotYet, "a PIN dialog to enter the PIN in", "none"};
+    typeText(dialog->field(), step.value.toString());
+    if (!dialog->okButton()->isEnabled())
+        return {Outcome::Failed, "a PIN dialog with an enabled OK button", "it is disabled"};
+    clickAt(dialog->okButton(), dialog->okButton()->rect().center());
     return {Outcome::Done, {}, {}};
 }
 

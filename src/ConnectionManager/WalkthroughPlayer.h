@@ -62,6 +62,9 @@ private:
     Outcome type(const Walkthrough::Step &step);
     Outcome erase(const Walkthrough::Step &step);
     Outcome closeBox(const Walkthrough::Step &step);
+    Outcome expectPin(const Walkthrough::Step &step);
+    Outcome confirmPin(const Walkthrough::Step &step);
+    Outcome enterPin(const Walkthrough::Step &step);
     Outcome expectTone(const Walkthrough::Step &step);
     Outcome expectUrl(const Walkthrough::Step &step);
     Outcome expectResponse(const Walkthrough::Step &step);

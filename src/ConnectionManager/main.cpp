@@ -10,6 +10,7 @@
 #include "Messages.h"
 #include "ModemIcon.h"
 #include "PluginHost.h"
+#include "ReaderEvents.h"
 #include "Transcript.h"
 #include "WalkthroughPlayer.h"
 #include "platform/CommonUtils.h"
@@ -42,6 +43,40 @@ void useDesktopFontSize()
     QApplication::setFont(font);
 }
 
+// What is heard of a card without anybody at the windows.
+bool isListening(const CommandLine &line)
+{
+    return !line.transcript.isEmpty() || !line.apduLog.isEmpty() || !line.trace.isEmpty();
+}
+
+const char *readerState(CardHost::Reader::State state)
+{
+    switch (state) {
+    case CardHost::Reader::State::Card:
+        return "card";
+    case CardHost::Reader::State::Mute:
+        return "no answer";
+    case CardHost::Reader::State::InUse:
+        return "in use";
+    case CardHost::Reader::State::Empty:
+        break;
+    }
+    return "empty";
+}
+
+int listReaders()
+{
+    const CardHost::ReaderList list = CardHost::listReaders();
+    if (list.readers.empty()) {
+        Messages::complain(list.problem.empty() ? "no smart-card reader is connected"
+                                                : QString::fromStdString(list.problem));
+        return 1;
+    }
+    for (const CardHost::Reader &reader : list.readers)
+        std::printf("%s: %s\n", reader.name.c_str(), readerState(reader.state));
+    return 0;
+}
+
 int cannotStart(const CommandLine &line, const QString &reason)
 {
     Messages::complain(reason);
@@ -65,6 +100,12 @@ QString openFiles(const CommandLine &line, Transcript &transcript, Walkthrough &
         if (!error.isEmpty())
             return error;
     }
+    if (!line.apduLog.isEmpty()) {
+        const std::string name = QFile::encodeName(line.apduLog).toStdString();
+        const std::string error = CardHost::captureApdus(name);
+        if (!error.empty())
+            return QString::fromStdString(error);
+    }
     if (!line.screenshots.isEmpty() && !QDir().mkpath(line.screenshots))
         return line.screenshots + ": cannot make this folder for the pictures";
     return line.walkthrough.isEmpty() ? QString() : walkthrough.load(line.walkthrough);
@@ -81,8 +122,9 @@ QString pluginsFolder(const CommandLine &line)
 void noteAddresses(MainWindow &window)
 {
     HostUi::setUrlOpener([&window](const QUrl &url) {
-        window.noteOpenedUrl(url);
-        return HostUi::openInBrowser(url);
+        const bool isOpened = HostUi::openInBrowser(url);
+        window.noteOpenedUrl(url, isOpened);
+        return isOpened;
     });
     HostUi::setUrlRefusalListener([&window](const QString &address, HostUi::UrlRefusal reason) {
         window.noteRefusedUrl(address, reason);
@@ -94,7 +136,7 @@ void noteForWalkthrough(MainWindow &window, Transcript &transcript, WalkthroughP
 {
     TerminalLog &log = player.log();
     HostUi::setUrlOpener([&window, &log](const QUrl &url) {
-        window.noteOpenedUrl(url);
+        window.noteOpenedUrl(url, true);
         log.addUrl(url);
         return true;
     });
@@ -125,22 +167,41 @@ int play(const Walkthrough &walkthrough, MainWindow &window, Transcript &transcr
     return 1;
 }
 
+// Empty, or why nothing can come of this start; what is wrong in a reader is told later.
+QString begin(const CommandLine &line, MainWindow &window)
+{
+    if (line.reader)
+        window.openReader(*line.reader);
+    const QString error = line.card.isEmpty() ? QString() : window.openCard(line.card);
+    if (!error.isEmpty() || !line.walkthrough.isEmpty() || hasScreen())
+        return error;
+    if (!isListening(line)) {
+        return "there is no display, and so nothing to do: expected --walkthrough to use the "
+               "windows, or --transcript, --apdu-log or --trace to listen";
+    }
+    Messages::complain("there is no display: listening until the program is stopped");
+    return {};
+}
+
 int runWindow(const CommandLine &line, PluginHost &plugin, Transcript &transcript,
               const Walkthrough &walkthrough)
 {
-    MainWindow window(plugin, transcript);
+    ReaderEvents readers;
+    MainWindow window(plugin, transcript, readers);
     HostUi::setMainWindow(&window);
     noteAddresses(window);
     window.setLanguage(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
     window.show();
-    if (!line.card.isEmpty()) {
-        const QString error = window.openCard(line.card);
-        if (!error.isEmpty())
-            Messages::complain(error);
+    const QString error = begin(line, window);
+    if (!error.isEmpty())
+        Messages::complain(error);
+    int status = Messages::CannotStart;
+    // A person may open another card in the window; nothing else can.
+    if (error.isEmpty() || isWatched(line)) {
+        status = line.walkthrough.isEmpty()
+            ? QApplication::exec()
+            : play(walkthrough, window, transcript, line.screenshots);
     }
-    const int status = line.walkthrough.isEmpty()
-        ? QApplication::exec()
-        : play(walkthrough, window, transcript, line.screenshots);
     window.hide();
     // The plug-in's windows belong to this one and its callbacks end first.
     plugin.unload();
@@ -164,6 +225,9 @@ int main(int argc, char *argv[])
         Messages::complain(line.error);
         return Messages::CannotStart;
     }
+
+    if (line.listReaders)
+        return listReaders();
 
     Messages::install();
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

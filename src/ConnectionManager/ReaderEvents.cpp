@@ -1,0 +1,47 @@
+#include "ReaderEvents.h"
+
+#include <utility>
+
+ReaderEvents::ReaderEvents()
+{
+    m_listener = CardHost::addReaderListener([this](const CardHost::ReaderList &list) {
+        add([&](Pending &pending) { pending.readers = list; });
+    });
+    CardHost::setNoticeListener([this](const CardHost::Notice &notice) {
+        add([&](Pending &pending) { pending.notices << notice; });
+    });
+    CardHost::setPinListener([this](const std::optional<CardHost::PinRequest> &request) {
+        add([&](Pending &pending) { pending.pin = request; });
+    });
+}
+
+ReaderEvents::~ReaderEvents()
+{
+    CardHost::removeReaderListener(m_listener);
+    CardHost::setNoticeListener(nullptr);
+    CardHost::setPinListener(nullptr);
+}
+
+template <class Change> void ReaderEvents::add(Change change)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_pending.isAnnounced)
+        QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
+    m_pending.isAnnounced = true;
+    change(m_pending);
+}
+
+void ReaderEvents::deliver()
+{
+    Pending pending;
+    {
+        const std::lock_guard lock(m_mutex);
+        std::swap(pending, m_pending);
+    }
+    if (pending.readers)
+        emit readersChanged(*pending.readers);
+    for (const CardHost::Notice &notice : qAsConst(pending.notices))
+        emit noticed(notice);
+    if (pending.pin)
+        emit pinRequestChanged(*pending.pin);
+}
