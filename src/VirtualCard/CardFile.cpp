@@ -18,6 +18,8 @@ constexpr const char *PatternExpected = "pairs of hexadecimal digits, or of ques
 // Answers to reset that offer T=0 alone, or T=1 alone (ISO/IEC 7816-3 clause 8.2).
 const cat::Bytes AtrOfT0 = {0x3b, 0x02, 0x14, 0x50};
 const cat::Bytes AtrOfT1 = {0x3b, 0x80, 0x01, 0x81};
+// Longer than any answer to reset: the daemon takes it for a card that cannot be switched on.
+const cat::Bytes AtrOfMute(40, 0x00);
 
 cat::Bytes readBytes(const Object &object, const std::string &key)
 {
@@ -141,7 +143,7 @@ CardFile readCard(const Json &value)
     if (protocol != "T=0" && protocol != "T=1")
         StrictJson::fail(card.pointer("protocol"), "\"T=0\" or \"T=1\"", protocol);
     file.oneByOne = protocol == "T=0";
-    file.atr = file.oneByOne ? AtrOfT0 : AtrOfT1;
+    file.atr = file.kind == CardFile::Kind::Mute ? AtrOfMute : file.oneByOne ? AtrOfT0 : AtrOfT1;
     if (card.has("atr"))
         file.atr = readBytes(card, "atr");
     file.pin = readPin(card);

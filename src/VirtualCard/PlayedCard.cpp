@@ -262,10 +262,14 @@ Bytes PlayedCard::outgoing(const Command &command, Bytes data)
     return data + words(Done);
 }
 
-Bytes PlayedCard::getResponse(const Command &command, Bytes kept) const
+Bytes PlayedCard::getResponse(const Command &command, Bytes kept)
 {
-    if (kept.empty() || command.wanted.value_or(256) > kept.size())
+    if (kept.empty())
         return words(WrongLength);
+    if (command.wanted.value_or(256) > kept.size()) {
+        m_forGetResponse = std::move(kept);
+        return {0x6c, static_cast<uint8_t>(m_forGetResponse.size())};
+    }
     kept.resize(*command.wanted);
     return kept + words(Done);
 }

@@ -56,7 +56,7 @@ private:
     cat::Bytes fetch(const Command &command);
     cat::Bytes terminalResponse(const Command &command);
     cat::Bytes status(const Command &command);
-    cat::Bytes getResponse(const Command &command, cat::Bytes kept) const;
+    cat::Bytes getResponse(const Command &command, cat::Bytes kept);
     cat::Bytes aboutDirectory() const;
 
     void begin(const Sequence &sequence);

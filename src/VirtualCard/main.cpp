@@ -144,17 +144,14 @@ private:
     /* Power off, power on, reset, and the wish for an answer to reset. */
     void control(uint8_t code)
     {
-        const bool mute = m_card.file().kind == CardFile::Kind::Mute;
+        // The reader asks all the time, to see whether the card is there.
         if (code == 4) {
-            // The reader asks all the time, to see whether the card is there.
-            m_link.send(mute && m_started ? cat::Bytes() : m_card.file().atr);
-            m_started = false;
+            m_link.send(m_card.file().atr);
             return;
         }
-        m_started = code != 0;
         m_card.reset();
         m_faults.cardStarted();
-        if (m_started)
+        if (code != 0)
             say("starts");
     }
 
@@ -216,7 +213,6 @@ private:
     ReaderLink m_link;
     PlayedCard m_card;
     FaultPlan m_faults;
-    bool m_started = false; // since the reader asked for the answer to reset
     long m_commands = 0;
     size_t m_toldMismatches = 0;
 };
