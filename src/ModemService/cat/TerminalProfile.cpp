@@ -1,0 +1,125 @@
+#include "Response.h"
+
+namespace cat {
+
+namespace {
+
+// A bit of the profile (clause 5.2), bytes and bits counted from 1.
+struct Facility {
+    uint8_t byte;
+    uint8_t bit;
+    bool done;
+    const char *name;
+};
+
+constexpr bool Done = true;
+constexpr bool No = false;
+
+constexpr Facility Facilities[] = {
+    {1, 1, Done, "profile download"},
+    {1, 2, No, "SMS-PP data download"},
+    {1, 3, No, "cell broadcast data download"},
+    {1, 4, Done, "menu selection"},
+    {1, 5, No, "SMS-PP data download"},
+    {1, 6, Done, "timer expiration"},
+    {1, 7, No, "USSD string in call control"},
+    {1, 8, No, "call control by NAA"},
+
+    {2, 1, Done, "command result"},
+    {2, 2, No, "call control by NAA"},
+    {2, 3, No, "call control by NAA"},
+    {2, 4, No, "MO short message control"},
+    {2, 5, No, "call control by NAA"},
+    {2, 6, Done, "UCS2 entry"},
+    {2, 7, Done, "UCS2 display"},
+    {2, 8, Done, "display of the extension text"},
+
+    {3, 1, Done, "DISPLAY TEXT"},
+    {3, 2, Done, "GET INKEY"},
+    {3, 3, Done, "GET INPUT"},
+    {3, 4, Done, "MORE TIME"},
+    {3, 5, Done, "PLAY TONE"},
+    {3, 6, Done, "POLL INTERVAL"},
+    {3, 7, Done, "POLLING OFF"},
+    {3, 8, Done, "REFRESH"},
+
+    {4, 1, Done, "SELECT ITEM"},
+    {4, 2, Done, "SEND SHORT MESSAGE"},
+    {4, 3, Done, "SEND SS"},
+    {4, 4, Done, "SEND USSD"},
+    {4, 5, No, "SET UP CALL"}, // always refused
+    {4, 6, Done, "SET UP MENU"},
+    {4, 7, No, "PROVIDE LOCAL INFORMATION (location and IMEI)"},
+    {4, 8, No, "PROVIDE LOCAL INFORMATION (NMR)"},
+
+    {5, 1, Done, "SET UP EVENT LIST"},
+    {5, 2, No, "event: MT call"},
+    {5, 3, No, "event: call connected"},
+    {5, 4, No, "event: call disconnected"},
+    {5, 5, No, "event: location status"},
+    {5, 6, Done, "event: user activity"},
+    {5, 7, No, "event: idle screen available"},
+    {5, 8, No, "event: card reader status"},
+
+    {6, 1, Done, "event: language selection"},
+    {6, 2, No, "event: browser termination"},
+    {6, 3, No, "event: data available"},
+    {6, 4, No, "event: channel status"},
+    {6, 5, No, "event: access technology change"},
+    {6, 6, No, "event: display parameters changed"},
+    {6, 7, No, "event: local connection"},
+    {6, 8, No, "event: network search mode change"},
+
+    {7, 1, No, "POWER ON CARD"},
+    {7, 2, No, "POWER OFF CARD"},
+    {7, 3, No, "PERFORM CARD APDU"},
+    {7, 4, No, "GET READER STATUS (status)"},
+    {7, 5, No, "GET READER STATUS (identifier)"},
+
+    {8, 1, Done, "TIMER MANAGEMENT (start, stop)"},
+    {8, 2, Done, "TIMER MANAGEMENT (get current value)"},
+    {8, 3, Done, "PROVIDE LOCAL INFORMATION (date, time and time zone)"},
+    {8, 4, Done, "GET INKEY (binary choice)"},
+    {8, 5, Done, "SET UP IDLE MODE TEXT"},
+    {8, 6, No, "RUN AT COMMAND"},
+    {8, 7, No, "SET UP CALL (second alpha identifier)"},
+    {8, 8, No, "call control by NAA (second capability configuration)"},
+
+    {9, 1, Done, "DISPLAY TEXT (sustained)"},
+    {9, 2, No, "SEND DTMF"},
+    {9, 3, No, "PROVIDE LOCAL INFORMATION (BCCH channel list)"},
+    {9, 4, Done, "PROVIDE LOCAL INFORMATION (language)"},
+    {9, 5, No, "PROVIDE LOCAL INFORMATION (timing advance)"},
+    {9, 6, Done, "LANGUAGE NOTIFICATION"},
+    {9, 7, Done, "LAUNCH BROWSER"},
+    {9, 8, No, "PROVIDE LOCAL INFORMATION (access technology)"},
+
+    // 10 and 11: soft keys.  12 and 13: bearer independent protocol.  14 to 16: screen sizes, which
+    // windows do not have.  17: bearer independent protocol again.
+
+    {18, 1, Done, "DISPLAY TEXT (variable time-out)"},
+    {18, 2, No, "GET INKEY (help while waiting for an immediate response)"},
+    {18, 3, No, "USB"},
+    {18, 4, Done, "GET INKEY (variable time-out)"},
+    {18, 5, No, "PROVIDE LOCAL INFORMATION (ESN)"},
+    {18, 6, No, "call control on GPRS"},
+    {18, 7, No, "PROVIDE LOCAL INFORMATION (IMEISV)"},
+    {18, 8, No, "PROVIDE LOCAL INFORMATION (search mode change)"},
+};
+
+} // namespace
+
+Bytes terminalProfile()
+{
+    Bytes profile;
+    for (const Facility &facility : Facilities) {
+        if (!facility.done)
+            continue;
+        if (profile.size() < facility.byte)
+            profile.resize(facility.byte);
+        profile[facility.byte - 1] |= uint8_t(1 << (facility.bit - 1));
+    }
+    return profile;
+}
+
+} // namespace cat
