@@ -52,15 +52,19 @@ Session::Session()
 
 Session::~Session()
 {
-    m_transcript.removeAllListeners();
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_commandCallback = nullptr;
-        m_deviceCallback = nullptr;
-        m_stop = true;
-    }
-    m_wake.notify_one();
+    stop(std::chrono::milliseconds(0));
     m_thread.join();
+}
+
+bool Session::stop(std::chrono::milliseconds patience)
+{
+    m_transcript.removeAllListeners();
+    Lock lock(m_mutex);
+    m_commandCallback = nullptr;
+    m_deviceCallback = nullptr;
+    m_stop = true;
+    m_wake.notify_one();
+    return m_returned.wait_for(lock, patience, [this] { return m_ended; });
 }
 
 // ---- The terminal's side ----
@@ -138,8 +142,9 @@ int32_t Session::selectMenuItem(int16_t itemId)
     if (!item)
         return refuse(Function, std::nullopt, StatusUnknownItem);
 
+    const int16_t current = m_current ? m_current->id : int16_t(0);
     if (const auto response = closeCurrent())
-        postResponse(*response);
+        postResponse(current, *response);
     m_transcript.selection(*item);
     m_underWay = true;
     post([this, card = m_card, itemId] {
@@ -371,9 +376,17 @@ void Session::post(Request request)
     m_wake.notify_one();
 }
 
-void Session::postResponse(const TerminalResponse &response)
+void Session::postResponse(int16_t commandId, const TerminalResponse &response)
 {
-    post([card = m_card, response] { card->respond(response, Card::Clock::now()); });
+    post([this, card = m_card, commandId, response] {
+        {
+            // A card that does not wait may have sent another command before it heard the answer.
+            std::lock_guard<std::mutex> lock(m_mutex);
+            if (m_current && m_current->id != commandId)
+                return;
+        }
+        card->respond(response, Card::Clock::now());
+    });
 }
 
 void Session::answerCurrent(const TerminalResponse &response,
@@ -381,7 +394,7 @@ void Session::answerCurrent(const TerminalResponse &response,
 {
     m_transcript.response(m_current->id, m_current->command.body, response, function);
     m_current->open = false;
-    postResponse(response);
+    postResponse(m_current->id, response);
 }
 
 // Ends the command in progress for the user, who went on to something else.  The result, if any, is
@@ -439,8 +452,10 @@ void Session::run()
         const Card::Time latest = Card::Clock::now() + std::chrono::hours(1);
         m_wake.wait_until(lock, std::min({wakeUp, deadline(), latest}));
     }
-    m_oldCards.clear();
-    m_card.reset();
+    const auto oldCards = std::exchange(m_oldCards, {});
+    const auto card = std::exchange(m_card, nullptr);
+    m_ended = true;
+    m_returned.notify_all();
 }
 
 bool Session::runRequest(Lock &lock)
@@ -489,7 +504,7 @@ bool Session::passDeadline(Lock &lock)
         answerCurrent(m_current->command.modemAnswer, std::nullopt);
         return true;
     }
-    postResponse({TerminalResponse::Result::NoResponse});
+    postResponse(m_current->id, {TerminalResponse::Result::NoResponse});
     reportTimeOut(lock);
     return true;
 }

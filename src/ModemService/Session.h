@@ -1,6 +1,7 @@
 #ifndef SESSION_H
 #define SESSION_H
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -26,6 +27,9 @@ class Session {
 public:
     Session();
     ~Session();
+    /// Ends the session's thread; false where the card keeps it for longer than the patience, and
+    /// then the session must be left as it is.
+    bool stop(std::chrono::milliseconds patience);
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
@@ -90,7 +94,7 @@ private:
     int32_t refuse(ServiceFunction function, std::optional<int16_t> commandId, int32_t status);
     int32_t mainMenuStatus(ServiceFunction function) const;
     void post(Request request);
-    void postResponse(const TerminalResponse &response);
+    void postResponse(int16_t commandId, const TerminalResponse &response);
     void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
     std::optional<TerminalResponse> closeCurrent();
     void forgetSession();
@@ -130,6 +134,7 @@ private:
 
     std::deque<Request> m_requests;
     bool m_stop = false;
+    bool m_ended = false; // the thread is done with everything here
     std::thread m_thread;
 };
 

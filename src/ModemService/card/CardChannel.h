@@ -19,8 +19,11 @@ public:
     };
     struct Status {
         State state = State::NoCard;
-        std::string text; ///< for people, one line that names reader and reason
+        /// For people, one line: the reader's name where Ready, else what is in the way and where.
+        std::string text;
     };
+    /// ISO/IEC 7816-3.
+    enum class Protocol { T0, T1 };
 
     virtual ~CardChannel() = default;
 
@@ -28,8 +31,11 @@ public:
     virtual Status connect() = 0;
     /// Gives the card back.
     virtual void disconnect() = 0;
-    /// Whether the card has been in its place without a break since connect().
+    /// Whether the card has been in its place without a break since the last connect() that was
+    /// Ready, given back meanwhile or not.
     virtual bool isPresent() = 0;
+    /// Of the card that is connected.
+    virtual Protocol protocol() const = 0;
     /// One exchange as the transport carries it, without GET RESPONSE; the result ends with the two
     /// status words.  Nothing: the card is gone, or does not answer.
     virtual std::optional<cat::Bytes> transmit(cat::ByteView command) = 0;

@@ -1,0 +1,114 @@
+#include "Pcsc.h"
+
+#include <mutex>
+
+namespace {
+
+std::mutex ownReaderMutex;
+
+std::string &ownReaderName()
+{
+    static std::string &name = *new std::string; // outlives every thread
+    return name;
+}
+
+bool isOwnReader(const std::string &name)
+{
+    std::lock_guard<std::mutex> lock(ownReaderMutex);
+    return ownReaderName() == name;
+}
+
+CardHost::Reader::State readerState(const std::string &name, DWORD state)
+{
+    using State = CardHost::Reader::State;
+    if (!(state & SCARD_STATE_PRESENT))
+        return State::Empty;
+    if ((state & SCARD_STATE_EXCLUSIVE) && !isOwnReader(name))
+        return State::InUse;
+    return state & SCARD_STATE_MUTE ? State::Mute : State::Card;
+}
+
+} // namespace
+
+void setOwnReader(const std::string &name)
+{
+    std::lock_guard<std::mutex> lock(ownReaderMutex);
+    ownReaderName() = name;
+}
+
+PcscContext::~PcscContext()
+{
+    release();
+}
+
+bool PcscContext::establish()
+{
+    if (m_established && SCardIsValidContext(m_handle) == SCARD_S_SUCCESS) {
+        // Valid for the library even where the daemon is another one by now.
+        DWORD size = 0;
+        const LONG result = SCardListReaders(m_handle, nullptr, nullptr, &size);
+        if (result == SCARD_S_SUCCESS || result == SCARD_E_NO_READERS_AVAILABLE)
+            return true;
+    }
+    release();
+    m_established =
+        SCardEstablishContext(SCARD_SCOPE_SYSTEM, nullptr, nullptr, &m_handle) == SCARD_S_SUCCESS;
+    return m_established;
+}
+
+void PcscContext::release()
+{
+    if (m_established)
+        SCardReleaseContext(m_handle);
+    m_established = false;
+}
+
+std::vector<std::string> PcscContext::readerNames() const
+{
+    DWORD size = 0;
+    if (SCardListReaders(m_handle, nullptr, nullptr, &size) != SCARD_S_SUCCESS)
+        return {};
+    std::string list(size, '\0');
+    if (SCardListReaders(m_handle, nullptr, list.data(), &size) != SCARD_S_SUCCESS)
+        return {};
+    // Each name ends with a zero, the list with an empty name.
+    std::vector<std::string> names;
+    for (size_t at = 0; at < list.size() && list[at]; at += names.back().size() + 1)
+        names.emplace_back(list.c_str() + at);
+    return names;
+}
+
+CardHost::ReaderList PcscContext::readers()
+{
+    m_seen.clear();
+    CardHost::ReaderList list;
+    if (!establish()) {
+        list.problem = NoDaemonText;
+        return list;
+    }
+    for (const std::string &name : readerNames()) {
+        SCARD_READERSTATE state{};
+        state.szReader = name.c_str();
+        if (SCardGetStatusChange(m_handle, 0, &state, 1) != SCARD_S_SUCCESS)
+            continue;
+        list.readers.push_back({name, readerState(name, state.dwEventState)});
+        m_seen.push_back({name, state.dwEventState});
+    }
+    if (list.readers.empty())
+        list.problem = NoReaderText;
+    return list;
+}
+
+void PcscContext::waitForChange() const
+{
+    constexpr DWORD Minute = 60 * 1000;
+    std::vector<SCARD_READERSTATE> states(m_seen.size() + 1);
+    for (size_t i = 0; i < m_seen.size(); ++i) {
+        states[i].szReader = m_seen[i].name.c_str();
+        states[i].dwCurrentState = m_seen[i].state;
+    }
+    // Its change is a reader that comes or goes; the upper half is their number.
+    states.back().szReader = R"(\\?PnP?\Notification)";
+    states.back().dwCurrentState = static_cast<DWORD>(m_seen.size() << 16);
+    SCardGetStatusChange(m_handle, Minute, states.data(), static_cast<DWORD>(states.size()));
+}

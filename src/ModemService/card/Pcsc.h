@@ -1,0 +1,51 @@
+#ifndef PCSC_H
+#define PCSC_H
+
+#include <string>
+#include <vector>
+
+#include <winscard.h>
+
+#include "CardHost.h"
+
+// What everything that speaks with the smart-card daemon shares.
+
+/// A connection to the daemon, made when it is needed and again after it broke.
+class PcscContext {
+public:
+    PcscContext() = default;
+    ~PcscContext();
+    PcscContext(const PcscContext &) = delete;
+    PcscContext &operator=(const PcscContext &) = delete;
+
+    /// Connects where there is no connection that works.  False: there is no daemon.
+    bool establish();
+    void release();
+    SCARDCONTEXT handle() const { return m_handle; }
+
+    /// The readers with what is in them, in the daemon's order.
+    CardHost::ReaderList readers();
+    /// Waits until something is different from what readers() said last, for at most a minute;
+    /// SCardCancel() ends the wait.
+    void waitForChange() const;
+
+private:
+    struct Seen {
+        std::string name;
+        DWORD state;
+    };
+
+    std::vector<std::string> readerNames() const;
+
+    SCARDCONTEXT m_handle = 0;
+    bool m_established = false;
+    std::vector<Seen> m_seen; // by readers()
+};
+
+constexpr const char *NoDaemonText = "no smart-card daemon is running (pcscd)";
+constexpr const char *NoReaderText = "no smart-card reader is connected";
+
+/// Which reader this process keeps for itself; an empty name for none.
+void setOwnReader(const std::string &name);
+
+#endif

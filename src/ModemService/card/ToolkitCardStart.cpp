@@ -1,0 +1,279 @@
+// How a card starts: which application it has, its PIN, and what it is told of the terminal.
+
+#include <atomic>
+#include <string>
+#include <utility>
+
+#include "CardFiles.h"
+#include "ToolkitCard.h"
+
+using cat::Bytes;
+
+namespace {
+
+constexpr uint8_t MaxRecords = 32;
+
+const Bytes MasterFile{0x3f, 0x00};
+const Bytes ApplicationDirectory{0x2f, 0x00}; // EF_DIR, ETSI TS 102 221 clause 13.1
+const Bytes DirectoryGsm{0x7f, 0x20}; // 3GPP TS 51.011 clause 10.3
+const Bytes UsimBeginning{0xa0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02}; // ETSI TS 101 220 annex E
+
+bool isUsim(const Bytes &application)
+{
+    return application.size() >= UsimBeginning.size() && application.size() <= 16 &&
+        std::equal(UsimBeginning.begin(), UsimBeginning.end(), application.begin());
+}
+
+// By file identifier, or by the beginning of an application identifier (ETSI TS 102 221 clause
+// 11.1.1), returning the file control parameters; for a 2G card 3GPP TS 51.011 clause 9.2.1.
+Apdu selectFile(const Bytes &file)
+{
+    return {0x00, 0xa4, 0x00, 0x04, file, 256};
+}
+
+Apdu selectApplication(const Bytes &identifier)
+{
+    return {0x00, 0xa4, 0x04, 0x04, identifier, 256};
+}
+
+Apdu selectFile2g(const Bytes &file)
+{
+    return {0xa0, 0xa4, 0x00, 0x00, file, 256};
+}
+
+// Never the same in one process: an answer that comes late must not meet another card.
+int newPinRequest()
+{
+    static std::atomic<int> last{0};
+    return ++last;
+}
+
+} // namespace
+
+void ToolkitCard::takeStep(Time now)
+{
+    switch (m_state.step) {
+    case Step::SelectMasterFile:
+        return selectMasterFile(now);
+    case Step::SelectDirectory:
+        return selectDirectory(now);
+    case Step::ReadDirectory:
+        return readDirectory(now);
+    case Step::SelectUsim:
+        return selectUsim(now);
+    case Step::SelectMasterFile2g:
+        return selectMasterFile2g(now);
+    case Step::SelectGsm:
+        return selectGsm(now);
+    case Step::ReadPinState:
+        return readPinState(now);
+    case Step::VerifyPin:
+        return verifyPin(now);
+    case Step::SendProfile:
+        return sendProfile(now);
+    case Step::ReportInitialised:
+        return reportInitialised(now);
+    case Step::AwaitPin:
+    case Step::Run:
+        return;
+    }
+}
+
+void ToolkitCard::selectMasterFile(Time now)
+{
+    if (const auto answer = send(selectFile(MasterFile), now))
+        m_state.step = isDone(answer->status) ? Step::SelectDirectory : Step::SelectMasterFile2g;
+}
+
+void ToolkitCard::selectDirectory(Time now)
+{
+    const auto answer = send(selectFile(ApplicationDirectory), now);
+    if (!answer)
+        return;
+    const FileParameters file = readFileParameters(answer->data);
+    m_state.application = UsimBeginning;
+    m_state.recordLength = file.recordLength;
+    m_state.records = file.records ? std::min(file.records, MaxRecords) : MaxRecords;
+    m_state.step = isDone(answer->status) ? Step::ReadDirectory : Step::SelectUsim;
+}
+
+void ToolkitCard::readDirectory(Time now)
+{
+    Apdu readRecord{0x00, 0xb2, m_state.record, 0x04};
+    readRecord.expected = m_state.recordLength ? m_state.recordLength : 256;
+    const auto answer = send(std::move(readRecord), now);
+    if (!answer)
+        return;
+    const Bytes application = applicationIdentifier(answer->data);
+    const bool found = isUsim(application);
+    if (found)
+        m_state.application = application;
+    if (found || !isDone(answer->status) || m_state.record++ >= m_state.records)
+        m_state.step = Step::SelectUsim;
+}
+
+void ToolkitCard::selectUsim(Time now)
+{
+    const auto answer = send(selectApplication(m_state.application), now);
+    if (!answer)
+        return;
+    if (!isDone(answer->status)) {
+        m_state.step = Step::SelectMasterFile2g;
+        return;
+    }
+    if (!m_state.profileSent)
+        notice("a USIM", false);
+    const std::optional<uint8_t> pin = readFileParameters(answer->data).pin;
+    m_state.pinKey = pin.value_or(0);
+    if (pin)
+        m_state.step = Step::ReadPinState;
+    else
+        passPin();
+}
+
+void ToolkitCard::selectMasterFile2g(Time now)
+{
+    m_state.isUicc = false;
+    const auto answer = send(selectFile2g(MasterFile), now);
+    if (!answer)
+        return;
+    if (isDone(answer->status))
+        m_state.step = Step::SelectGsm;
+    else
+        leaveAlone();
+}
+
+void ToolkitCard::selectGsm(Time now)
+{
+    const auto answer = send(selectFile2g(DirectoryGsm), now);
+    if (!answer)
+        return;
+    if (!isDone(answer->status)) {
+        leaveAlone();
+        return;
+    }
+    if (!m_state.profileSent)
+        notice("a 2G SIM", false);
+    const Chv1 chv1 = readChv1(answer->data);
+    if (chv1.enabled)
+        wantPin(chv1.triesLeft, false);
+    else
+        passPin();
+}
+
+// An empty VERIFY tells how many tries are left, and uses none (ETSI TS 102 221 clause 11.1.9).
+void ToolkitCard::readPinState(Time now)
+{
+    const auto answer = send({0x00, 0x20, 0x00, m_state.pinKey}, now);
+    if (!answer)
+        return;
+    if ((answer->status & 0xfff0) == 0x63c0)
+        wantPin(answer->status & 0x0f, false);
+    else if (answer->status == 0x6983)
+        wantPin(0, false);
+    else
+        passPin();
+}
+
+void ToolkitCard::wantPin(int triesLeft, bool wrong)
+{
+    if (m_state.pinSettled) {
+        passPin();
+        return;
+    }
+    if (triesLeft == 0) {
+        goOnWithoutPin("the PIN of this card is blocked; only its PUK, in a telephone, helps");
+        return;
+    }
+    m_state.step = Step::AwaitPin;
+    m_state.pinTries = triesLeft;
+    m_pinRequest = newPinRequest();
+    m_listener.pinWanted({*m_pinRequest, m_readerName, triesLeft, wrong});
+}
+
+void ToolkitCard::answerPin(int request, const CardHost::Pin &pin, Time)
+{
+    if (m_state.step != Step::AwaitPin || m_pinRequest != request)
+        return;
+    if (pin.isValid()) {
+        m_state.pin = pin;
+        m_state.step = Step::VerifyPin;
+        return;
+    }
+    endPinRequest();
+    goOnWithoutPin("the card goes on without its PIN");
+}
+
+void ToolkitCard::verifyPin(Time now)
+{
+    // Padded to eight bytes: ETSI TS 102 221 clause 9.5.1, 3GPP TS 51.011 clause 9.3.
+    Apdu verify{uint8_t(m_state.isUicc ? 0x00 : 0xa0), 0x20, 0x00,
+                uint8_t(m_state.isUicc ? m_state.pinKey : 0x01)};
+    verify.data.assign(8, 0xff);
+    std::copy_n(m_state.pin.digits(), m_state.pin.size(), verify.data.begin());
+    verify.secret = verify.data.size();
+    m_state.pin = CardHost::Pin();
+    const auto answer = send(std::move(verify), now);
+    endPinRequest();
+    if (!answer)
+        return;
+    const uint16_t status = answer->status;
+    const bool wrongOnUicc = (status & 0xfff0) == 0x63c0;
+    if (wrongOnUicc || status == 0x9804) { // the latter, and 9840: 3GPP TS 51.011 clause 9.4.5
+        wantPin(wrongOnUicc ? status & 0x0f : m_state.pinTries - 1, true);
+    } else if (status == 0x6983 || status == 0x9840) {
+        wantPin(0, true);
+    } else if (isDone(status)) {
+        m_state.pinSettled = !m_state.isUicc; // a UICC says itself what it needs
+        passPin();
+    } else {
+        goOnWithoutPin("the PIN could not be checked: the card answers " + statusInWords(status));
+    }
+}
+
+void ToolkitCard::goOnWithoutPin(const std::string &why)
+{
+    notice(why, true);
+    m_state.pinSettled = true;
+    passPin();
+}
+
+void ToolkitCard::endPinRequest()
+{
+    m_state.pin = CardHost::Pin();
+    if (!std::exchange(m_pinRequest, std::nullopt))
+        return;
+    m_listener.pinDone();
+}
+
+// What comes behind the PIN.
+void ToolkitCard::passPin()
+{
+    if (!m_state.profileSent)
+        m_state.step = Step::SendProfile;
+    else
+        m_state.step = m_state.isUicc ? Step::ReportInitialised : Step::Run;
+}
+
+void ToolkitCard::sendProfile(Time now)
+{
+    Apdu profile = toolkitApdu(0x10, 0, 0);
+    profile.data = cat::terminalProfile();
+    const auto answer = send(std::move(profile), now);
+    if (!answer)
+        return;
+    m_state.profileSent = true;
+    if (!isDone(answer->status))
+        m_state.restAt = now; // and no menu will come
+    else
+        m_state.restAt = now + std::chrono::seconds(2);
+    m_state.pollAt = now + *m_state.pollInterval;
+    passPin();
+}
+
+// ETSI TS 102 221 clause 11.1.2 and 14.5.2: the application is initialised in the terminal.
+void ToolkitCard::reportInitialised(Time now)
+{
+    if (send(toolkitApdu(0xf2, 0x01, 0x0c), now))
+        m_state.step = Step::Run;
+}
