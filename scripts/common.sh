@@ -6,9 +6,11 @@ packages="
   qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
   qtmultimedia5-dev libqt5multimedia5-plugins
   nlohmann-json3-dev
+  pkg-config libpcsclite-dev libpcap-dev pcscd
   fonts-dejavu-core fonts-noto-core fonts-noto-color-emoji fonts-wqy-microhei"
 test_packages="
   libgtest-dev libbenchmark-dev
+  vsmartcard-vpcd
   xvfb xauth openbox xdotool x11-utils
   pulseaudio pulseaudio-utils"
 # Not on every architecture; the tests do without it where it is missing.
