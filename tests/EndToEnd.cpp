@@ -40,14 +40,22 @@ private slots:
         };
         row({"--cart", "x"}, "Unknown option 'cart'\\.");
         row({"--card"}, "Missing value after '--card'\\.");
-        row({"--card="}, "option --card needs a FILE");
+        row({"--card="}, "option --card needs a CARD");
+        row({"--card", "pcsc:"}, "option --card pcsc: needs the start of a reader's name");
+        row({"--apdu-log="}, "option --apdu-log needs a FILE");
+        row({"--apdu-log", "/absent/x"}, "/absent/x: cannot write .*: No such file or directory");
+        const QString nothing = "there is no display, and so nothing to do: expected --walkthrough .*";
+        row({}, nothing);
+        row({"--card", "pcsc"}, nothing);
         row({"demo.json"}, "unexpected argument \"demo.json\"");
         row({"--language", "tlh"}, "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
         row({"--card", "/absent.json"}, "/absent.json: no such card scenario");
         row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
             ".*/bad.json: step 1: \"open\": expected true, found 1");
         const QString quit = write("quit.json", "[{\"wait\":50},{\"quit\":true}]");
-        row({"--card", write("broken.json", "{\"menu\": 5}"), "--walkthrough", quit}, "/.*/broken.json: .*", 0);
+        const QString broken = write("broken.json", "{\"menu\": 5}");
+        row({"--card", broken, "--walkthrough", quit}, "/.*/broken.json: .*");
+        row({"--card", broken}, "/.*/broken.json: .*");
         row({"--trace", "/absent/x"}, "/absent/x: cannot write the trace: No such file or directory");
         row({"--transcript", "/absent/x"}, "/absent/x: cannot write the transcript: No such file or directory");
         row({"--screenshots", "/dev/null/x"}, "/dev/null/x: cannot make this folder for the pictures");

@@ -58,10 +58,11 @@ void TestWalkthrough::readsEveryStep()
         {"expectInput": {"prompt": "", "text": "", "hidden": true, "ok": false, "maxLength": 4}}, {"type": "12"},
         {"expectInput": false}, {"expectTone": 8}, {"expectUrl": "http://a"}, {"expectUrl": false}, {"press": "No"},
         {"expectResponse": {"event": "refused", "status": -4}}, {"expectResponse": false}, {"erase": true},
-        {"closeBox": true}])"));
+        {"closeBox": true}, {"expectPin": {"card": "c", "tries": 3, "wrong": false, "ok": true}}, {"expectPin": false},
+        {"confirmPin": true}, {"enterPin": "12345678"}])"));
     QCOMPARE(error, QString());
     const auto &steps = walkthrough.steps();
-    QCOMPARE(steps.size(), size_t(35));
+    QCOMPARE(steps.size(), size_t(39));
     QCOMPARE(steps[0].within, 5000);
     QCOMPARE(steps[1].within, 70);
     QCOMPARE(steps[1].number, 2);
@@ -76,8 +77,8 @@ void TestWalkthrough::refusesBadFiles_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("error");
-    const auto row = [](const char *text, const QString &error) {
-        QTest::newRow(*text ? text : "empty") << QByteArray(text) << error;
+    const auto row = [](const QByteArray &text, const QString &error) {
+        QTest::newRow(text.isEmpty() ? "empty" : text.constData()) << text << error;
     };
     const auto wrong = [](const char *field, const QByteArrayList &values, const QString &expected,
                           const QByteArray &beside = "") {
@@ -91,7 +92,8 @@ void TestWalkthrough::refusesBadFiles_data()
     row(R"({"open":true})", "expected an array of steps, found an object");
     const QString steps =
         "open, expectMenu, select, back, close, escape, key, expectBusy, expectClosed, "
-        "expectMessage, expectCountdown, press, expectInput, type, erase, closeBox, expectTone, "
+        "expectMessage, expectCountdown, press, expectInput, type, erase, closeBox, expectPin, confirmPin, enterPin, "
+        "expectTone, "
         "expectUrl, expectResponse, modem, timeout, endSession, send, language, wait, screenshot, quit";
     row(R"([{"open":true}, 5])", "step 2: expected an object with one of " + steps + ", found 5");
     row(R"([{"opn":true}])", "step 1: expected an object with one of " + steps + R"(, found {"opn":true})");
@@ -121,6 +123,11 @@ void TestWalkthrough::refusesBadFiles_data()
         R"(an object with "prompt", "text" (texts), "hidden", "ok" (true or false) or "maxLength" (number), or false)");
     wrong("expectResponse", {R"({"valu":1})", R"({"value":1.5})", R"({"accepted":1})"},
           "an object of fields of a transcript's entry, or false");
+    wrong("expectPin", {"true", R"({"tries":"3"})"},
+          R"(an object with "card" (text), "tries" (number), "wrong" or "ok" (true or false), or false)");
+    for (const char *pin : {"\"123\"", "\"123456789\"", "\"12a4\"", "1234"})
+        row("[{\"enterPin\":" + QByteArray(pin) + "}]",
+            R"(step 1: "enterPin": expected a text of four to eight digits, found "***")");
     wrong("expectTone", {"-8"}, "a whole number from 0");
     wrong("expectUrl", {"true"}, "an address, or false");
 }

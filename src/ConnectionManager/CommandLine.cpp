@@ -33,14 +33,17 @@ const OptionRow Options[] = {
      &CommandLine::trace},
 };
 
+const QString AnyReader = "pcsc";
+const QString NamedReader = "pcsc:";
+
 // A file whose name looks like a reader's is reached as ./pcsc.
 void findReader(CommandLine *line)
 {
-    const QString any = "pcsc", named = "pcsc:";
-    if (line->card == any || line->card.startsWith(named))
-        line->reader = line->card.mid(named.size());
-    if (line->reader)
-        line->card.clear();
+    const bool isNamed = line->card.startsWith(NamedReader) && line->card != NamedReader;
+    if (line->card != AnyReader && !isNamed)
+        return;
+    line->reader = line->card.mid(NamedReader.size());
+    line->card.clear();
 }
 
 QString firstError(const CommandLine &line)
@@ -49,6 +52,8 @@ QString firstError(const CommandLine &line)
         return QString("unknown language \"%1\": expected one of %2")
             .arg(line.language, Languages::codes().join(", "));
     }
+    if (line.card == NamedReader)
+        return QString("option --card %1 needs the start of a reader's name").arg(NamedReader);
     if (!line.card.isEmpty() && !QFileInfo::exists(line.card))
         return line.card + ": no such card scenario";
     return {};

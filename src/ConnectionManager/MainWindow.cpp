@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenuBar>
+#include <QProxyStyle>
 #include <QRegularExpression>
 #include <QStatusBar>
 
@@ -112,6 +113,18 @@ QString shownText(const CardHost::TranscriptEntry &entry)
         "refused: MOVA_STKSrv_GetMainMenu: no main menu \\(-3\\)$");
     return QString::fromStdString(entry.text).replace(asked, "the card has not sent its menu yet");
 }
+
+// Where the layout runs from right to left, the common style turns the alignment of a button's text
+// round twice, and the text leaves the icon for the border.
+class IconBesideText : public QProxyStyle {
+public:
+    void drawItemText(QPainter *painter, const QRect &place, int alignment, const QPalette &palette,
+                      bool isEnabled, const QString &text, QPalette::ColorRole role) const override
+    {
+        QProxyStyle::drawItemText(painter, place, alignment | Qt::AlignAbsolute, palette, isEnabled,
+                                  text, role);
+    }
+};
 
 // For buttons, which take no key; Chinese puts the key behind the text, in parentheses.
 QString withoutMnemonic(QString text)
@@ -378,6 +391,9 @@ QWidget *MainWindow::createHeader()
     m_toolkitButton->setObjectName("ConnectionManager_ToolkitButton");
     m_toolkitButton->setIconSize({32, 32});
     m_toolkitButton->setMinimumSize(170, 52);
+    auto *style = new IconBesideText;
+    style->setParent(m_toolkitButton);
+    m_toolkitButton->setStyle(style);
     connect(m_toolkitButton, &QPushButton::clicked, this, &MainWindow::openToolkit);
     row->addWidget(m_toolkitButton);
     return header;
@@ -411,8 +427,6 @@ void MainWindow::retranslate()
     for (QAction *action : qAsConst(m_languageActions))
         action->setChecked(action->data().toString() == m_language);
     m_toolkitButton->setText(text("IDS_CM_TOOLKIT"));
-    // Not every style leaves room around a long text in a bold script.
-    m_toolkitButton->setMinimumWidth(qMax(170, m_toolkitButton->sizeHint().width() + 24));
     m_transcriptLabel->setText(text("IDS_CM_TRANSCRIPT"));
     m_transcriptView->setPlaceholderText(text("IDS_CM_TRANSCRIPT_EMPTY"));
     m_panel->retranslate();
@@ -562,7 +576,7 @@ void MainWindow::showNotice(const CardHost::Notice &notice)
 {
     const QString line = QString::fromStdString(notice.text);
     showError(notice.problem ? line : QString());
-    showNote(line);
+    showNote(notice.problem ? QString() : line);
     refreshTexts();
     if (notice.problem)
         Messages::complain(line);

@@ -14,12 +14,17 @@ constexpr int IconSize = 48;
 constexpr int TextWidth = 340;
 constexpr int LongestName = 80;
 
-const char *const Alarming = "background: #fbe3e1; color: #7a1710; border-radius: 4px;";
+// The rules name their classes: a check box inside keeps its own look.
+const char *const Alarming = ".QLabel, .QCheckBox { color: #7a1710; } "
+                             ".QFrame, #ConnectionManager_PinWrong "
+                             "{ background: #fbe3e1; border-radius: 4px; }";
 
-// A card may call itself anything.
+// A card may call itself anything: one line of bounded length, whose direction of writing is its
+// own business (first strong isolate).
 QString shownName(const std::string &name)
 {
-    return QString::fromStdString(name).simplified().left(LongestName);
+    const QString line = QString::fromStdString(name).simplified().left(LongestName);
+    return QChar(0x2068) + line + QChar(0x2069);
 }
 
 } // namespace
@@ -43,7 +48,9 @@ PinDialog::PinDialog(const CardHost::PinRequest &request, QWidget *parent)
 
     m_asks = addLabel(column);
     m_wrong = addLabel(column);
-    m_wrong->setStyleSheet(QString(Alarming) + "padding: 6px;");
+    m_wrong->setObjectName("ConnectionManager_PinWrong");
+    m_wrong->setMargin(6);
+    m_wrong->setStyleSheet(Alarming);
     m_wrong->setVisible(m_request.wrong);
     m_fieldLabel = addLabel(column);
     m_field = new PinField(this);

@@ -167,19 +167,22 @@ int play(const Walkthrough &walkthrough, MainWindow &window, Transcript &transcr
     return 1;
 }
 
-// Empty, or why nothing can come of this start; what is wrong in a reader is told later.
+// Puts the card in; empty, or why nothing can come of this start.  What is wrong in a reader is
+// told later.
 QString begin(const CommandLine &line, MainWindow &window)
 {
-    if (line.reader)
-        window.openReader(*line.reader);
-    const QString error = line.card.isEmpty() ? QString() : window.openCard(line.card);
-    if (!error.isEmpty() || !line.walkthrough.isEmpty() || hasScreen())
-        return error;
-    if (!isListening(line)) {
+    const QString cardError = line.card.isEmpty() ? QString() : window.openCard(line.card);
+    if (!cardError.isEmpty())
+        return cardError;
+    const bool isUsed = hasScreen() || !line.walkthrough.isEmpty();
+    if (!isUsed && !isListening(line)) {
         return "there is no display, and so nothing to do: expected --walkthrough to use the "
                "windows, or --transcript, --apdu-log or --trace to listen";
     }
-    Messages::complain("there is no display: listening until the program is stopped");
+    if (!isUsed)
+        Messages::complain("there is no display: listening until the program is stopped");
+    if (line.reader)
+        window.openReader(*line.reader);
     return {};
 }
 
