@@ -76,7 +76,7 @@ milliseconds FaultPlan::slowness()
 
 milliseconds FaultPlan::absence()
 {
-    return milliseconds(isRandom() ? upTo(2000) : 1200);
+    return milliseconds(isRandom() ? upTo(2000) : 600);
 }
 
 cat::Bytes FaultPlan::garbage()
