@@ -234,7 +234,7 @@ void ToolkitCard::setLanguage(const std::string &language, Time)
 {
     if (std::exchange(m_language, language) == language)
         return;
-    if (m_place == Place::InUse && reportsEvent(cat::LanguageSelection))
+    if (m_place == Place::InUse && language.size() == 2 && reportsEvent(cat::LanguageSelection))
         queueEnvelope(cat::encodeLanguageSelection(language), "EVENT DOWNLOAD (language)");
 }
 
