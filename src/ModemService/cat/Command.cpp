@@ -36,7 +36,7 @@ private:
     ByteView open(ByteView fetched);
     void checkObjects();
     void readHead();
-    void readField(const Field &field);
+    void readField(const CommandRow &row, const Field &field);
     bool readValue(const Field &field, const Tlv &tlv);
     void checkIcons(const CommandRow &row);
     std::string label(const DataObject &object, size_t number) const;
@@ -125,7 +125,7 @@ bool Decoder::readValue(const Field &field, const Tlv &tlv)
     return false;
 }
 
-void Decoder::readField(const Field &field)
+void Decoder::readField(const CommandRow &row, const Field &field)
 {
     size_t number = 0;
     TlvReader reader(m_objects, m_offset);
@@ -141,7 +141,9 @@ void Decoder::readField(const Field &field)
         }
     }
     if (number == 0 && field.presence == Presence::Mandatory)
-        report(Problem::ValuesMissing, describe(*field.object) + ": missing");
+        report(Problem::ValuesMissing,
+               describe(*field.object) + ": missing, " + row.name + " needs it (clause " +
+                   row.clause + ")");
 }
 
 std::string Decoder::label(const DataObject &object, size_t number) const
@@ -186,9 +188,9 @@ void Decoder::decode(ByteView fetched)
     m_command.name = row->name;
     row->create(m_command.body);
     checkObjects();
-    readField(DevicesField);
+    readField(*row, DevicesField);
     for (const Field *field = row->fields; field->object; ++field)
-        readField(*field);
+        readField(*row, *field);
     if (row->label)
         checkIcons(*row);
     if (row->check) {
@@ -196,7 +198,8 @@ void Decoder::decode(ByteView fetched)
         report(finding.problem, finding.reason);
     }
     if (std::holds_alternative<OtherCommand>(m_command.body))
-        report(Problem::BeyondCapabilities, std::string(row->name) + ": not done here");
+        report(Problem::BeyondCapabilities,
+               std::string(row->name) + ": beyond what this terminal does");
 }
 
 } // namespace
