@@ -380,9 +380,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::closeBox(const Walkthrough::Step &
 WalkthroughPlayer::Outcome WalkthroughPlayer::expectPin(const Walkthrough::Step &step)
 {
     const PinDialog *dialog = m_window.pinDialog();
-    if (!step.value.isObject()) {
+    if (!step.value.isObject())
         return {dialog ? Outcome::NotYet : Outcome::Done, "no PIN dialog", "one"};
-    }
     const QJsonObject expected = step.value.toObject();
     if (!dialog)
         return {Outcome::NotYet, json(expected), "no PIN dialog"};
@@ -413,7 +412,7 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::enterPin(const Walkthrough::Step &
         return {Outcome::NotYet, "a PIN dialog to enter the PIN in", "none"};
     typeText(dialog->field(), step.value.toString());
     if (!dialog->okButton()->isEnabled())
-        return {Outcome::Failed, "a PIN dialog with an enabled OK button", "it is disabled"};
+        return {Outcome::Failed, "an enabled OK button", "a last try that was not confirmed"};
     clickAt(dialog->okButton(), dialog->okButton()->rect().center());
     return {Outcome::Done, {}, {}};
 }
