@@ -94,6 +94,7 @@ QWidget *PinDialog::createLastTryWarning()
     column->addWidget(m_lastTry);
     column->addWidget(m_confirmation);
     connect(m_confirmation, &QCheckBox::toggled, this, &PinDialog::updateOk);
+    connect(m_confirmation, &QCheckBox::clicked, m_field, [this] { m_field->setFocus(); });
     return frame;
 }
 

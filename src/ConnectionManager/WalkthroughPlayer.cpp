@@ -412,7 +412,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::enterPin(const Walkthrough::Step &
         return {Outcome::NotYet, "a PIN dialog to enter the PIN in", "none"};
     typeText(dialog->field(), step.value.toString());
     if (!dialog->okButton()->isEnabled())
-        return {Outcome::Failed, "an enabled OK button", "a last try that was not confirmed"};
+        return {Outcome::Failed, "an enabled OK button",
+                "it is disabled; a last try needs confirmPin"};
     clickAt(dialog->okButton(), dialog->okButton()->rect().center());
     return {Outcome::Done, {}, {}};
 }
