@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QProxyStyle>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QStatusBar>
 
 #include "CardCommands.h"
@@ -231,6 +232,11 @@ void MainWindow::openToolkit()
     m_panelOffered = true;
 }
 
+PinDialog *MainWindow::pinDialog() const
+{
+    return m_pinDialog && m_pinDialog->isVisible() ? m_pinDialog.get() : nullptr;
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->accept();
@@ -354,8 +360,21 @@ void MainWindow::createContent()
     // Its lines are technical English in every language.
     m_transcriptView->setLayoutDirection(Qt::LeftToRight);
     layout->addWidget(m_transcriptView, 1);
+    followTranscript();
     setCentralWidget(content);
     statusBar()->addPermanentWidget(new QLabel(m_plugin.description(), this));
+}
+
+// The end of the transcript stays in sight, also when the view shrinks under an error.
+void MainWindow::followTranscript()
+{
+    QScrollBar *bar = m_transcriptView->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this,
+            [this, bar](int value) { m_showsEnd = value == bar->maximum(); });
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
+        if (m_showsEnd)
+            bar->setValue(maximum);
+    });
 }
 
 QWidget *MainWindow::createHeader()
@@ -574,6 +593,8 @@ void MainWindow::fillReaderMenu()
 
 void MainWindow::showNotice(const CardHost::Notice &notice)
 {
+    if (!m_reader) // it is about the card before
+        return;
     const QString line = QString::fromStdString(notice.text);
     showError(notice.problem ? line : QString());
     showNote(notice.problem ? QString() : line);

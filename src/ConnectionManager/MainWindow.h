@@ -48,7 +48,7 @@ public:
     /// What opens the SIM toolkit.
     QPushButton *toolkitButton() const { return m_toolkitButton; }
     /// What asks for the PIN of the card; null while nothing does.
-    PinDialog *pinDialog() const { return m_pinDialog.get(); }
+    PinDialog *pinDialog() const;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -60,6 +60,7 @@ private:
     void createContent();
     QWidget *createHeader();
     QWidget *createTranscriptBar();
+    void followTranscript();
     QAction *addNetworkAction(const char *textId, const QKeySequence &shortcut, void (*act)());
     void retranslate();
     void refresh();
@@ -121,6 +122,7 @@ private:
     std::unique_ptr<NetworkPanel> m_panel;
     std::unique_ptr<PinDialog> m_pinDialog;
     bool m_panelOffered = false;
+    bool m_showsEnd = true;
 };
 
 #endif
