@@ -85,8 +85,8 @@ const CommandCase Refused[] = {
     {"21 80", "", "text string (clause 8.15): missing", Problem::ValuesMissing},
     {"21 80", "8D 01 04", "text string", Problem::DataNotUnderstood},
     {"21 80", "8D 03 20 48 69", "text string (clause 8.15) at byte 11", Problem::DataNotUnderstood},
-    {"21 80", "8D 02 04 41 D8 01 00", "tag 88 at byte 15", Problem::DataNotUnderstood},
-    {"21 80", "8D 02 04 41 7F 92 34 00", "tag 4660 at byte 15", Problem::DataNotUnderstood},
+    {"21 80", "8D 02 04 41 D8 01 00", "tag 58 at byte 15", Problem::DataNotUnderstood},
+    {"21 80", "8D 02 04 41 7F 92 34 00", "tag 1234 at byte 15", Problem::DataNotUnderstood},
     {"21 80", "8D 02 04 41 84 01 01", "duration", Problem::DataNotUnderstood},
     {"21 80", "8D 02 04 41 84 02 03 01", "duration", Problem::DataNotUnderstood},
     {"21 80", "8D 02 04 41 8D", "at byte 15: runs past", Problem::DataNotUnderstood},
@@ -117,7 +117,7 @@ const CommandCase Refused[] = {
     {"14 00", "AC 02 C1 F2", "SEND DTMF", Problem::BeyondCapabilities},
     {"14 00", "AC 02 C1 F2 9E 02 01 01", "icon", Problem::DataNotUnderstood},
     {"40 01", "35 01 03", "OPEN CHANNEL", Problem::BeyondCapabilities},
-    {"7F 00", "", "type of command 127", Problem::TypeNotUnderstood},
+    {"7F 00", "", "type of command 7F", Problem::TypeNotUnderstood},
 };
 
 } // namespace
@@ -213,6 +213,7 @@ TEST(Cat, ReadsTexts)
         {"80 04 17 4E 2D FF FF FF", "З中"},
         {"81 03 08 97 20 98 FF", "З И"}, // base 0400
         {"81 02 9C AD 80 41", "中一"},
+        {"81 01 08 C1", "\xd1\x81"}, // the half page's upper half
         {"81 09 08 97 1B 65 1B", "З€ "}, // more counted than there is
         {"81 00 08 97", ""},
         {"81 01", ""},

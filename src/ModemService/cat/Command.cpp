@@ -1,5 +1,7 @@
 #include "Command.h"
 
+#include <cstdio>
+
 #include "CommandTable.h"
 #include "DataObject.h"
 #include "TextString.h"
@@ -14,6 +16,13 @@ constexpr uint8_t ProactiveCommandTag = 0xd0; // clause 9.2
 std::string describe(const DataObject &object)
 {
     return std::string(object.name) + " (clause " + object.clause + ")";
+}
+
+std::string hex(unsigned number)
+{
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%02X", number);
+    return digits;
 }
 
 std::string at(size_t offset)
@@ -96,7 +105,7 @@ void Decoder::checkObjects()
     while (const auto tlv = reader.next()) {
         if (tlv->required && !isKnownTag(tlv->tag))
             report(Problem::DataNotUnderstood,
-                   "data object with tag " + std::to_string(tlv->tag) + at(tlv->offset) +
+                   "data object with tag " + hex(tlv->tag) + at(tlv->offset) +
                        ": unknown, and must be understood");
     }
     if (!reader.atEnd())
@@ -181,8 +190,7 @@ void Decoder::decode(ByteView fetched)
     const CommandRow *row = findCommand(m_command.details.type);
     if (!row) {
         report(Problem::TypeNotUnderstood,
-               "type of command " + std::to_string(m_command.details.type) +
-                   ": unknown (clause 9.4)");
+               "type of command " + hex(m_command.details.type) + ": unknown (clause 9.4)");
         return;
     }
     m_command.name = row->name;
