@@ -76,7 +76,7 @@ milliseconds FaultPlan::slowness()
 
 milliseconds FaultPlan::absence()
 {
-    return milliseconds(isRandom() ? upTo(2000) : 600);
+    return milliseconds(isRandom() ? 500 + upTo(1500) : 600);
 }
 
 cat::Bytes FaultPlan::garbage()

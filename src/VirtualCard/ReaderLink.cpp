@@ -43,7 +43,7 @@ bool ReaderLink::connect()
             disconnect();
     }
     freeaddrinfo(addresses);
-    const int now = 1; // the small messages are not to be collected
+    const int now = 1;
     setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &now, sizeof now);
     return isConnected();
 }
@@ -101,6 +101,10 @@ ReaderLink::Signal ReaderLink::takeSignal()
 bool ReaderLink::readExactly(uint8_t *bytes, size_t count)
 {
     for (size_t got = 0; got < count;) {
+        // The reader sends length and content one by one, and holds the content back until the
+        // length was acknowledged.
+        const int now = 1;
+        setsockopt(m_socket, IPPROTO_TCP, TCP_QUICKACK, &now, sizeof now);
         const ssize_t read = recv(m_socket, bytes + got, count - got, 0);
         if (read <= 0) {
             disconnect();

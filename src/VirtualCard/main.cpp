@@ -16,6 +16,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds BetweenTries(100);
+// The daemon looks for a card every 400 ms, and is confused by another card in between.
+constexpr milliseconds BetweenCards(500);
 constexpr int LongestEndless = 100; // commands, when faults come at random
 
 const char Usage[] =
@@ -23,6 +25,7 @@ const char Usage[] =
     "Puts the card that FILE describes into a virtual smart-card reader.\n\n"
     "  --host NAME       where the virtual reader listens (localhost)\n"
     "  --port NUMBER     its port (35963)\n"
+    "  --latency MS      what the card takes for a command (20)\n"
     "  --misbehave PLAN  FAULT@N: at the Nth command; FAULT@each: at the first command after a "
     "start\n"
     "                    of the card, then the second, and so on; a number: at random, from this "
@@ -38,6 +41,7 @@ const char Usage[] =
 struct Options {
     std::string host = "localhost", port = "35963", report, file;
     FaultPlan faults;
+    milliseconds latency{20}; // of a real card: a command of 20 bytes at 9600 bit/s
     bool requireAll = false;
 };
 
@@ -51,6 +55,7 @@ Options readOptions(int argc, char **argv)
 {
     const option known[] = {{"host", required_argument, nullptr, 'h'},
                             {"port", required_argument, nullptr, 'p'},
+                            {"latency", required_argument, nullptr, 'l'},
                             {"misbehave", required_argument, nullptr, 'm'},
                             {"report", required_argument, nullptr, 'r'},
                             {"require-all", no_argument, nullptr, 'a'},
@@ -72,6 +77,12 @@ Options readOptions(int argc, char **argv)
             break;
         case 'a':
             options.requireAll = true;
+            break;
+        case 'l':
+            if (value.empty() || value.size() > 5 ||
+                value.find_first_not_of("0123456789") != std::string::npos)
+                giveUp("--latency: expected milliseconds up to 99999, found \"" + value + '"');
+            options.latency = milliseconds(std::stoi(value));
             break;
         case 'm':
             if (const auto plan = FaultPlan::read(value))
@@ -100,12 +111,14 @@ public:
         : m_link(options.host, options.port)
         , m_card(file)
         , m_faults(options.faults)
+        , m_latency(options.latency)
     {
     }
 
     void play()
     {
         say("waiting for the virtual reader");
+        m_link.wait(BetweenCards);
         for (auto signal = m_link.takeSignal(); signal != ReaderLink::Signal::End;
              signal = m_link.takeSignal()) {
             if (signal == ReaderLink::Signal::TakeOut)
@@ -158,6 +171,7 @@ private:
     void command(const cat::Bytes &command)
     {
         ++m_commands;
+        m_link.wait(m_latency);
         const auto fault = m_faults.next();
         if (!fault) {
             m_link.send(m_card.answer(command));
@@ -213,6 +227,7 @@ private:
     ReaderLink m_link;
     PlayedCard m_card;
     FaultPlan m_faults;
+    const milliseconds m_latency;
     long m_commands = 0;
     size_t m_toldMismatches = 0;
 };

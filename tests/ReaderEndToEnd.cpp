@@ -1,0 +1,174 @@
+// Cards that come, go and do not answer, in the readers of a real daemon: run by tests/reader/with-pcscd.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "../bench/ReaderTools.h"
+#include "CardHost.h"
+#include "Text.h"
+#include "platform/ModemService.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const std::string Cards = STK_SOURCE_DIR "/cards/conformance/";
+constexpr int32_t Removed = MOVA_DEV_EVENT_DEVICE_REMOVED, Ready = MOVA_DEV_EVENT_DEVICE_READY;
+
+std::mutex theMutex;
+std::condition_variable theChange;
+std::vector<std::string> theNotices;
+
+void note(const CardHost::Notice &notice)
+{
+    const std::lock_guard<std::mutex> lock(theMutex);
+    theNotices.push_back(notice.text);
+    theChange.notify_all();
+}
+
+bool noticed(const std::string &part, std::chrono::milliseconds most = 10s)
+{
+    std::unique_lock<std::mutex> lock(theMutex);
+    return theChange.wait_for(lock, most, [&] {
+        return std::any_of(theNotices.begin(), theNotices.end(),
+                           [&](const std::string &text) { return text.find(part) != std::string::npos; });
+    });
+}
+
+std::string title()
+{
+    MOVA_STKMenuInfo menu{};
+    if (MOVA_STKSrv_GetMainMenu(&menu) != 0)
+        return "no menu";
+    MOVA_STKSrv_ReleaseMenus(&menu);
+    return toUtf8(menu.szTitle);
+}
+
+} // namespace
+
+class ReaderTest : public testing::Test {
+protected:
+    ReaderTest()
+    {
+        theNotices.clear();
+        CardHost::setNoticeListener(note);
+    }
+    ~ReaderTest() override
+    {
+        CardHost::closeCard();
+        CardHost::setNoticeListener(nullptr);
+    }
+
+    ServiceCalls calls;
+};
+
+// The card is pulled out at its first command, next time at its second, and so on, until all of its
+// sequences were played to their end between two removals.
+TEST_F(ReaderTest, isPulledOutAtEachStep)
+{
+    CardProcess card({"--misbehave", "remove@each", Cards + "steps.json"});
+    ASSERT_TRUE(card.waitFor("starts", 10s));
+    CardHost::openReader("");
+    int lives = 0;
+    for (bool ended = false; !ended; ++lives) {
+        ASSERT_TRUE(calls.next(Ready, 10s)) << "life " << lives;
+        std::optional<ServiceCall> call;
+        for (bool chosen = false; !ended && (call = calls.next(20s)) && call->type != Removed;) {
+            ended = chosen && call->type == MOVA_STKTYPE_END_SESSION;
+            if (call->type == MOVA_STKTYPE_SETUP_MENU || call->type == MOVA_STKTYPE_END_SESSION)
+                chosen = MOVA_STKSrv_SelectMenuItem(1, 1) == 0 || chosen;
+            else
+                answer(*call);
+        }
+        ASSERT_TRUE(call) << "life " << lives;
+        if (ended)
+            break;
+        const auto taken = card.waitFor("taken out", 0s);
+        ASSERT_TRUE(taken) << "life " << lives;
+        EXPECT_LT(call->when - *taken, 1s) << "life " << lives;
+    }
+    EXPECT_GT(lives, 20);
+    EXPECT_EQ(card.end(), 0);
+}
+
+TEST_F(ReaderTest, isPulledOutWhileTheUserReads)
+{
+    CardProcess card({Cards + "steps.json"});
+    CardHost::openReader("");
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    ASSERT_EQ(MOVA_STKSrv_SelectMenuItem(1, 1), 0);
+    const auto text = calls.next(MOVA_STKTYPE_DISPLAY_TEXT, 5s);
+    ASSERT_TRUE(text);
+    const auto taken = std::chrono::steady_clock::now();
+    card.takeOut();
+    const auto removed = calls.next(Removed, 5s);
+    ASSERT_TRUE(removed);
+    EXPECT_LT(removed->when - taken, 1s);
+    answer(*text); // too late
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    EXPECT_EQ(title(), "Steps");
+}
+
+TEST_F(ReaderTest, startsAgainWithTheDaemon)
+{
+    CardProcess card({Cards + "steps.json"});
+    CardHost::openReader("Virtual");
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    int daemon = 0;
+    ASSERT_TRUE(std::ifstream("/run/pcscd/pcscd.pid") >> daemon);
+    ASSERT_EQ(kill(daemon, SIGKILL), 0);
+    ASSERT_TRUE(calls.next(Removed, 2s));
+    EXPECT_TRUE(noticed("no smart-card daemon is running"));
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 15s));
+}
+
+TEST_F(ReaderTest, choosesAmongReaders)
+{
+    CardProcess first({Cards + "steps.json"}), second({Cards + "menus.json"}, 1);
+    CardHost::openReader("Virtual reader 00 01");
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    EXPECT_EQ(title(), "Меню");
+    CardHost::openReader("Virtual reader 00 00");
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    EXPECT_EQ(title(), "Steps");
+    CardHost::openReader("Elsewhere");
+    EXPECT_TRUE(noticed("Elsewhere"));
+    ASSERT_EQ(CardHost::listReaders().readers.size(), 2u);
+    EXPECT_EQ(CardHost::listReaders().readers[1].name, "Virtual reader 00 01");
+}
+
+struct Useless {
+    const char *card;
+    const char *notice;
+    CardHost::Reader::State state;
+    int mostCommands;
+};
+
+void PrintTo(const Useless &row, std::ostream *stream)
+{
+    *stream << row.card;
+}
+
+class UselessCard : public ReaderTest, public testing::WithParamInterface<Useless> { };
+
+TEST_P(UselessCard, isToldInOneLine)
+{
+    const std::string report = testing::TempDir() + "/report.json";
+    CardProcess card({"--report", report, Cards + GetParam().card});
+    CardHost::openReader("");
+    EXPECT_TRUE(noticed(GetParam().notice));
+    EXPECT_EQ(CardHost::listReaders().readers.at(0).state, GetParam().state);
+    ASSERT_EQ(card.end(), 0);
+    EXPECT_LE(nlohmann::json::parse(std::ifstream(report))["commands"], GetParam().mostCommands);
+    std::remove(report.c_str());
+    CardProcess usable({Cards + "steps.json"});
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+}
+
+using State = CardHost::Reader::State;
+INSTANTIATE_TEST_SUITE_P(Cards, UselessCard,
+                         testing::Values(Useless{"bank.json", "no SIM application", State::Card, 4},
+                                         Useless{"mute.json", "does not answer", State::Mute, 0},
+                                         Useless{"no-toolkit.json", "this card has no toolkit menu", State::Card, 99}));
