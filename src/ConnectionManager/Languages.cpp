@@ -71,6 +71,11 @@ bool Languages::apply(const QString &code)
     return HostUi::setLanguage(QCoreApplication::applicationDirPath() + "/../translations", code);
 }
 
+QString Languages::leftToRight(const QString &text)
+{
+    return QChar(0x2066) + text + QChar(0x2069);
+}
+
 QString Languages::text(const char *id)
 {
     return Change::tr(id, "ConnectionManager");

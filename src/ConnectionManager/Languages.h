@@ -21,6 +21,9 @@ QString ofDesktop();
 /// of all layouts.  False when the host's catalogue cannot be read.
 bool apply(const QString &code);
 
+/// The text between isolating marks, for what reads from left to right in every language.
+QString leftToRight(const QString &text);
+
 /// The host's text for the identifier, in the current language.
 QString text(const char *id);
 

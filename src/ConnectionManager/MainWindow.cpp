@@ -23,10 +23,12 @@
 #include "PinDialog.h"
 #include "PluginHost.h"
 #include "ReaderEvents.h"
+#include "ReaderMenu.h"
 #include "Transcript.h"
 #include "platform/CommonUtils.h"
 
 using CardHost::ModemState;
+using Languages::leftToRight;
 using Languages::text;
 
 namespace {
@@ -50,21 +52,6 @@ const char *stateId(ModemState state)
     return "IDS_CM_STATE_NO_CARD";
 }
 
-const char *readerStateId(CardHost::Reader::State state)
-{
-    switch (state) {
-    case CardHost::Reader::State::Card:
-        return "IDS_CM_READER_CARD";
-    case CardHost::Reader::State::Mute:
-        return "IDS_CM_READER_MUTE";
-    case CardHost::Reader::State::InUse:
-        return "IDS_CM_READER_IN_USE";
-    case CardHost::Reader::State::Empty:
-        break;
-    }
-    return "IDS_CM_READER_EMPTY";
-}
-
 const char *refusalId(HostUi::UrlRefusal reason)
 {
     switch (reason) {
@@ -76,12 +63,6 @@ const char *refusalId(HostUi::UrlRefusal reason)
         break;
     }
     return "IDS_CM_URL_NO_ADDRESS";
-}
-
-// Between isolating marks: it reads from left to right in every language.
-QString leftToRight(const QString &text)
-{
-    return QChar(0x2066) + text + QChar(0x2069);
 }
 
 // An address for the status bar.
@@ -161,7 +142,11 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents 
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
     connect(&transcript, &Transcript::entriesAdded, this, &MainWindow::appendEntries);
-    connect(&readers, &ReaderEvents::readersChanged, this, &MainWindow::setReaders);
+    connect(&readers, &ReaderEvents::readersChanged, this,
+            [this](const CardHost::ReaderList &list) {
+                m_readers->setReaders(list);
+                refreshTexts();
+            });
     connect(&readers, &ReaderEvents::noticed, this, &MainWindow::showNotice);
     connect(&readers, &ReaderEvents::pinRequestChanged, this, &MainWindow::askPin);
     connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
@@ -172,25 +157,22 @@ MainWindow::~MainWindow() = default;
 
 QString MainWindow::openCard(const QString &file)
 {
-    m_reader.reset();
-    m_readerName.reset();
+    m_readers->useNone();
     const QString error =
         QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
     m_cardName = error.isEmpty() ? cardName(file) : QString();
     showError(error);
-    fillReaderMenu();
     refreshTexts();
     return error;
 }
 
 void MainWindow::openReader(const QString &nameStart)
 {
-    m_reader = nameStart;
-    m_readerName.reset();
+    m_readers->use(nameStart);
     m_cardName.clear();
     showError({});
     CardHost::openReader(nameStart.toStdString());
-    setReaders(m_readers);
+    refreshTexts();
 }
 
 void MainWindow::setLanguage(const QString &code)
@@ -290,12 +272,11 @@ void MainWindow::createMenus()
         menu->addActions(actions);
         return menu;
     };
-    m_fileMenu = add("IDS_CM_MENU_FILE", {m_openCard, m_quit});
-    m_fileMenu->insertSeparator(m_quit);
-    m_readersEnd = m_fileMenu->insertSeparator(m_quit);
-    m_readerActions = new QActionGroup(this);
-    connect(m_readerActions, &QActionGroup::triggered, this,
-            [this](const QAction *action) { openReader(action->data().toString()); });
+    QMenu *file = add("IDS_CM_MENU_FILE", {m_openCard});
+    file->addSeparator();
+    m_readers = new ReaderMenu(file);
+    connect(m_readers, &ReaderMenu::chosen, this, &MainWindow::openReader);
+    file->addAction(m_quit);
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
     m_cardMenu = add("IDS_CM_MENU_CARD", {});
     createCommandMenu();
@@ -451,7 +432,7 @@ void MainWindow::retranslate()
     m_panel->retranslate();
     if (m_pinDialog)
         m_pinDialog->retranslate();
-    fillReaderMenu();
+    m_readers->retranslate();
     statusBar()->clearMessage();
     refreshTexts();
 }
@@ -469,14 +450,17 @@ void MainWindow::refreshTexts()
     m_state = CardHost::state();
     const bool toolkit = hasToolkit(m_state);
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
-    const bool waits = m_reader && m_state == ModemState::Removed && !m_errorLabel->isHidden();
+    const bool waits =
+        m_readers->isUsed() && m_state == ModemState::Removed && !m_errorLabel->isHidden();
     m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
+    m_readers->setAnswering(toolkit);
     m_cardLabel->setText(cardLine());
     m_toolkit->setEnabled(toolkit);
     m_toolkitButton->setEnabled(toolkit);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
-    m_commandActions->setEnabled(toolkit && !m_reader); // a real card sends what it likes
+    m_commandActions->setEnabled(toolkit &&
+                                 !m_readers->isUsed()); // a real card sends what it likes
     m_endSession->setEnabled(toolkit);
     m_timeOutSession->setEnabled(toolkit);
 }
@@ -505,95 +489,15 @@ void MainWindow::showAbout()
 
 QString MainWindow::cardLine() const
 {
-    if (!m_reader) {
-        return m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
-                                             : text("IDS_CM_CARD_NAME").arg(m_cardName);
-    }
-    if (const CardHost::Reader *reader = readerInUse())
-        return readerLine(*reader);
-    if (m_readers.readers.empty())
-        return noReaderLine();
-    return text("IDS_CM_READER").arg(leftToRight(*m_reader), text("IDS_CM_READER_GONE"));
-}
-
-void MainWindow::setReaders(const CardHost::ReaderList &list)
-{
-    m_readers = list;
-    followReader();
-    fillReaderMenu();
-    refreshTexts();
-}
-
-// The first reader that fits and, where any would do, that has a card; a card is stayed with.
-void MainWindow::followReader()
-{
-    const CardHost::Reader *before = readerInUse();
-    if (before && before->state != CardHost::Reader::State::Empty)
-        return;
-    m_readerName.reset();
-    for (const CardHost::Reader &reader : m_readers.readers) {
-        const QString name = QString::fromStdString(reader.name);
-        const bool hasCard = reader.state != CardHost::Reader::State::Empty;
-        const bool fits = m_reader && name.startsWith(*m_reader);
-        if (fits && !m_readerName)
-            m_readerName = name;
-        if (fits && hasCard && m_reader->isEmpty()) {
-            m_readerName = name;
-            return;
-        }
-    }
-}
-
-const CardHost::Reader *MainWindow::readerInUse() const
-{
-    for (const CardHost::Reader &reader : m_readers.readers) {
-        if (m_readerName == QString::fromStdString(reader.name))
-            return &reader;
-    }
-    return nullptr;
-}
-
-QString MainWindow::readerLine(const CardHost::Reader &reader) const
-{
-    // The one who keeps the card in use for itself may be this program.
-    const bool isOurs = &reader == readerInUse() && hasToolkit(m_state);
-    const char *const state = readerStateId(isOurs ? CardHost::Reader::State::Card : reader.state);
-    return text("IDS_CM_READER").arg(leftToRight(QString::fromStdString(reader.name)), text(state));
-}
-
-QString MainWindow::noReaderLine() const
-{
-    const QString problem = QString::fromStdString(m_readers.problem);
-    return text("IDS_CM_NO_READER")
-        .arg(problem.isEmpty() ? text("IDS_CM_READER_NONE") : leftToRight(problem));
-}
-
-void MainWindow::fillReaderMenu()
-{
-    // The menu may be open, and one of its actions be the one that is carried out just now.
-    for (QAction *action : m_readerActions->actions()) {
-        m_readerActions->removeAction(action);
-        m_fileMenu->removeAction(action);
-        action->deleteLater();
-    }
-    const auto add = [this](QString line) {
-        auto *action = new QAction(line.replace('&', "&&"), m_readerActions);
-        m_fileMenu->insertAction(m_readersEnd, action);
-        return action;
-    };
-    for (const CardHost::Reader &reader : m_readers.readers) {
-        QAction *action = add(readerLine(reader));
-        action->setData(QString::fromStdString(reader.name));
-        action->setCheckable(true);
-        action->setChecked(&reader == readerInUse());
-    }
-    if (m_readers.readers.empty())
-        add(noReaderLine())->setEnabled(false);
+    if (m_readers->isUsed())
+        return m_readers->line();
+    return m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
+                                         : text("IDS_CM_CARD_NAME").arg(m_cardName);
 }
 
 void MainWindow::showNotice(const CardHost::Notice &notice)
 {
-    if (!m_reader) // it is about the card before
+    if (!m_readers->isUsed()) // it is about the card before
         return;
     const QString line = QString::fromStdString(notice.text);
     showError(notice.problem ? line : QString());

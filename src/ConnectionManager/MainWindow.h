@@ -18,6 +18,7 @@
 class PinDialog;
 class PluginHost;
 class ReaderEvents;
+class ReaderMenu;
 class Transcript;
 
 /// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
@@ -67,12 +68,6 @@ private:
     void refreshTexts();
     QString cardLine() const;
     void chooseCard();
-    void setReaders(const CardHost::ReaderList &list);
-    void followReader();
-    void fillReaderMenu();
-    const CardHost::Reader *readerInUse() const;
-    QString readerLine(const CardHost::Reader &reader) const;
-    QString noReaderLine() const;
     void showNotice(const CardHost::Notice &notice);
     void askPin(const std::optional<CardHost::PinRequest> &request);
     void showAbout();
@@ -83,10 +78,6 @@ private:
     PluginHost &m_plugin;
     QString m_language;
     QString m_cardName;
-    CardHost::ReaderList m_readers;
-    // What the reader's name has to begin with, none for a simulated card; and the one that does.
-    std::optional<QString> m_reader;
-    std::optional<QString> m_readerName;
     CardHost::ModemState m_state = CardHost::ModemState::NoCard;
     QTimer m_refreshTimer;
 
@@ -94,9 +85,7 @@ private:
     QList<QPair<QAction *, const char *>> m_actionTexts;
     QList<QPair<QMenu *, const char *>> m_menuTexts;
     QAction *m_openCard = nullptr;
-    QActionGroup *m_readerActions = nullptr;
-    QAction *m_readersEnd = nullptr; // stands behind the last of them
-    QMenu *m_fileMenu = nullptr;
+    ReaderMenu *m_readers = nullptr;
     QAction *m_quit = nullptr;
     QAction *m_toolkit = nullptr;
     QAction *m_remove = nullptr;
