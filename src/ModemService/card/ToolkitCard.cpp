@@ -282,6 +282,7 @@ void ToolkitCard::work(Time now)
         m_presenceAt = now + PresencePeriod;
         if (!m_channel->isPresent()) {
             lose(now);
+            m_retryAt = now; // nothing to be careful about: it was taken out
             return;
         }
     }
