@@ -122,6 +122,10 @@ private:
     {
         switch (command[1]) {
         case 0x12: {
+            if (m_chance.once(4)) // a menu, for the person to begin something with
+                return with({0xd0, 0x14, 0x81, 0x03, 0x01, 0x25, 0x00, 0x82, 0x02, 0x81, 0x82,
+                             0x85, 0x01, 'M',  0x8f, 0x02, 0x01, 'a',  0x8f, 0x02, 0x02, 'b'},
+                            0x90, 0);
             Bytes fetched = catCommands()[m_chance.below(unsigned(catCommands().size()))];
             for (unsigned faults = m_chance.below(3); faults > 0; --faults)
                 fetched[m_chance.below(unsigned(fetched.size()))] ^= 1u << m_chance.below(8);
@@ -370,7 +374,7 @@ void liveInSession(uint64_t seed, Card::Time end)
         std::this_thread::sleep_for(std::chrono::milliseconds(person.below(20)));
         const auto id = static_cast<int16_t>(g_id.load());
         const unsigned act = person.below(200);
-        if (act == 0)
+        if (act < 2)
             session.removeModem();
         else if (act < 8)
             session.insertModem();
