@@ -64,9 +64,9 @@ public:
             react(*call);
         else if (const int pin = m_pin.exchange(0))
             enterPin(pin);
-        else if (m_dice.once(5))
+        else if (m_dice.once(2))
             choose();
-        else if (m_dice.once(100))
+        else if (m_dice.once(30))
             disturb();
         longest = std::max(longest, Clock::now() - start);
     }
@@ -96,8 +96,8 @@ private:
     void react(const ServiceCall &call)
     {
         ++commands;
-        if (m_dice.once(10))
-            return; // the card waits for ever
+        if (m_dice.once(50))
+            return; // the card waits
         const auto type = _STK_UI_EN_STKTYPE(call.type);
         if (m_dice.once(6))
             MOVA_STKSrv_SendNoDataResponse(call.id, type, STK_UI_TR_TERMINATED);
@@ -191,7 +191,8 @@ int main(int argc, char **argv)
     long startKiB = 0;
     int cards = 0;
     for (; Clock::now() < end; ++cards) {
-        CardProcess card({"--misbehave", std::to_string(seed + 2 + static_cast<unsigned>(cards)),
+        CardProcess card({"--latency", "1", "--misbehave",
+                          std::to_string(seed + 2 + static_cast<unsigned>(cards)),
                           Cards + Files[dice.upTo(std::size(Files) - 1)] + ".json"});
         CardHost::openReader("");
         const auto change = std::min(end, Clock::now() + LifeOfACard);

@@ -6,7 +6,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr unsigned OneIn = 30; // commands, when faults come at random
+constexpr unsigned OneIn = 60; // commands, when faults come at random
 
 const std::pair<const char *, Fault> Faults[] = {
     {"slow", Fault::Slow},       {"cut", Fault::Cut},      {"wrongLength", Fault::WrongLength},

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "CardFile.h"
 
@@ -23,7 +24,7 @@ public:
     /// By "<sequence>, step <number>"; steps that were not played are there with zeros.
     const std::map<std::string, StepCount> &steps() const { return m_steps; }
     /// One line each, the first hundred.
-    const std::list<std::string> &mismatches() const { return m_mismatches; }
+    const std::vector<std::string> &mismatches() const { return m_mismatches; }
     long mismatchCount() const { return m_mismatchCount; }
     /// Whether every step that is not optional was played.
     bool isComplete() const;
@@ -72,7 +73,7 @@ private:
 
     CardFile m_file;
     std::map<std::string, StepCount> m_steps;
-    std::list<std::string> m_mismatches;
+    std::vector<std::string> m_mismatches;
     long m_mismatchCount = 0;
 
     size_t m_start = 0; // of the sequences that are played from the start of the card

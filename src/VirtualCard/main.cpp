@@ -148,10 +148,15 @@ private:
             control(message->front());
         else
             command(*message);
+        // Where faults come at random, nobody knows what to expect.
+        if (!m_faults.isRandom())
+            tellMismatches();
+    }
+
+    void tellMismatches()
+    {
         for (; m_toldMismatches < m_card.mismatches().size(); ++m_toldMismatches)
-            std::cerr << *std::next(m_card.mismatches().begin(),
-                                    static_cast<long>(m_toldMismatches))
-                      << std::endl;
+            std::cerr << m_card.mismatches()[m_toldMismatches] << std::endl;
     }
 
     /* Power off, power on, reset, and the wish for an answer to reset. */
