@@ -87,13 +87,12 @@ QString cardName(const QString &fileName)
     return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
 }
 
-// Every start asks for the menu before the card has sent it: that is no fault, and is not to look
-// like one.
+// Every start asks for the menu before the card has sent it, or before there is a card: that is no
+// fault, and is not to look like one.
 QString shownText(const CardHost::TranscriptEntry &entry)
 {
-    static const QRegularExpression asked(
-        "refused: MOVA_STKSrv_GetMainMenu: no main menu \\(-3\\)$");
-    return QString::fromStdString(entry.text).replace(asked, "the card has not sent its menu yet");
+    static const QRegularExpression asked("refused: MOVA_STKSrv_GetMainMenu: .* \\(-[123]\\)$");
+    return QString::fromStdString(entry.text).replace(asked, "there is no menu yet");
 }
 
 // Where the layout runs from right to left, the common style turns the alignment of a button's text
