@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <deque>
+#include <map>
 #include <sstream>
 
 #include "card/ToolkitCard.h"
@@ -89,27 +89,27 @@ private:
 
 // Everything that is told of the card, one line each.
 struct Log : CardListener {
-    std::vector<std::string> lines, traffic;
+    std::string told; // separated by semicolons
+    std::vector<std::string> traffic;
+
     int request = 0;
 
-    void exchanged(const ApduTraffic &told) override
+    void tell(const std::string &line) { told += (told.empty() ? "" : "; ") + line; }
+    void exchanged(const ApduTraffic &apdu) override
     {
-        traffic.push_back(hex(told.command) + ">" + hex(told.response));
+        traffic.push_back(hex(apdu.command) + ">" + hex(apdu.response));
     }
     void answeredByModem(const std::string &command, const std::string &result) override
     {
-        lines.push_back(command + ": " + result);
+        tell(command + ": " + result);
     }
-    void noticed(const CardHost::Notice &notice) override
-    {
-        lines.push_back((notice.problem ? "! " : "- ") + notice.text);
-    }
+    void noticed(const CardHost::Notice &notice) override { tell((notice.problem ? "! " : "- ") + notice.text); }
     void pinWanted(const CardHost::PinRequest &wanted) override
     {
         request = wanted.id;
-        lines.push_back("PIN? " + std::to_string(wanted.triesLeft) + (wanted.wrong ? " wrong" : ""));
+        tell("PIN? " + std::to_string(wanted.triesLeft) + (wanted.wrong ? " wrong" : ""));
     }
-    void pinDone() override { lines.push_back("PIN."); }
+    void pinDone() override { tell("PIN."); }
 };
 
 std::string name(const CardEvent &event)
@@ -118,6 +118,25 @@ std::string name(const CardEvent &event)
         return commandName(command->body);
     const char *const names[] = {"", "end", "timeout", "removed", "ready"};
     return names[event.index()];
+}
+
+// The lines of a table, each a list of cells.
+std::vector<std::vector<std::string>> rows(const std::string &table)
+{
+    std::vector<std::vector<std::string>> result;
+    std::istringstream lines(table);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream cells(line);
+        std::vector<std::string> row;
+        for (std::string cell; std::getline(cells, cell, '|');) {
+            const size_t first = cell.find_first_not_of(' ');
+            const size_t last = cell.find_last_not_of(' ');
+            row.push_back(first == std::string::npos ? "" : cell.substr(first, last - first + 1));
+        }
+        if (row.size() > 1)
+            result.push_back(row);
+    }
+    return result;
 }
 
 std::string packed(std::string text)
@@ -157,19 +176,38 @@ std::string waiting(const std::string &objects) // the status that announces suc
     return hex(Bytes{0x91, uint8_t(packed(objects).size() / 2 + 11)});
 }
 
-const std::string Profile = "100000" + counted(hex(cat::terminalProfile()));
-const std::string FindUsim = "00A40004023F00 > 9000 00A40004022F00 > 6A82 ";
-const std::string SelectUsim = "00A4040407A0000000871002 > ";
-// File control parameters: the PIN in use, or not.
-const std::string WithPin = "620BC609900180830101830181"
-                            "9000 ";
-const std::string WithoutPin = "620BC609900140830101830181"
-                               "9000 ";
-const std::string Ready = "80" + Profile + " > 9000 80F2010C00 > 9000 ";
+// Names that stand for their text in scripts.
+const std::map<std::string, std::string> Names = {
+    {"FIND", "00A40004023F00 > 9000 00A40004022F00 > 6A82"},
+    {"USIM", "00A4040407A0000000871002 >"},
+    {"GSM", "A0A40000023F00 > 9000 A0A40000027F20 >"},
+    {"CHV", std::string(36, '0') + "839000"}, // enabled, three tries
+    {"NOCHV", std::string(26, '0') + "8000000000839000"},
+    {"PIN", "620BC6099001808301018301819000"}, // file control parameters, the PIN in use or not
+    {"NOPIN", "620BC6099001408301018301819000"},
+    {"PROFILE", "80100000" + counted(hex(cat::terminalProfile()))},
+    {"PROFILE2G", "A0100000" + counted(hex(cat::terminalProfile()))},
+    {"READY", "80100000" + counted(hex(cat::terminalProfile())) + " > 9000 80F2010C00 > 9000"},
+    {"STATUS", "80F2000C00 > 9000"},
+    {"SELECT1", "80C2000009D30782020181900101 >"},
+};
+
+std::string expanded(const std::string &script)
+{
+    std::istringstream words(script);
+    std::string result;
+    for (std::string word; words >> word; result += ' ') {
+        const auto name = Names.find(word);
+        result += name == Names.end() ? word : name->second;
+    }
+    return result;
+}
+
 const std::string Menu = "85034142438F03014441";
-const std::string Select1 = "80C2000009D30782020181900101 > ";
 const std::string Text = "8D020441";
 const std::string ShowText = fetch("012180", Text);
+const std::string Reset = "FIND USIM NOPIN READY";
+const char *const NoSim = "! Reader: no SIM application on this card (a bank card?); removed";
 
 class TestToolkitCard : public testing::Test {
 protected:
@@ -192,35 +230,45 @@ protected:
         const auto event = card.nextEvent(now);
         if (!event)
             return;
-        log.lines.push_back(name(*event));
+        log.tell(name(*event));
         if (std::holds_alternative<ModemReady>(*event))
             card.powerOn(now);
     }
 
     // The script is played to its end within the time, and all this is told.
-    void play(const std::string &script, const std::vector<std::string> &told, Card::Clock::duration time = 0ms)
+    void play(const std::string &script, const std::string &told, Card::Clock::duration time = 0ms)
     {
-        wire.add(script);
+        SCOPED_TRACE(script);
+        wire.add(expanded(script));
         run(time);
         EXPECT_EQ(wire.script.size(), 0u) << "next: " << wire.script.front().command;
         wire.script.clear();
-        EXPECT_EQ(std::exchange(log.lines, {}), told) << script;
+        EXPECT_EQ(std::exchange(log.told, {}), told);
     }
 
     // A card with a menu, no PIN, and a session for every selection.
     void start()
     {
         card.powerOn(now);
-        play(FindUsim + SelectUsim + WithoutPin + "80" + Profile + " > " + waiting(Menu) + " 80F2010C00 > 9000 " +
-                 fetch("012500", Menu),
-             {"- Reader: a USIM", "SET UP MENU"});
+        play("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " + fetch("012500", Menu),
+             "- Reader: a USIM; SET UP MENU");
         card.respond({}, now);
-        play(respond("012500", "0100"), {"end"});
+        play(respond("012500", "0100"), "end");
     }
-    void select(const std::string &script, const std::vector<std::string> &told)
+    void select(const std::string &script, const std::string &told)
     {
         card.selectMenuItem(1, now);
-        play(Select1 + script, told);
+        play("SELECT1 " + script, told);
+    }
+    // The card sends a command in a session of its own, and more.
+    void offer(const std::string &details, const std::string &objects, const std::string &told,
+               const std::string &more = "")
+    {
+        select(waiting(objects) + ' ' + fetch(details, objects) + more, told);
+    }
+    void answerPin(const std::string &digits)
+    {
+        card.answerPin(log.request, CardHost::Pin(digits.data(), digits.size()), now);
     }
 
     Wire wire;
@@ -231,42 +279,29 @@ protected:
 
 TEST(TestApdu, followsTheStatusWords)
 {
-    struct {
-        CardChannel::Protocol protocol;
-        Apdu command;
-        const char *script;
-        const char *result;
-    } const cases[] = {
-        {CardChannel::Protocol::T0, {0x80, 0xf2, 0, 0x0c}, "80F2000C00 > 9000", "9000"},
-        {CardChannel::Protocol::T1, {0x80, 0xf2, 0, 0x0c}, "80F2000C > 9000", "9000"},
-        {CardChannel::Protocol::T0, {0xa0, 0xf2, 0, 0, {}, 256}, "A0F2000000 > 6C02 A0F2000002 > 01029000", "01029000"},
-        {CardChannel::Protocol::T0,
-         {0, 0xa4, 0, 4, {0x3f, 0}, 256},
-         "00A40004023F00 > 6102 00C0000002 > 01026101 00C0000001 > 039000",
-         "0102039000"},
-        {CardChannel::Protocol::T1, {0, 0xa4, 0, 4, {0x3f, 0}, 256}, "00A40004023F0000 > 01029000", "01029000"},
-        {CardChannel::Protocol::T0,
-         {0x80, 0xc2, 0, 0, {1}, 256},
-         "80C200000101 > 6100 00C0000000 > 6C02 00C0000002 > 01029105",
-         "01029105"},
-        {CardChannel::Protocol::T0,
-         {0xa0, 0xa4, 0, 0, {0x7f, 0x20}, 256},
-         "A0A40000027F20 > 9F02 A0C0000002 > 01029000",
-         "01029000"},
-        {CardChannel::Protocol::T0, {0, 0xb2, 1, 4, {}, 5}, "00B2010405 > 6C03 00B2010403 > 6C04", "6C04"},
-        {CardChannel::Protocol::T0, {0, 0xb2, 1, 4, {}, 5}, "00B2010405 > 90", ""}, // no status words
-    };
-    for (const auto &test : cases) {
+    // The command, its data and the length expected; what goes over the wire; the result.
+    for (const auto &row : rows(R"(
+        T0 | 80F2000C |      |     | 80F2000C00 > 9000                                                | 9000
+        T1 | 80F2000C |      |     | 80F2000C > 9000                                                  | 9000
+        T0 | A0F20000 |      | 256 | A0F2000000 > 6C02 A0F2000002 > 01029000                          | 01029000
+        T0 | 00A40004 | 3F00 | 256 | 00A40004023F00 > 6102 00C0000002 > 01026101 00C0000001 > 039000  | 0102039000
+        T1 | 00A40004 | 3F00 | 256 | 00A40004023F0000 > 01029000                                      | 01029000
+        T0 | 80C20000 | 01   | 256 | 80C200000101 > 6100 00C0000000 > 6C02 00C0000002 > 01029105      | 01029105
+        T0 | A0A40000 | 7F20 | 256 | A0A40000027F20 > 9F02 A0C0000002 > 01029000                      | 01029000
+        T0 | 00B20104 |      | 5   | 00B2010405 > 6C03 00B2010403 > 6C04                              | 6C04
+        T0 | 00B20104 |      | 5   | 00B2010405 > 90                                                  | none)")) {
         Wire wire;
-        wire.protocol = test.protocol;
-        wire.add(test.script);
+        wire.protocol = row[0] == "T1" ? CardChannel::Protocol::T1 : CardChannel::Protocol::T0;
+        wire.add(row[4]);
         FakeChannel channel(wire);
-        Apdu command = test.command;
+        const Bytes header = bytes(row[1]);
+        Apdu command{header[0], header[1], header[2], header[3], bytes(row[2])};
+        if (!row[3].empty())
+            command.expected = static_cast<uint16_t>(std::stoi(row[3]));
         const auto answer = exchange(channel, command, [](const ApduTraffic &) {});
-        const std::string result =
-            answer ? hex(answer->data) + hex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)}) : "";
-        EXPECT_EQ(result, test.result) << test.script;
-        EXPECT_TRUE(wire.script.empty()) << test.script;
+        const auto status = [&] { return hex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)}); };
+        EXPECT_EQ(answer ? hex(answer->data) + status() : "none", row[5]);
+        EXPECT_TRUE(wire.script.empty()) << row[4];
     }
     Wire endless;
     endless.otherwise = "6110";
@@ -279,339 +314,273 @@ TEST(TestApdu, followsTheStatusWords)
 TEST_F(TestToolkitCard, findsTheApplication)
 {
     const std::string directory =
-        "00A40004023F00 > 9000 00A40004022F00 > 611A 00C000001A > 62" + counted("8205 4221000C02 83022F00") + "9000 ";
-    const std::string toGsm = "A0A40000023F00 > 9F16 A0C0000016 > 009000 A0A40000027F20 > ";
-    const std::string chv = "00000000000000000000000000"; // up to the file's characteristics
-    struct {
-        std::string script;
-        std::vector<std::string> told;
-    } const cases[] = {
-        {directory + "00B201040C > 61" + counted("4F05A000000003") + "00000000009000 00B202040C > 61" +
-             counted("4F08A000000087100201") +
-             "9000 "
-             "00A4040408A000000087100201 > " +
-             WithoutPin + Ready,
-         {"- Reader: a USIM"}},
-        {directory + "00B201040C > 6A83 " + SelectUsim + WithoutPin + Ready, {"- Reader: a USIM"}},
-        {"00A40004023F00 > 6E00 " + toGsm + chv + "8000000000009000 A0" + Profile + " > 9000 ", {"- Reader: a 2G SIM"}},
-        {FindUsim + SelectUsim + "6A82 " + toGsm + chv + "8000000000009000 A0" + Profile + " > 9000 ",
-         {"- Reader: a 2G SIM"}},
-        {"00A40004023F00 > 6D00 " + toGsm + chv + "0000000000839000 ", {"- Reader: a 2G SIM", "PIN? 3"}},
-        {"00A40004023F00 > 6A82 A0A40000023F00 > 6E00 ",
-         {"! Reader: no SIM application on this card (a bank card?)", "removed"}},
-        {FindUsim + SelectUsim + "6A82 A0A40000023F00 > 9000 A0A40000027F20 > 9404 ",
-         {"! Reader: no SIM application on this card (a bank card?)", "removed"}},
-        {FindUsim + SelectUsim + WithPin + "0020000100 > 9000 " + Ready, {"- Reader: a USIM"}},
-        {FindUsim + SelectUsim + "620EC60C90014083010183011183018190009000 0020001100 > 63C3 ",
-         {"- Reader: a USIM", "PIN? 3"}},
-        {FindUsim + SelectUsim + WithPin + "0020000100 > 6983 " + Ready,
-         {"- Reader: a USIM", "! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps"}},
+        "00A40004023F00 > 9000 00A40004022F00 > 611A 00C000001A > 620B82054221000C0283022F009000 ";
+    const std::string blocked = "! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {directory +
+             "00B201040C > 61074F05A00000000300009000 00B202040C > 610A4F08A0000000871002019000 "
+             "00A4040408A000000087100201 > NOPIN READY",
+         "- Reader: a USIM"},
+        {directory + "00B201040C > 6A83 USIM NOPIN READY", "- Reader: a USIM"},
+        {"00A40004023F00 > 6E00 GSM NOCHV PROFILE2G > 9000", "- Reader: a 2G SIM"},
+        {"FIND USIM 6A82 GSM NOCHV PROFILE2G > 9000", "- Reader: a 2G SIM"},
+        {"00A40004023F00 > 6D00 GSM CHV", "- Reader: a 2G SIM; PIN? 3"},
+        {"00A40004023F00 > 6A82 A0A40000023F00 > 6E00", NoSim},
+        {"FIND USIM 6A82 GSM 9404", NoSim},
+        {"FIND USIM PIN 0020000100 > 9000 READY", "- Reader: a USIM"},
+        {"FIND USIM 620EC60C90014083010183011183018190009000 0020001100 > 63C3", "- Reader: a USIM; PIN? 3"},
+        {"FIND USIM PIN 0020000100 > 6983 READY", "- Reader: a USIM; " + blocked},
     };
-    for (const auto &test : cases) {
+    for (const auto &[script, told] : cases) {
         card.powerOn(now);
-        play(test.script, test.told, 1s);
+        play(script, told, 1s);
         card.powerOff();
         run(10s);
-        log.lines.clear();
+        log.told.clear();
     }
 }
 
 TEST_F(TestToolkitCard, asksForThePin)
 {
     card.powerOn(now);
-    play(FindUsim + SelectUsim + WithPin + "0020000100 > 63C2", {"- Reader: a USIM", "PIN? 2"});
-    run(60s); // nothing is sent by itself
-    const auto enter = [&](const char *digits, int request) {
-        card.answerPin(request, CardHost::Pin(digits, std::strlen(digits)), now);
-    };
-    enter("9999", log.request - 1); // an answer to another request
-    play("", {});
-    enter("1234", log.request);
-    play("002000010831323334FFFFFFFF > 63C1", {"PIN.", "PIN? 1 wrong"});
+    play("FIND USIM PIN 0020000100 > 63C2", "- Reader: a USIM; PIN? 2");
+    card.answerPin(log.request - 1, CardHost::Pin("9999", 4), now); // to another request
+    play("", "", 60s); // nothing is sent by itself
+    answerPin("1234");
+    play("002000010831323334FFFFFFFF > 63C1", "PIN.; PIN? 1 wrong");
     EXPECT_EQ(log.traffic.back(), "0020000108FFFFFFFFFFFFFFFF>63C1");
-    enter("12345678", log.request);
-    play("00200001083132333435363738 > 6C08 " + Ready,
-         {"PIN.", "! Reader: the PIN could not be checked: the card answers 6C08 (another length was expected)"});
-}
-
-TEST_F(TestToolkitCard, goesOnBehindThePin)
-{
-    const std::string toGsm =
-        "00A40004023F00 > 6E00 A0A40000023F00 > 9000 A0A40000027F20 > " + std::string(36, '0') + "839000 ";
-    struct {
-        std::string start, digits, script;
-        std::vector<std::string> told;
-    } const cases[] = {
-        {toGsm, "0000", "A02000010830303030FFFFFFFF > 9000 A0" + Profile + " > 9000", {"PIN."}},
-        {toGsm, "0000", "A02000010830303030FFFFFFFF > 9804", {"PIN.", "PIN? 2 wrong"}},
-        {toGsm,
-         "0000",
-         "A02000010830303030FFFFFFFF > 9840 A0" + Profile + " > 9000",
-         {"PIN.", "! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps"}},
-        {toGsm, "000", "A0" + Profile + " > 9000", {"PIN.", "! Reader: the card goes on without its PIN"}},
-        {toGsm, "0000", "A02000010830303030FFFFFFFF > gone", {"PIN.", "removed"}},
-    };
-    for (const auto &test : cases) {
-        card.powerOn(now);
-        play(test.start, {"- Reader: a 2G SIM", "PIN? 3"});
-        card.answerPin(log.request, CardHost::Pin(test.digits.c_str(), test.digits.size()), now);
-        play(test.script, test.told);
+    answerPin("12345678");
+    play("00200001083132333435363738 > 6C08 READY", // never twice
+         "PIN.; ! Reader: the PIN could not be checked: the card answers 6C08 (another length was expected)");
+    for (const auto &row : rows(R"(
+        0000 | A02000010830303030FFFFFFFF > 9000 PROFILE2G > 9000 | PIN.
+        0000 | A02000010830303030FFFFFFFF > 9804                  | PIN.; PIN? 2 wrong
+        0000 | A02000010830303030FFFFFFFF > 9840 PROFILE2G > 9000 | PIN.; ! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps
+        000  | PROFILE2G > 9000                                   | PIN.; ! Reader: the card goes on without its PIN
+        0000 | A02000010830303030FFFFFFFF > gone                  | PIN.; removed)")) {
         card.powerOff();
-        log.lines.clear();
+        log.told.clear();
+        card.powerOn(now);
+        play("00A40004023F00 > 6E00 GSM CHV", "- Reader: a 2G SIM; PIN? 3");
+        answerPin(row[0]);
+        play(row[1], row[2]);
     }
 }
 
 TEST_F(TestToolkitCard, answersForTheUser)
 {
-    struct {
-        std::string details, objects;
-        Result answer;
-        const char *text; // entered, or the number of the item that was chosen
-        std::string result;
-    } const cases[] = {
-        {"012180", Text, Result::Performed, nullptr, "0100"},
-        {"012180", Text, Result::BackwardMove, nullptr, "0111"},
-        {"012180", Text, Result::Cancelled, nullptr, "0110"},
-        {"012180", Text, Result::Terminated, nullptr, "0110"},
-        {"012180", Text, Result::NotSupported, nullptr, "0130"},
-        {"012180", Text, Result::Other, nullptr, "022000"},
-        {"012401", "850141 8F020742 8F020943", Result::Performed, "9", "0100 900109"},
-        {"012200", Text, Result::Performed, "#", "0100 8D020423"},
-        {"012203", Text, Result::Performed, "\xd0\x96", "0100 8D03080416"},
-        {"012204", Text, Result::Performed, "1", "0100 8D020401"},
-        {"012204", Text, Result::Performed, "0", "0100 8D020400"},
-        {"012200", Text + "84020105", Result::Performed, "5", "0100 84020103 8D020435"}, // 3 s
-        {"012301", Text + "91020105", Result::Performed, "12", "0100 8D03043132"},
-        {"012309", Text + "91020105", Result::Performed, "12345678", "0100 8D080031D98C56B3DD70"},
-        {"012301", Text + "91020005", Result::Performed, "", "0100 8D00"},
-        {"011000", "850141 86029121", Result::NotSupported, nullptr, "0130"},
-        {"011200", "8A020F41", Result::Unable, nullptr, "022004"},
-    };
     start();
-    select("910B " + fetch("010400", "") + respond("010400", "0100"), {"POLLING OFF: performed", "end"});
-    for (const auto &test : cases) {
-        SCOPED_TRACE(test.details + ' ' + test.objects + ' ' + test.result);
+    offer("010400", "", "POLLING OFF: performed; end", respond("010400", "0100")); // nothing comes in between
+    // The command's details and objects; the user's answer after three seconds; what the card gets.
+    for (const auto &row : rows(R"(
+        012180 | 8D020441                   | ok           |   | 0100
+        012180 | 8D020441                   | back         |   | 0111
+        012180 | 8D020441                   | cancelled    |   | 0110
+        012180 | 8D020441                   | terminated   |   | 0110
+        012180 | 8D020441                   | notSupported |   | 0130
+        012180 | 8D020441                   | other        |   | 022000
+        012401 | 850141 8F020742 8F020943   | item         | 9 | 0100 900109
+        012200 | 8D020441                   | text         | # | 0100 8D020423
+        012203 | 8D020441                   | text         | Ж | 0100 8D03080416
+        012204 | 8D020441                   | text         | 1 | 0100 8D020401
+        012204 | 8D020441                   | text         | 0 | 0100 8D020400
+        012200 | 8D020441 84020105          | text         | 5 | 0100 84020103 8D020435
+        012301 | 8D020441 91020105          | text         | 12 | 0100 8D03043132
+        012309 | 8D020441 91020105          | text         | 12345678 | 0100 8D080031D98C56B3DD70
+        012301 | 8D020441 91020005          | text         |   | 0100 8D00
+        011000 | 850141 86029121            | notSupported |   | 0130
+        011200 | 8A020F41                   | unable       |   | 022004
+        012305 | 8D020441 91020408          | text         | 1234 | 0100 8D050431323334)")) {
+        SCOPED_TRACE(row[0] + ' ' + row[1] + ' ' + row[4]);
         card.selectMenuItem(1, now);
-        wire.add(Select1 + waiting(test.objects) + ' ' + fetch(test.details, test.objects));
+        wire.add(expanded("SELECT1 " + waiting(row[1]) + ' ' + fetch(row[0], row[1])));
         run(3s);
-        ASSERT_EQ(log.lines.size(), 1u);
-        log.lines.clear();
+        log.told.clear();
         TerminalResponse response;
-        response.result = test.answer;
-        if (test.text && test.details == "012401")
-            response.item = std::atoi(test.text);
-        else if (test.text)
-            response.text = test.text;
+        for (int result = 0; result <= static_cast<int>(Result::Other); ++result) {
+            if (row[2] == resultName(static_cast<Result>(result)))
+                response.result = static_cast<Result>(result);
+        }
+        if (row[2] == "item")
+            response.item = std::stoi(row[3]);
+        if (row[2] == "text")
+            response.text = row[3];
         card.respond(response, now);
-        play(respond(test.details, test.result), {"end"});
+        play(respond(row[0], row[4]), "end");
     }
-    card.selectMenuItem(1, now);
-    play(Select1 + waiting(Text + "91020408") + ' ' + fetch("012305", Text + "91020408"), {"GET INPUT"});
-    TerminalResponse entered;
-    entered.text = "1234";
-    card.respond(entered, now);
-    play(respond("012305", "0100 8D050431323334"), {"end"});
+    // The last one was hidden.
     EXPECT_EQ(log.traffic.back(),
               "8014000013810301230582028281830100"
               "8D0504FFFFFFFF>9000");
 
     // Nobody answered, or the session was ended: what the card says to that is nobody's news.
-    for (const bool noResponse : {true, false}) {
-        card.selectMenuItem(1, now);
-        play(Select1 + waiting(Text) + ' ' + ShowText, {"DISPLAY TEXT"});
-        if (noResponse)
-            card.respond({Result::NoResponse}, now);
-        else
-            card.endSession();
-        play(respond("012180", noResponse ? "0112" : "0110"), {});
-    }
+    offer("012180", Text, "DISPLAY TEXT");
+    card.respond({Result::NoResponse}, now);
+    play(respond("012180", "0112"), "");
+    offer("012180", Text, "DISPLAY TEXT");
+    card.endSession();
+    play(respond("012180", "0110"), "");
 }
 
 TEST_F(TestToolkitCard, answersForTheModem)
 {
-    struct {
-        std::string details, objects, result;
-        std::string told;
-    } const cases[] = {
-        {"010200", "", "0100", "MORE TIME: performed"},
-        {"010300", "8402003C", "0100 8402003C", "POLL INTERVAL (3600 s): performed"},
-        {"010300", "84020200", "0100 84020101", "POLL INTERVAL (1 s): performed"},
-        {"013501", "2D026465", "0100", "LANGUAGE NOTIFICATION (de): performed"},
-        {"012604", "", "0100 AD02656E", "PROVIDE LOCAL INFORMATION (language): performed"},
-        {"012600", "", "022004",
-         "PROVIDE LOCAL INFORMATION (qualifier 0): terminal currently unable to process command"},
-        {"012601", "", "022000",
-         "PROVIDE LOCAL INFORMATION (qualifier 1): terminal currently unable to process command"},
-        {"0126FF", "", "0130", "PROVIDE LOCAL INFORMATION (qualifier 255): command beyond terminal's capabilities"},
-        {"010500", "990107", "0100", "SET UP EVENT LIST: performed"},
-        {"010500", "990105", "0130", "SET UP EVENT LIST: command beyond terminal's capabilities"},
-        {"010500", "9900", "0100", "SET UP EVENT LIST: performed"},
-        {"012702", "A40101", "0124 A40101",
-         "TIMER MANAGEMENT (timer 1): action in contradiction with the current timer state"},
-        {"012700", "A40101 A503001000", "0100 A40101", "TIMER MANAGEMENT (timer 1, 60 s): performed"},
-        {"012702", "A40101", "0100 A40101 A503001000", "TIMER MANAGEMENT (timer 1): performed"},
-        {"012701", "A40101", "0100 A40101 A503001000", "TIMER MANAGEMENT (timer 1): performed"},
-        {"010107", "", "0130", "REFRESH (qualifier 7): command beyond terminal's capabilities"},
-    };
     start();
-    for (const auto &test : cases) {
-        SCOPED_TRACE(test.told);
-        select(waiting(test.objects) + ' ' + fetch(test.details, test.objects) + respond(test.details, test.result),
-               {test.told, "end"});
+    for (const auto &row : rows(R"(
+        010200 |                   | 0100                   | MORE TIME: performed
+        010300 | 8402003C          | 0100 8402003C          | POLL INTERVAL (3600 s): performed
+        010300 | 84020200          | 0100 84020101          | POLL INTERVAL (1 s): performed
+        013501 | 2D026465          | 0100                   | LANGUAGE NOTIFICATION (de): performed
+        012604 |                   | 0100 AD02656E          | PROVIDE LOCAL INFORMATION (language): performed
+        012600 |                   | 022004                 | PROVIDE LOCAL INFORMATION (qualifier 0): terminal currently unable to process command
+        012601 |                   | 022000                 | PROVIDE LOCAL INFORMATION (qualifier 1): terminal currently unable to process command
+        0126FF |                   | 0130                   | PROVIDE LOCAL INFORMATION (qualifier 255): command beyond terminal's capabilities
+        010500 | 990107            | 0100                   | SET UP EVENT LIST: performed
+        010500 | 990105            | 0130                   | SET UP EVENT LIST: command beyond terminal's capabilities
+        010500 | 9900              | 0100                   | SET UP EVENT LIST: performed
+        012702 | A40101            | 0124 A40101            | TIMER MANAGEMENT (timer 1): action in contradiction with the current timer state
+        012700 | A40101 A503001000 | 0100 A40101            | TIMER MANAGEMENT (timer 1, 60 s): performed
+        012702 | A40101            | 0100 A40101 A503001000 | TIMER MANAGEMENT (timer 1): performed
+        012701 | A40101            | 0100 A40101 A503001000 | TIMER MANAGEMENT (timer 1): performed
+        012701 | A40101            | 0124 A40101            | TIMER MANAGEMENT (timer 1): action in contradiction with the current timer state
+        010107 |                   | 0130                   | REFRESH (qualifier 7): command beyond terminal's capabilities)")) {
+        offer(row[0], row[1], row[3] + "; end", respond(row[0], row[2]));
     }
 }
 
 TEST_F(TestToolkitCard, pollsAndTellsTimers)
 {
-    const std::string status = "80F2000C00 > 9000 ";
-    const std::string expired = envelope("D70C 82028281 A40102 A503000021");
+    const std::string timer = "A40102A503000021"; // 12 s
+    const std::string started = "TIMER MANAGEMENT (timer 2, 12 s): performed";
+    const std::string expired = envelope("D70C82028281" + timer);
     start();
-    play("", {}, 29s);
-    play(status, {}, 1s);
-    select("910F " + fetch("010300", "84020105") + respond("010300", "0100 84020105", "9113") + // 5 s
-               fetch("012700", "A40102 A503000021") + respond("012700", "0100 A40102"), // 12 s
-           {"POLL INTERVAL (5 s): performed", "TIMER MANAGEMENT (timer 2, 12 s): performed", "end"});
-    play(status + status + expired + status, {"end"}, 15s);
+    play("", "", 29s);
+    play("STATUS", "", 1s);
+    select("910F " + fetch("010300", "84020105") + respond("010300", "0100 84020105", "9113") + fetch("012700", timer) +
+               respond("012700", "0100 A40102"),
+           "POLL INTERVAL (5 s): performed; " + started + "; end");
+    play("STATUS STATUS " + expired + " STATUS", "end", 15s);
     // While the user reads, nothing is asked, and a timer that ran out waits.
-    select("9113 " + fetch("012700", "A40102 A503000021") + respond("012700", "0100 A40102", waiting(Text)) + ShowText,
-           {"TIMER MANAGEMENT (timer 2, 12 s): performed", "DISPLAY TEXT"});
-    play("", {}, 60s);
+    select("9113 " + fetch("012700", timer) + respond("012700", "0100 A40102", waiting(Text)) + ShowText,
+           started + "; DISPLAY TEXT");
+    play("", "", 60s);
     card.respond({}, now);
-    play(respond("012180", "0100", "910B") + fetch("010400", "") + respond("010400", "0100") + expired,
-         {"POLLING OFF: performed", "end", "end"});
-    play("", {}, 600s);
+    play(respond("012180", "0100", "910B") + fetch("010400", "") + respond("010400", "0100") + expired.substr(0, 38) +
+             " > 9000",
+         "POLLING OFF: performed; end; end");
+    play("", "", 600s);
 }
 
 TEST_F(TestToolkitCard, reportsEvents)
 {
     start();
-    select("910F " + fetch("010500", "99020407") + respond("010500", "0100"), {"SET UP EVENT LIST: performed", "end"});
-    select("9000 " + envelope("D607 990104 82028281"), {"end", "end"});
-    select("9000", {"end"}); // told once
+    offer("010500", "99020407", "SET UP EVENT LIST: performed; end", respond("010500", "0100"));
+    select("9000 " + envelope("D60799010482028281"), "end; end");
+    select("9000", "end"); // told once
     card.setLanguage("fr", now);
     card.setLanguage("fr", now);
-    play(envelope("D60B 990107 82028281 AD026672"), {"end"});
+    play(envelope("D60B99010782028281AD026672"), "end");
 }
 
 TEST_F(TestToolkitCard, triesAgainWhereTheToolkitIsBusy)
 {
     start();
-    card.selectMenuItem(1, now);
-    play(Select1 + "9300", {});
-    play("", {}, 99ms);
-    play(Select1 + "9300", {}, 1ms);
-    play("", {}, 199ms);
-    play(Select1 + "9000", {"end"}, 1ms);
+    select("9300", "");
+    play("", "", 99ms);
+    play("SELECT1 9300", "", 1ms);
+    play("", "", 199ms);
+    play("SELECT1 9000", "end", 1ms);
 
     wire.otherwise = "9300";
     card.selectMenuItem(1, now);
     run(40s);
-    EXPECT_EQ(std::exchange(log.lines, {}),
-              (std::vector<std::string>{
-                  "! Reader: the card answers MENU SELECTION with 9300 (the card's toolkit is busy)", "end"}));
+    EXPECT_EQ(log.told, "! Reader: the card answers MENU SELECTION with 9300 (the card's toolkit is busy); end");
     EXPECT_LT(wire.transmits, 40);
 }
 
 TEST_F(TestToolkitCard, endsTheSessionOnErrors)
 {
     start();
-    select("6F00", {"! Reader: the card answers MENU SELECTION with 6F00 (technical problem of the card)", "end"});
-    select("6200", {"end"}); // a warning
-    select("910C 801200000C > 6D00",
-           {"! Reader: the card answers FETCH with 6D00 (the card does not know the command)", "end"});
-    select(
-        "910C 801200000C > 9000 " + respond("000000", "0132", "6F00"),
-        {"UNKNOWN COMMAND (no proactive command: expected tag D0 at byte 0): command data not understood by terminal",
-         "! Reader: the card answers TERMINAL RESPONSE with 6F00 (technical problem of the card)", "end"});
+    for (const auto &row : rows(R"(
+        6F00                     | ! Reader: the card answers MENU SELECTION with 6F00 (technical problem of the card); end
+        6200                     | end
+        910C 801200000C > 6D00   | ! Reader: the card answers FETCH with 6D00 (the card does not know the command); end)"))
+        select(row[0], row[1]);
+    card.selectMenuItem(1, now);
+    wire.add(expanded("SELECT1 910C 801200000C > 9000 ") + respond("000000", "0132", "6F00"));
+    run(0ms);
+    EXPECT_NE(log.told.find("command data not understood by terminal; ! Reader: the card answers TERMINAL RESPONSE"),
+              std::string::npos);
+    log.told.clear();
     // A selection that comes in between waits for its turn, and the last one counts.
-    select(waiting(Text) + ' ' + ShowText, {"DISPLAY TEXT"});
+    offer("012180", Text, "DISPLAY TEXT");
     card.respond({Result::Terminated}, now);
     card.selectMenuItem(7, now);
     card.selectMenuItem(1, now);
-    play(respond("012180", "0110") + Select1 + "9000", {"end"});
+    play(respond("012180", "0110") + "SELECT1 9000", "end");
 }
 
 TEST_F(TestToolkitCard, doesNotWaitForTheReaderOfAnImmediateText)
 {
     const std::string shown = Text + "AB00";
     start();
-    for (const bool read : {true, false}) {
-        select(waiting(shown) + ' ' + fetch("012180", shown) + respond("012180", "0100"), {"DISPLAY TEXT"});
-        if (read)
-            card.respond({}, now);
-        else
-            card.respond({Result::NoResponse}, now);
-        if (read)
-            play("", {"end"});
-        else
-            play("", {});
+    for (const Result result : {Result::Performed, Result::NoResponse}) {
+        offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100"));
+        card.respond({result}, now);
+        play("", result == Result::Performed ? "end" : "");
     }
     // The next command takes the text's place.
-    select(waiting(shown) + ' ' + fetch("012180", shown) + respond("012180", "0100", waiting(Text)) + ShowText,
-           {"DISPLAY TEXT", "DISPLAY TEXT"});
+    offer("012180", shown, "DISPLAY TEXT; DISPLAY TEXT", respond("012180", "0100", waiting(Text)) + ShowText);
     card.respond({Result::BackwardMove}, now);
-    play(respond("012180", "0111"), {"end"});
+    play(respond("012180", "0111"), "end");
 }
 
 TEST_F(TestToolkitCard, refreshes)
 {
     start();
-    const std::string again = SelectUsim + WithoutPin + "80F2010C00 > 9000 ";
-    struct {
-        std::string details, script;
-    } const cases[] = {
-        {"010100", respond("010100", "0100") + again}, {"010101", respond("010101", "0100")},
-        {"010102", respond("010102", "0100") + again}, {"010103", respond("010103", "0100") + again},
-        {"010105", respond("010105", "0100") + again}, {"010106", respond("010106", "0100") + again},
-    };
-    for (const auto &test : cases) {
-        SCOPED_TRACE(test.details);
-        const std::string files = test.details == "010101" ? "9203013F00" : "";
-        select(waiting(files) + ' ' + fetch(test.details, files), {"REFRESH"});
+    for (const std::string details : {"010100", "010101", "010102", "010103", "010105", "010106"}) {
+        const bool filesOnly = details == "010101";
+        offer(details, filesOnly ? "9203013F00" : "", "REFRESH");
         card.respond({}, now);
-        play(test.script, {"end"});
+        play(respond(details, "0100") + (filesOnly ? "" : "USIM NOPIN 80F2010C00 > 9000"), "end");
     }
     EXPECT_EQ(wire.connects, 1);
-    select("910B " + fetch("010104", ""), {"REFRESH"});
+    offer("010104", "", "REFRESH");
     card.respond({}, now);
-    play(FindUsim + SelectUsim + WithoutPin + Ready, {"end", "- Reader: a USIM"});
+    play(Reset, "end; - Reader: a USIM");
     EXPECT_EQ(wire.connects, 2);
-    play("", {"! Reader: this card has no toolkit menu"}, 3s);
+    play("", "! Reader: this card has no toolkit menu", 3s);
 }
 
 TEST_F(TestToolkitCard, survivesTheCardsRemovalAtEachStep)
 {
-    const std::string session = Select1 + waiting(Text) + ' ' + ShowText + respond("012180", "0100", "910B") +
-        fetch("010200", "") + respond("010200", "0100");
-    const std::string whole = FindUsim + SelectUsim + WithoutPin + "80" + Profile + " > " + waiting(Menu) +
-        " 80F2010C00 > 9000 " + fetch("012500", Menu) + respond("012500", "0100") + session;
-    Wire count;
-    count.add(whole);
-    for (size_t last = 0; last < count.script.size(); ++last) {
-        for (const bool noticed : {true, false}) { // by the exchange that fails, or by looking
-            SCOPED_TRACE(std::to_string(last) + ' ' + count.script[last].command);
-            wire.script = count.script;
-            wire.script.resize(last + 1);
-            if (noticed)
-                wire.script[last].answer = "gone";
-            card.powerOn(now);
-            for (int turn = 0; turn < 50 && !wire.script.empty(); ++turn, step()) {
-                card.respond({}, now);
-                if (wire.script.front().command == Select1.substr(0, Select1.find(' ')))
-                    card.selectMenuItem(1, now);
-            }
-            now += 250ms;
-            wire.status = {CardChannel::State::NoCard, "no card"};
-            wire.present = false;
-            run(3s);
-            EXPECT_EQ(wire.script.size(), 0u);
-            ASSERT_GE(log.lines.size(), 2u);
-            EXPECT_EQ(log.lines[log.lines.size() - 2], "removed");
-            EXPECT_EQ(std::exchange(log.lines, {}).back(), "! no card");
-            wire.status = {CardChannel::State::Ready, "Reader"};
-            play(FindUsim + SelectUsim + WithoutPin + Ready, {"ready", "- Reader: a USIM"}, 1s);
-            card.powerOff();
+    Wire whole;
+    whole.add(expanded("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " + fetch("012500", Menu) +
+                       respond("012500", "0100") + "SELECT1 " + waiting(Text) + ' ' + ShowText +
+                       respond("012180", "0100", "910B") + fetch("010200", "") + respond("010200", "0100")));
+    for (size_t i = 0; i < 2 * whole.script.size(); ++i) {
+        const size_t last = i / 2;
+        SCOPED_TRACE(std::to_string(last) + ' ' + whole.script[last].command);
+        wire.script = whole.script;
+        wire.script.resize(last + 1);
+        if (i % 2) // noticed by an exchange that fails; else by looking
+            wire.script[last].answer = "gone";
+        card.powerOn(now);
+        for (int turn = 0; turn < 50 && !wire.script.empty(); ++turn, step()) {
+            card.respond({}, now);
+            if (expanded("SELECT1").find(wire.script.front().command) == 0)
+                card.selectMenuItem(1, now);
         }
+        wire.status = {CardChannel::State::NoCard, "no card"};
+        wire.present = false;
+        now += 250ms;
+        run(1s);
+        EXPECT_EQ(wire.script.size(), 0u);
+        const std::string end = "removed; ! no card";
+        EXPECT_EQ(log.told.substr(std::max(log.told.size(), end.size()) - end.size()), end);
+        log.told.clear();
+        wire.status = {CardChannel::State::Ready, "Reader"};
+        play(Reset, "ready; - Reader: a USIM", 1s);
+        card.powerOff();
     }
 }
 
@@ -620,16 +589,14 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
     using State = CardChannel::State;
     card.powerOn(now);
     wire.status = {State::NoDaemon, "no daemon"};
-    play("", {"! no daemon", "removed"}, 5s);
+    play("", "! no daemon; removed", 5s);
     EXPECT_EQ(wire.connects, 6);
     wire.status = {State::InUse, "in use"};
-    play("", {"! in use"}, 5s);
+    play("", "! in use", 5s);
     wire.status = {State::Ready, "Reader"};
-    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00",
-         {"ready", "! Reader: no SIM application on this card (a bank card?)", "removed"}, 60s);
-    wire.present = false;
-    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00",
-         {"ready", "! Reader: no SIM application on this card (a bank card?)", "removed"}, 2s);
+    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 60s);
+    wire.present = false; // another one takes its place
+    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 2s);
     card.powerOff();
     EXPECT_EQ(card.wakeUp(), Card::Time::max());
 }
@@ -637,11 +604,10 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
 TEST_F(TestToolkitCard, slowsAnEndlessChainDown)
 {
     start();
-    wire.add(Select1 + "910B");
+    wire.add(expanded("SELECT1 910B"));
     card.selectMenuItem(1, now);
-    const std::string more = fetch("010200", "");
     for (int i = 0; i < 2000; ++i)
-        wire.add(more + respond("010200", "0100", "910B"));
+        wire.add(fetch("010200", "") + respond("010200", "0100", "910B"));
     for (const Card::Time end = now + 60s; now < end; now = std::max(now + 1us, card.wakeUp()))
         card.nextEvent(now);
     EXPECT_LT(4000 - wire.script.size(), 2u * (64 + 100 + 60));
