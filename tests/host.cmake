@@ -10,6 +10,8 @@ target_compile_definitions(TestHostUi PRIVATE ${host_definitions})
 add_dependencies(TestHostUi translations)
 
 stk_qtest(NAME TestWalkthrough SOURCES TestWalkthrough.cpp LIBS ConnectionManagerObjects)
+stk_qtest(NAME TestPinField SOURCES TestPinField.cpp LIBS ConnectionManagerObjects)
+stk_qtest(NAME TestReaderMenu SOURCES TestReaderMenu.cpp LIBS ConnectionManagerObjects)
 
 stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})

@@ -1,0 +1,67 @@
+#include <QMenu>
+#include <QTest>
+
+#include "ReaderMenu.h"
+
+// Readers are written "name=state", the state as its number.
+class TestReaderMenu : public QObject {
+    Q_OBJECT
+
+private slots:
+    void followsReaders_data()
+    {
+        QTest::addColumn<QString>("start"); // what was asked for
+        QTest::addColumn<QStringList>("lists"); // one after the other
+        QTest::addColumn<QString>("checked"); // reader in use after the last
+        const QString none = "";
+        QTest::newRow("first with a card") << "" << QStringList{"a=0 b=1 c=1"} << "b";
+        QTest::newRow("first without any card") << "" << QStringList{"a=0 b=0"} << "a";
+        QTest::newRow("stays with a card") << "" << QStringList{"a=0 b=1", "a=1 b=1"} << "b";
+        QTest::newRow("goes on when it is pulled") << "" << QStringList{"a=1 b=1", "a=0 b=1"} << "b";
+        QTest::newRow("goes on when it is unplugged") << "" << QStringList{"a=1 b=1", "b=1"} << "b";
+        QTest::newRow("named, though empty") << "b" << QStringList{"a=1 b=0"} << "b";
+        QTest::newRow("named by its start") << "be" << QStringList{"b=1 beta=1"} << "beta";
+        QTest::newRow("named, not there") << "x" << QStringList{"a=1"} << none;
+        QTest::newRow("no readers") << "" << QStringList{"a=1", ""} << none;
+    }
+
+    void followsReaders()
+    {
+        QFETCH(QString, start);
+        QFETCH(QStringList, lists);
+        QMenu menu;
+        ReaderMenu readers(&menu);
+        readers.use(start);
+        for (const QString &list : qAsConst(lists))
+            readers.setReaders(read(list));
+        const QAction *action = readers.checkedAction();
+        QTEST(action ? action->data().toString() : QString(""), "checked");
+        const int count = lists.last().split(' ', Qt::SkipEmptyParts).size();
+        QCOMPARE(menu.actions().size(), qMax(1, count) + 1); // a line for none, and the separator
+        QCOMPARE(menu.actions().first()->isEnabled(), count > 0);
+    }
+
+    // As from its own triggered signal, which the action must outlive.
+    void isRefilledByItsOwnAction()
+    {
+        QMenu menu;
+        ReaderMenu readers(&menu);
+        readers.setReaders(read("a=1 c=0"));
+        connect(&readers, &ReaderMenu::chosen, &readers, &ReaderMenu::use);
+        menu.actions().at(1)->trigger();
+        QCOMPARE(readers.checkedAction()->data().toString(), QString("c"));
+    }
+
+private:
+    static CardHost::ReaderList read(const QString &text)
+    {
+        CardHost::ReaderList list;
+        for (const QString &reader : text.split(' ', Qt::SkipEmptyParts))
+            list.readers.push_back(
+                {reader.section('=', 0, 0).toStdString(), CardHost::Reader::State(reader.section('=', 1).toInt())});
+        return list;
+    }
+};
+
+QTEST_MAIN(TestReaderMenu)
+#include "TestReaderMenu.moc"
