@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <map>
+#include <regex>
 #include <sstream>
 
 #include "card/ToolkitCard.h"
@@ -31,60 +32,50 @@ std::string hex(cat::ByteView data)
     return text;
 }
 
-// The script of a card: lines of "command > answer"; the answer "gone" takes the card out.
+// A card that plays a script of "command > answer"; the answer "gone" takes it out.
 struct Wire {
-    struct Line {
-        std::string command, answer;
-    };
-    std::deque<Line> script;
+    std::deque<std::pair<std::string, std::string>> script;
     std::string otherwise; // the answer to everything when the script is over; empty: a failure
     CardChannel::Status status{CardChannel::State::Ready, "Reader"};
     CardChannel::Protocol protocol = CardChannel::Protocol::T0;
     bool present = true;
-    int connects = 0;
-    int transmits = 0;
+    int connects = 0, transmits = 0;
 
     void add(const std::string &text)
     {
-        std::istringstream lines(text);
-        std::string command, arrow, answer;
-        while (lines >> command >> arrow >> answer)
+        std::istringstream words(text);
+        for (std::string command, arrow, answer; words >> command >> arrow >> answer;)
             script.push_back({command, answer});
     }
 };
 
-class FakeChannel : public CardChannel {
-public:
-    explicit FakeChannel(Wire &wire)
-        : m_wire(wire)
+struct FakeChannel : CardChannel {
+    explicit FakeChannel(Wire &owner)
+        : wire(owner)
     {
     }
     Status connect() override
     {
-        ++m_wire.connects;
-        m_wire.present = m_wire.status.state == State::Ready;
-        return m_wire.status;
+        ++wire.connects;
+        wire.present = wire.status.state == State::Ready;
+        return wire.status;
     }
     void disconnect() override { }
-    bool isPresent() override { return m_wire.present; }
-    Protocol protocol() const override { return m_wire.protocol; }
+    bool isPresent() override { return wire.present; }
+    Protocol protocol() const override { return wire.protocol; }
     std::optional<Bytes> transmit(cat::ByteView command) override
     {
-        ++m_wire.transmits;
-        if (m_wire.script.empty()) {
-            EXPECT_NE(m_wire.otherwise, "") << "after the script: " << hex(command);
-            return bytes(m_wire.otherwise.empty() ? "6F00" : m_wire.otherwise);
+        ++wire.transmits;
+        std::string answer = wire.otherwise;
+        if (!wire.script.empty()) {
+            EXPECT_EQ(hex(command), wire.script.front().first);
+            answer = wire.script.front().second;
+            wire.script.pop_front();
         }
-        const Wire::Line line = m_wire.script.front();
-        m_wire.script.pop_front();
-        EXPECT_EQ(hex(command), line.command);
-        if (line.answer == "gone")
-            return std::nullopt;
-        return bytes(line.answer);
+        EXPECT_NE(answer, "") << "after the script: " << hex(command);
+        return answer == "gone" ? std::nullopt : std::optional<Bytes>(bytes(answer + (answer.empty() ? "6F00" : "")));
     }
-
-private:
-    Wire &m_wire;
+    Wire &wire;
 };
 
 // Everything that is told of the card, one line each.
@@ -126,13 +117,10 @@ std::vector<std::vector<std::string>> rows(const std::string &table)
     std::vector<std::vector<std::string>> result;
     std::istringstream lines(table);
     for (std::string line; std::getline(lines, line);) {
-        std::istringstream cells(line);
         std::vector<std::string> row;
-        for (std::string cell; std::getline(cells, cell, '|');) {
-            const size_t first = cell.find_first_not_of(' ');
-            const size_t last = cell.find_last_not_of(' ');
-            row.push_back(first == std::string::npos ? "" : cell.substr(first, last - first + 1));
-        }
+        std::istringstream cells(std::regex_replace(line, std::regex(" *(\\||^|$) *"), "$1"));
+        for (std::string cell; std::getline(cells, cell, '|');)
+            row.push_back(cell);
         if (row.size() > 1)
             result.push_back(row);
     }
@@ -153,22 +141,21 @@ std::string counted(const std::string &text)
 }
 
 // The card's proactive command, from the objects behind the command details on.
-std::string fetch(const std::string &details, const std::string &objects, const char *cla = "80")
+std::string fetch(const std::string &details, const std::string &objects)
 {
     const std::string pdu = "D0" + counted("8103" + details + "82028182" + objects);
-    return cla + ("120000" + hex(Bytes{uint8_t(pdu.size() / 2)})) + " > " + pdu + "9000 ";
+    return "80120000" + hex(Bytes{uint8_t(pdu.size() / 2)}) + " > " + pdu + "9000 ";
 }
 
 // The terminal's response, from the value of the result on.
-std::string respond(const std::string &details, const std::string &result, const std::string &status = "9000",
-                    const char *cla = "80")
+std::string respond(const std::string &details, const std::string &result, const std::string &status = "9000")
 {
-    return cla + ("140000" + counted("8103" + details + "82028281 83" + result)) + " > " + status + ' ';
+    return "80140000" + counted("8103" + details + "82028281 83" + result) + " > " + status + ' ';
 }
 
-std::string envelope(const std::string &data, const std::string &status = "9000")
+std::string envelope(const std::string &data)
 {
-    return "80C20000" + counted(data) + " > " + status + ' ';
+    return "80C20000" + counted(data) + " > 9000 ";
 }
 
 std::string waiting(const std::string &objects) // the status that announces such a command
@@ -241,7 +228,7 @@ protected:
         SCOPED_TRACE(script);
         wire.add(expanded(script));
         run(time);
-        EXPECT_EQ(wire.script.size(), 0u) << "next: " << wire.script.front().command;
+        EXPECT_EQ(wire.script.size(), 0u) << "next: " << wire.script.front().first;
         wire.script.clear();
         EXPECT_EQ(std::exchange(log.told, {}), told);
     }
@@ -313,27 +300,19 @@ TEST(TestApdu, followsTheStatusWords)
 
 TEST_F(TestToolkitCard, findsTheApplication)
 {
-    const std::string directory =
-        "00A40004023F00 > 9000 00A40004022F00 > 611A 00C000001A > 620B82054221000C0283022F009000 ";
-    const std::string blocked = "! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps";
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {directory +
-             "00B201040C > 61074F05A00000000300009000 00B202040C > 610A4F08A0000000871002019000 "
-             "00A4040408A000000087100201 > NOPIN READY",
-         "- Reader: a USIM"},
-        {directory + "00B201040C > 6A83 USIM NOPIN READY", "- Reader: a USIM"},
-        {"00A40004023F00 > 6E00 GSM NOCHV PROFILE2G > 9000", "- Reader: a 2G SIM"},
-        {"FIND USIM 6A82 GSM NOCHV PROFILE2G > 9000", "- Reader: a 2G SIM"},
-        {"00A40004023F00 > 6D00 GSM CHV", "- Reader: a 2G SIM; PIN? 3"},
-        {"00A40004023F00 > 6A82 A0A40000023F00 > 6E00", NoSim},
-        {"FIND USIM 6A82 GSM 9404", NoSim},
-        {"FIND USIM PIN 0020000100 > 9000 READY", "- Reader: a USIM"},
-        {"FIND USIM 620EC60C90014083010183011183018190009000 0020001100 > 63C3", "- Reader: a USIM; PIN? 3"},
-        {"FIND USIM PIN 0020000100 > 6983 READY", "- Reader: a USIM; " + blocked},
-    };
-    for (const auto &[script, told] : cases) {
+    for (const auto &row : rows(R"(
+        00A40004023F00 > 9000 00A40004022F00 > 611A 00C000001A > 620B82054221000C0283022F009000 00B201040C > 61074F05A00000000300009000 00B202040C > 610A4F08A0000000871002019000 00A4040408A000000087100201 > NOPIN READY | - Reader: a USIM
+        00A40004023F00 > 9000 00A40004022F00 > 9000 00B2010400 > 6A83 USIM NOPIN READY | - Reader: a USIM
+        00A40004023F00 > 6E00 GSM NOCHV PROFILE2G > 9000 | - Reader: a 2G SIM
+        FIND USIM 6A82 GSM NOCHV PROFILE2G > 9000        | - Reader: a 2G SIM
+        00A40004023F00 > 6D00 GSM CHV                    | - Reader: a 2G SIM; PIN? 3
+        00A40004023F00 > 6A82 A0A40000023F00 > 6E00      | ! Reader: no SIM application on this card (a bank card?); removed
+        FIND USIM 6A82 GSM 9404                          | ! Reader: no SIM application on this card (a bank card?); removed
+        FIND USIM PIN 0020000100 > 9000 READY            | - Reader: a USIM
+        FIND USIM 620EC60C90014083010183011183018190009000 0020001100 > 63C3 | - Reader: a USIM; PIN? 3
+        FIND USIM PIN 0020000100 > 6983 READY            | - Reader: a USIM; ! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps)")) {
         card.powerOn(now);
-        play(script, told, 1s);
+        play(row[0], row[1], 1s);
         card.powerOff();
         run(10s);
         log.told.clear();
@@ -559,15 +538,15 @@ TEST_F(TestToolkitCard, survivesTheCardsRemovalAtEachStep)
                        respond("012180", "0100", "910B") + fetch("010200", "") + respond("010200", "0100")));
     for (size_t i = 0; i < 2 * whole.script.size(); ++i) {
         const size_t last = i / 2;
-        SCOPED_TRACE(std::to_string(last) + ' ' + whole.script[last].command);
+        SCOPED_TRACE(std::to_string(last) + ' ' + whole.script[last].first);
         wire.script = whole.script;
         wire.script.resize(last + 1);
         if (i % 2) // noticed by an exchange that fails; else by looking
-            wire.script[last].answer = "gone";
+            wire.script[last].second = "gone";
         card.powerOn(now);
         for (int turn = 0; turn < 50 && !wire.script.empty(); ++turn, step()) {
             card.respond({}, now);
-            if (expanded("SELECT1").find(wire.script.front().command) == 0)
+            if (expanded("SELECT1").find(wire.script.front().first) == 0)
                 card.selectMenuItem(1, now);
         }
         wire.status = {CardChannel::State::NoCard, "no card"};
