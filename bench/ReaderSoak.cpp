@@ -76,7 +76,7 @@ public:
     {
         CardHost::closeCard();
         while (m_calls.next(100ms)) { }
-        CardHost::openReader("");
+        CardHost::openReader("Virtual reader");
         bool chosen = false;
         while (const auto call = m_calls.next(15s)) {
             if (chosen && call->type == MOVA_STKTYPE_END_SESSION)
@@ -148,7 +148,7 @@ private:
         if (m_dice.once(2))
             return;
         CardHost::insertModem();
-        CardHost::openReader("");
+        CardHost::openReader("Virtual reader");
     }
 
     Dice m_dice;
@@ -185,7 +185,7 @@ int main(int argc, char **argv)
         }
     };
     User user(seed);
-    CardHost::openReader("");
+    CardHost::openReader("Virtual reader");
     const Clock::time_point start = Clock::now(), end = start + std::chrono::seconds(seconds);
     Dice dice(seed + 1);
     long startKiB = 0;
@@ -194,7 +194,7 @@ int main(int argc, char **argv)
         CardProcess card({"--latency", "1", "--misbehave",
                           std::to_string(seed + 2 + static_cast<unsigned>(cards)),
                           Cards + Files[dice.upTo(std::size(Files) - 1)] + ".json"});
-        CardHost::openReader("");
+        CardHost::openReader("Virtual reader");
         const auto change = std::min(end, Clock::now() + LifeOfACard);
         while (Clock::now() < change)
             user.act();

@@ -70,7 +70,7 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
 {
     CardProcess card({"--misbehave", "remove@each", Cards + "steps.json"});
     ASSERT_TRUE(card.waitFor("starts", 10s));
-    CardHost::openReader("");
+    CardHost::openReader("Virtual reader");
     int lives = 0;
     for (bool ended = false; !ended; ++lives) {
         ASSERT_TRUE(calls.next(Ready, 10s)) << "life " << lives;
@@ -96,7 +96,7 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
 TEST_F(ReaderTest, isPulledOutWhileTheUserReads)
 {
     CardProcess card({Cards + "steps.json"});
-    CardHost::openReader("");
+    CardHost::openReader("Virtual reader");
     ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
     ASSERT_EQ(MOVA_STKSrv_SelectMenuItem(1, 1), 0);
     const auto text = calls.next(MOVA_STKTYPE_DISPLAY_TEXT, 5s);
@@ -157,7 +157,7 @@ TEST_P(UselessCard, isToldInOneLine)
 {
     const std::string report = testing::TempDir() + "/report.json";
     CardProcess card({"--report", report, Cards + GetParam().card});
-    CardHost::openReader("");
+    CardHost::openReader("Virtual reader");
     EXPECT_TRUE(noticed(GetParam().notice));
     EXPECT_EQ(CardHost::listReaders().readers.at(0).state, GetParam().state);
     ASSERT_EQ(card.end(), 0);
