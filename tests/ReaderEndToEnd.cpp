@@ -85,7 +85,7 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
         ASSERT_TRUE(call) << "life " << lives;
         if (ended)
             break;
-        const auto taken = card.waitFor("taken out", 0s);
+        const auto taken = card.waitFor("taken out", 1s);
         ASSERT_TRUE(taken) << "life " << lives;
         EXPECT_LT(call->when - *taken, 1s) << "life " << lives;
     }
