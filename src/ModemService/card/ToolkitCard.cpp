@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "CommandBridge.h"
+#include "Text.h"
 
 using cat::Bytes;
 using std::chrono::milliseconds;
@@ -17,8 +18,6 @@ constexpr Card::Time AtOnce{};
 
 constexpr milliseconds PresencePeriod{250};
 constexpr milliseconds RetryPeriod{1000};
-constexpr milliseconds RestTime{2000};
-constexpr seconds PollInterval{30};
 constexpr milliseconds FirstBusyDelay{100}, LastBusyDelay{3200}, BusyTime{30000};
 constexpr int FreeChain = 64;
 constexpr milliseconds ChainStep{10}, LongestChainDelay{1000};
@@ -405,7 +404,7 @@ struct ToolkitCard::ModemPart {
     void operator()(const cat::MoreTime &) { answer(cat::Result::Performed); }
     void operator()(const cat::LanguageNotification &notification)
     {
-        answer(cat::Result::Performed, notification.language);
+        answer(cat::Result::Performed, oneLine(notification.language));
     }
     void operator()(const cat::PollingOff &)
     {
@@ -540,7 +539,11 @@ void ToolkitCard::handOut(cat::Command command, Time now)
         return;
     }
     const auto *text = std::get_if<cat::DisplayText>(&command.body);
-    m_state.menuSeen |= std::holds_alternative<cat::SetUpMenu>(command.body);
+    if (std::holds_alternative<cat::SetUpMenu>(command.body)) {
+        if (m_state.menuChecked && !m_state.menuSeen)
+            notice("the toolkit menu came late", false);
+        m_state.menuSeen = true;
+    }
     m_state.textShown = text && text->immediateResponse;
     m_state.endHeld = false;
     m_state.endQuietly = false;

@@ -150,6 +150,9 @@ private:
     Time m_presenceAt;
     std::deque<CardEvent> m_events;
 
+    // Without a word from the toolkit for so long, its start has come to rest.
+    static constexpr std::chrono::milliseconds RestTime{2000};
+
     // Of the card in use; forgotten with it.
     struct State {
         Step step = Step::SelectMasterFile;
@@ -180,7 +183,8 @@ private:
         std::chrono::milliseconds busyDelay{0};
         Time busyUntil; // when to give up
 
-        std::optional<std::chrono::milliseconds> pollInterval = std::chrono::seconds(30);
+        std::optional<std::chrono::milliseconds> pollInterval =
+            std::chrono::seconds(30); // until the card asks for another, or for none
         Time pollAt;
         std::array<Timer, 8> timers;
         cat::Bytes eventList;

@@ -263,10 +263,7 @@ void ToolkitCard::sendProfile(Time now)
     if (!answer)
         return;
     m_state.profileSent = true;
-    if (!isDone(answer->status))
-        m_state.restAt = now; // and no menu will come
-    else
-        m_state.restAt = now + std::chrono::seconds(2);
+    m_state.restAt = isDone(answer->status) ? now + RestTime : now; // no menu will come
     m_state.pollAt = now + *m_state.pollInterval;
     passPin();
 }
