@@ -102,7 +102,8 @@ void readMenu(const Object &card, CardFile *file)
     const std::string pointer = card.pointer("menu");
     for (const auto &entry : StrictJson::object(card.required("menu", ""), pointer).items()) {
         const std::string place = StrictJson::keyPointer(pointer, entry.key());
-        const Json id = Json::parse(entry.key(), nullptr, false);
+        const Json number = Json::parse(entry.key(), nullptr, false);
+        const Json &id = number.is_discarded() ? Json(entry.key()) : number;
         const auto item = static_cast<int>(StrictJson::number(id, place, 1, 255));
         file->menu[item] = readSequence(entry.value(), place, "menu " + std::to_string(item));
     }
