@@ -194,6 +194,7 @@ void Decoder::decode(ByteView fetched)
         return;
     }
     m_command.name = row->name;
+    m_command.hasIcon = find(Objects::IconIdentifier) || find(Objects::ItemIconIdentifierList);
     row->create(m_command.body);
     checkObjects();
     readField(*row, DevicesField);

@@ -41,12 +41,6 @@ struct Duration {
     std::chrono::milliseconds time() const;
 };
 
-/// Clause 8.31.
-struct IconIdentifier {
-    bool selfExplanatory = false; ///< the icon takes the place of the text
-    uint8_t record = 0; ///< in EF_IMG
-};
-
 /// Clause 8.9.
 struct Item {
     uint8_t id = 0;
@@ -56,20 +50,17 @@ struct Item {
 struct Menu {
     std::string title;
     std::vector<Item> items; ///< none: the card takes its menu away (clause 6.6.7)
-    std::optional<IconIdentifier> icon;
 };
 
 struct DisplayText {
     std::string text;
     bool immediateResponse = false; ///< clause 8.43: answered before the user has seen it
     std::optional<Duration> duration;
-    std::optional<IconIdentifier> icon;
 };
 
 struct GetInkey {
     std::string text;
     std::optional<Duration> duration; ///< how long the user has for an answer
-    std::optional<IconIdentifier> icon;
 };
 
 struct GetInput {
@@ -77,14 +68,12 @@ struct GetInput {
     uint8_t minLength = 0; ///< characters
     uint8_t maxLength = 0xff; ///< characters; 0xff: no limit (clause 8.11)
     std::string defaultText;
-    std::optional<IconIdentifier> icon;
 };
 
 struct PlayTone {
     std::string alpha;
     std::optional<uint8_t> tone; ///< clause 8.16
     std::optional<Duration> duration;
-    std::optional<IconIdentifier> icon;
 };
 
 struct SetUpMenu {
@@ -98,7 +87,6 @@ struct SelectItem {
 
 struct SetUpIdleModeText {
     std::string text;
-    std::optional<IconIdentifier> icon;
 };
 
 struct SetUpCall {
@@ -176,6 +164,7 @@ struct Command {
     CommandDetails details;
     std::optional<DeviceIdentities> devices;
     const char *name = "UNKNOWN COMMAND"; ///< in the standard, e.g. "DISPLAY TEXT"
+    bool hasIcon = false; ///< it comes with an icon, or its items do (clauses 8.31 and 8.32)
     Problem problem = Problem::None;
     std::string
         reason; ///< for people: which data object is wrong, where, and how; empty without a problem

@@ -156,6 +156,16 @@ Finding checkRefresh(Command &command)
     return {};
 }
 
+// Clause 6.6.25: a notification of one language names it.
+Finding checkLanguage(Command &command)
+{
+    constexpr uint8_t Specific = 0x01;
+    if (command.details.qualifier & Specific &&
+        std::get<LanguageNotification>(command.body).language.empty())
+        return {Problem::ValuesMissing, "language (clause 8.45): missing"};
+    return {};
+}
+
 // Clause 6.6.21.
 Finding checkTimer(Command &command)
 {
@@ -246,15 +256,13 @@ constexpr CommandRow Commands[] = {
      "6.6.5",
      make<PlayTone>,
      {optional<AlphaIdentifier, &PlayTone::alpha>(), optional<Tone, &PlayTone::tone>(),
-      optional<Objects::Duration, &PlayTone::duration>(),
-      optional<Objects::IconIdentifier, &PlayTone::icon>()},
+      optional<Objects::Duration, &PlayTone::duration>(), optional<Objects::IconIdentifier>()},
      &AlphaIdentifier},
     {0x21,
      "DISPLAY TEXT",
      "6.6.1",
      make<DisplayText>,
-     {mandatory<TextString, &DisplayText::text>(),
-      optional<Objects::IconIdentifier, &DisplayText::icon>(),
+     {mandatory<TextString, &DisplayText::text>(), optional<Objects::IconIdentifier>(),
       optional<ImmediateResponse, &DisplayText::immediateResponse>(),
       optional<Objects::Duration, &DisplayText::duration>()},
      &TextString,
@@ -263,8 +271,7 @@ constexpr CommandRow Commands[] = {
      "GET INKEY",
      "6.6.2",
      make<GetInkey>,
-     {mandatory<TextString, &GetInkey::text>(),
-      optional<Objects::IconIdentifier, &GetInkey::icon>(),
+     {mandatory<TextString, &GetInkey::text>(), optional<Objects::IconIdentifier>(),
       optional<Objects::Duration, &GetInkey::duration>()},
      &TextString},
     {0x23,
@@ -274,15 +281,14 @@ constexpr CommandRow Commands[] = {
      {mandatory<TextString, &GetInput::text>(),
       {&Objects::ResponseLength, intoLimits, Presence::Mandatory},
       optional<DefaultText, &GetInput::defaultText>(),
-      optional<Objects::IconIdentifier, &GetInput::icon>()},
+      optional<Objects::IconIdentifier>()},
      &TextString},
     {0x24,
      "SELECT ITEM",
      "6.6.8",
      make<SelectItem>,
      {optional<AlphaIdentifier, &Menu::title>(), mandatory<Objects::Item, &Menu::items>(Every),
-      optional<ItemIdentifier, &SelectItem::defaultItem>(),
-      optional<Objects::IconIdentifier, &Menu::icon>()},
+      optional<ItemIdentifier, &SelectItem::defaultItem>(), optional<Objects::IconIdentifier>()},
      &AlphaIdentifier,
      checkSelectItem},
     {0x25,
@@ -290,7 +296,7 @@ constexpr CommandRow Commands[] = {
      "6.6.7",
      make<SetUpMenu>,
      {mandatory<AlphaIdentifier, &Menu::title>(), mandatory<Objects::Item, &Menu::items>(Every),
-      optional<Objects::IconIdentifier, &Menu::icon>()},
+      optional<Objects::IconIdentifier>()},
      &AlphaIdentifier,
      checkSetUpMenu},
     {0x26, "PROVIDE LOCAL INFORMATION", "6.6.15", make<ProvideLocalInformation>, {}},
@@ -306,8 +312,7 @@ constexpr CommandRow Commands[] = {
      "SET UP IDLE MODE TEXT",
      "6.6.22",
      make<SetUpIdleModeText>,
-     {mandatory<TextString, &SetUpIdleModeText::text>(),
-      optional<Objects::IconIdentifier, &SetUpIdleModeText::icon>()},
+     {mandatory<TextString, &SetUpIdleModeText::text>(), optional<Objects::IconIdentifier>()},
      &TextString},
     {0x30, "PERFORM CARD APDU", "6.6.17", make<OtherCommand>, {mandatory<CommandApdu>()}},
     {0x31, "POWER ON CARD", "6.6.19", make<OtherCommand>, {}},
@@ -323,7 +328,9 @@ constexpr CommandRow Commands[] = {
      "LANGUAGE NOTIFICATION",
      "6.6.25",
      make<LanguageNotification>,
-     {optional<Language, &LanguageNotification::language>()}},
+     {optional<Language, &LanguageNotification::language>()},
+     nullptr,
+     checkLanguage},
     {0x40,
      "OPEN CHANNEL",
      "6.6.27",

@@ -27,7 +27,6 @@ constexpr DataObject OtherObjects[] = {
     {0x1b, "8.27", "location status"},
     {0x1c, "8.28", "transaction identifier"},
     {0x1d, "8.29", "BCCH channel list"},
-    {0x1f, "8.32", "item icon identifier list"},
     {0x20, "8.33", "card reader status"},
     {0x21, "8.34", "card ATR"},
     {0x23, "8.36", "R-APDU"},
@@ -118,6 +117,7 @@ constexpr const DataObject *ReadObjects[] = {
     &Objects::DefaultText,
     &Objects::EventList,
     &Objects::IconIdentifier,
+    &Objects::ItemIconIdentifierList,
     &Objects::CommandApdu,
     &Objects::TimerIdentifier,
     &Objects::TimerValue,
@@ -201,7 +201,12 @@ bool readUssdString(ByteView bytes, std::string &code)
     const auto coding = bytes.empty() ? std::nullopt : broadcastCoding(bytes[0]);
     if (!coding)
         return false;
-    code = decodeText(bytes.part(1), *coding);
+    const ByteView text = bytes.part(1);
+    code = decodeText(text, *coding);
+    // Seven spare bits are filled with a carriage return (3GPP TS 23.038 clause 6.1.2.3.1).
+    const bool filled = *coding == TextCoding::Packed && !text.empty() && text.size() % 7 == 0;
+    if (filled && !code.empty() && code.back() == '\r')
+        code.pop_back();
     return true;
 }
 
@@ -233,7 +238,7 @@ bool readIcon(ByteView bytes, IconIdentifier &icon)
 {
     if (bytes.size() != 2)
         return false;
-    icon = {(bytes[0] & 0x01) == 0, bytes[1]};
+    icon.selfExplanatory = (bytes[0] & 0x01) == 0;
     return true;
 }
 

@@ -17,6 +17,11 @@ struct DataObject {
     const char *name;
 };
 
+/// Clause 8.31; its second byte is a record of EF_IMG.
+struct IconIdentifier {
+    bool selfExplanatory = false; ///< the icon takes the place of the text
+};
+
 /// Whether the standard has the tag.
 bool isKnownTag(unsigned tag);
 
@@ -85,6 +90,7 @@ inline constexpr ReadableObject<std::string> DefaultText{{0x17, "8.23", "default
 inline constexpr ReadableObject<Bytes> EventList{{0x19, "8.25", "event list"}, readBytes};
 inline constexpr ReadableObject<cat::IconIdentifier> IconIdentifier{
     {0x1e, "8.31", "icon identifier"}, readIcon};
+inline constexpr DataObject ItemIconIdentifierList{0x1f, "8.32", "item icon identifier list"};
 inline constexpr ReadableObject<Bytes> CommandApdu{{0x22, "8.35", "C-APDU"}, readBytes};
 inline constexpr ReadableObject<uint8_t> TimerIdentifier{{0x24, "8.37", "timer identifier"},
                                                          readTimerIdentifier};

@@ -19,6 +19,7 @@ namespace cat {
 /// General results, clause 8.12.
 enum class Result : uint8_t {
     Performed = 0x00,
+    PerformedWithoutIcon = 0x04, ///< its icon could not be displayed (clause 6.5.4)
     TerminatedByUser = 0x10,
     BackwardMove = 0x11,
     NoResponseFromUser = 0x12,
@@ -60,7 +61,7 @@ Bytes encodeDateTime(const std::tm &local);
 Bytes encodeMenuSelection(uint8_t item);
 /// Clause 7.4.
 Bytes encodeTimerExpiration(uint8_t timer, std::chrono::seconds value);
-/// Clause 7.5.6 (user activity) and 7.5.7 (language selection).
+/// Clause 7.5.5 (user activity) and 7.5.8 (language selection).
 Bytes encodeUserActivity();
 Bytes encodeLanguageSelection(const std::string &language);
 

@@ -78,6 +78,8 @@ std::string userData(ByteView data, size_t length, TextCoding coding, bool hasHe
 
 bool readSubmission(ByteView tpdu, Submission &submission)
 {
+    if (tpdu.empty())
+        return false;
     Cutter cutter(tpdu);
     const uint8_t first = cutter.takeByte();
     if ((first & MessageType) != Submit)
