@@ -73,7 +73,10 @@ struct FakeChannel : CardChannel {
             wire.script.pop_front();
         }
         EXPECT_NE(answer, "") << "after the script: " << hex(command);
-        return answer == "gone" ? std::nullopt : std::optional<Bytes>(bytes(answer + (answer.empty() ? "6F00" : "")));
+        wire.present = answer != "gone";
+        return !wire.present || answer == "silent"
+            ? std::nullopt
+            : std::optional<Bytes>(bytes(answer + (answer.empty() ? "6F00" : "")));
     }
     Wire &wire;
 };
@@ -354,6 +357,8 @@ TEST_F(TestToolkitCard, answersForTheUser)
     // The command's details and objects; the user's answer after three seconds; what the card gets.
     for (const auto &row : rows(R"(
         012180 | 8D020441                   | ok           |   | 0100
+        012180 | 8D020441 9E020001          | ok           |   | 0104
+        012401 | 8F020943 9F020001          | item         | 9 | 0104 900109
         012180 | 8D020441                   | back         |   | 0111
         012180 | 8D020441                   | cancelled    |   | 0110
         012180 | 8D020441                   | terminated   |   | 0110
@@ -413,7 +418,7 @@ TEST_F(TestToolkitCard, answersForTheModem)
         012604 |                   | 0100 AD02656E          | PROVIDE LOCAL INFORMATION (language): performed
         012600 |                   | 022004                 | PROVIDE LOCAL INFORMATION (qualifier 0): terminal currently unable to process command
         012601 |                   | 022000                 | PROVIDE LOCAL INFORMATION (qualifier 1): terminal currently unable to process command
-        0126FF |                   | 0130                   | PROVIDE LOCAL INFORMATION (qualifier 255): command beyond terminal's capabilities
+        0126FF |                   | 022000                 | PROVIDE LOCAL INFORMATION (qualifier 255): terminal currently unable to process command
         010500 | 990107            | 0100                   | SET UP EVENT LIST: performed
         010500 | 990105            | 0130                   | SET UP EVENT LIST: command beyond terminal's capabilities
         010500 | 9900              | 0100                   | SET UP EVENT LIST: performed
@@ -438,7 +443,7 @@ TEST_F(TestToolkitCard, pollsAndTellsTimers)
     select("910F " + fetch("010300", "84020105") + respond("010300", "0100 84020105", "9113") + fetch("012700", timer) +
                respond("012700", "0100 A40102"),
            "POLL INTERVAL (5 s): performed; " + started + "; end");
-    play("STATUS STATUS " + expired + " STATUS", "end", 15s);
+    play("STATUS STATUS " + expired + " STATUS", "", 15s);
     // While the user reads, nothing is asked, and a timer that ran out waits.
     select("9113 " + fetch("012700", timer) + respond("012700", "0100 A40102", waiting(Text)) + ShowText,
            started + "; DISPLAY TEXT");
@@ -446,19 +451,22 @@ TEST_F(TestToolkitCard, pollsAndTellsTimers)
     card.respond({}, now);
     play(respond("012180", "0100", "910B") + fetch("010400", "") + respond("010400", "0100") + expired.substr(0, 38) +
              " > 9000",
-         "POLLING OFF: performed; end; end");
+         "POLLING OFF: performed; end");
     play("", "", 600s);
 }
 
 TEST_F(TestToolkitCard, reportsEvents)
 {
     start();
-    offer("010500", "99020407", "SET UP EVENT LIST: performed; end", respond("010500", "0100"));
-    select("9000 " + envelope("D60799010482028281"), "end; end");
+    offer("010500", "99020407", "SET UP EVENT LIST: performed; SET UP IDLE MODE TEXT",
+          respond("010500", "0100", waiting(Text)) + fetch("012800", Text));
+    card.respond({}, now); // which nobody does
+    play(respond("012800", "0100"), "end");
+    select("9000 " + envelope("D60799010482028281"), "end");
     select("9000", "end"); // told once
     card.setLanguage("fr", now);
     card.setLanguage("fr", now);
-    play(envelope("D60B99010782028281AD026672"), "end");
+    play(envelope("D60B99010782028281AD026672"), "");
 }
 
 TEST_F(TestToolkitCard, triesAgainWhereTheToolkitIsBusy)
@@ -468,7 +476,11 @@ TEST_F(TestToolkitCard, triesAgainWhereTheToolkitIsBusy)
     play("", "", 99ms);
     play("SELECT1 9300", "", 1ms);
     play("", "", 199ms);
-    play("SELECT1 9000", "end", 1ms);
+    play("SELECT1 " + waiting(Text) + ' ' + ShowText.substr(0, 10) + " > 9300 ", "", 1ms);
+    play(ShowText, "DISPLAY TEXT", 100ms);
+    card.respond({}, now);
+    play(respond("012180", "0100", "9300"), "");
+    play(respond("012180", "0100", "9300") + respond("012180", "0100"), "end", 300ms);
 
     wire.otherwise = "9300";
     card.selectMenuItem(1, now);
@@ -508,6 +520,10 @@ TEST_F(TestToolkitCard, doesNotWaitForTheReaderOfAnImmediateText)
         card.respond({result}, now);
         play("", result == Result::Performed ? "end" : "");
     }
+    // A choice takes the place of the session that waits for the user.
+    offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100"));
+    card.respond({Result::Terminated}, now);
+    select("9000", "end");
     // The next command takes the text's place.
     offer("012180", shown, "DISPLAY TEXT; DISPLAY TEXT", respond("012180", "0100", waiting(Text)) + ShowText);
     card.respond({Result::BackwardMove}, now);
@@ -575,7 +591,10 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
     play("", "! in use", 5s);
     wire.status = {State::Ready, "Reader"};
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 60s);
-    wire.present = false; // another one takes its place
+    wire.present = false; // another one takes its place, that breaks down
+    play("00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent",
+         "ready; ! Reader: the card does not answer; removed; ready; removed; ready; removed; ready; removed", 8s);
+    wire.present = false;
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 2s);
     card.powerOff();
     EXPECT_EQ(card.wakeUp(), Card::Time::max());

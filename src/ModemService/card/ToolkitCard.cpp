@@ -18,6 +18,7 @@ constexpr Card::Time AtOnce{};
 
 constexpr milliseconds PresencePeriod{250};
 constexpr milliseconds RetryPeriod{1000};
+constexpr int MaxDoublings = 5; // of the retry period
 constexpr milliseconds FirstBusyDelay{100}, LastBusyDelay{3200}, BusyTime{30000};
 constexpr int FreeChain = 64;
 constexpr milliseconds ChainStep{10}, LongestChainDelay{1000};
@@ -34,7 +35,10 @@ cat::Response responseWith(const cat::Command &command, cat::Result result)
 {
     cat::Response response;
     response.details = command.details;
-    response.result = static_cast<uint8_t>(result);
+    // No window here shows icons.
+    const bool withoutIcon = result == cat::Result::Performed && command.hasIcon;
+    response.result =
+        static_cast<uint8_t>(withoutIcon ? cat::Result::PerformedWithoutIcon : result);
     return response;
 }
 
@@ -51,6 +55,8 @@ std::string resultInWords(const cat::Response &response)
     switch (static_cast<cat::Result>(response.result)) {
     case cat::Result::Performed:
         return "performed";
+    case cat::Result::PerformedWithoutIcon:
+        return "performed, but the icon could not be displayed";
     case cat::Result::TerminalUnable:
         return "terminal currently unable to process command";
     case cat::Result::TimerContradiction:
@@ -65,6 +71,35 @@ std::string resultInWords(const cat::Response &response)
         return "required values are missing";
     default:
         return "general result " + std::to_string(response.result);
+    }
+}
+
+bool isPerformed(const cat::Response &response)
+{
+    return (response.result & 0xf0) == 0;
+}
+
+// Whether the text stays until somebody clears it.
+bool waitsForUser(const cat::Command &command)
+{
+    constexpr uint8_t UserClears = 0x80; // clause 8.6
+    const auto *text = std::get_if<cat::DisplayText>(&command.body);
+    return text && !text->duration && (command.details.qualifier & UserClears);
+}
+
+// Some answers are nobody's: a browser's, a tone's, those of a text that clears itself.
+bool isUsersAct(const TerminalResponse &response, bool waited)
+{
+    using Result = TerminalResponse::Result;
+    switch (response.result) {
+    case Result::Performed:
+        return response.item || response.text || waited;
+    case Result::BackwardMove:
+    case Result::Cancelled:
+    case Result::Terminated:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -117,6 +152,14 @@ CardTraits ToolkitCard::traits() const
     return traits;
 }
 
+template <class Event> void ToolkitCard::forgetEvents()
+{
+    const auto last = std::remove_if(m_events.begin(), m_events.end(), [](const CardEvent &event) {
+        return std::holds_alternative<Event>(event);
+    });
+    m_events.erase(last, m_events.end());
+}
+
 // ---- What the session says ----
 
 void ToolkitCard::powerOn(Time now)
@@ -149,6 +192,7 @@ void ToolkitCard::selectMenuItem(int16_t itemId, Time)
     m_state.chain = 0;
     m_state.textShown = false;
     m_state.endHeld = false;
+    forgetEvents<SessionEnd>(); // of the session before
     m_state.selection = static_cast<uint8_t>(itemId);
     if (m_state.envelope && m_state.envelope->selection)
         m_state.envelope.reset();
@@ -162,7 +206,7 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
         // A text that the card did not wait for.
         if (!std::exchange(m_state.textShown, false))
             return;
-        if (fromUser)
+        if (isUsersAct(response, m_state.textWaits))
             userActed();
         if (std::exchange(m_state.endHeld, false) && fromUser)
             m_events.push_back(SessionEnd());
@@ -205,7 +249,8 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
     current.response = std::move(answer);
     if (!current.answeredByUser || !fromUser)
         return;
-    userActed();
+    if (isUsersAct(response, waitsForUser(current.command)))
+        userActed();
     // Nobody is as quick as a program that answers by itself.
     if (now - current.since >= milliseconds(100))
         m_state.chain = 0;
@@ -213,17 +258,15 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
 
 void ToolkitCard::endSession()
 {
-    const auto ofSession = [](const CardEvent &event) {
-        return !std::holds_alternative<ModemRemoved>(event) &&
-            !std::holds_alternative<ModemReady>(event);
-    };
-    m_events.erase(std::remove_if(m_events.begin(), m_events.end(), ofSession), m_events.end());
+    forgetEvents<SessionEnd>();
+    forgetEvents<ProactiveCommand>();
     m_state.selection.reset();
     if (m_state.envelope && m_state.envelope->selection)
         m_state.envelope.reset();
     m_state.textShown = false;
     m_state.endHeld = false;
     m_state.endQuietly = m_state.command || m_state.pending;
+    m_state.unwanted = m_state.pending && !m_state.command;
     if (m_state.command && !m_state.command->response)
         m_state.command->response =
             responseWith(m_state.command->command, cat::Result::TerminatedByUser);
@@ -258,7 +301,7 @@ ToolkitCard::Time ToolkitCard::wakeUp() const
     case Place::Off:
         return Never;
     case Place::Awaited:
-        return m_retryAt;
+        return m_failures > 0 ? std::min(m_retryAt, m_presenceAt) : m_retryAt;
     case Place::InUse:
         return std::min(m_presenceAt, nextWork());
     case Place::Announced:
@@ -273,6 +316,13 @@ void ToolkitCard::work(Time now)
     if (m_place == Place::Off)
         return;
     if (m_place == Place::Awaited) {
+        if (m_failures > 0 && now >= m_presenceAt) {
+            m_presenceAt = now + PresencePeriod;
+            if (!m_channel->isPresent()) {
+                m_failures = 0;
+                m_retryAt = now;
+            }
+        }
         if (now >= m_retryAt)
             connect(now);
         return;
@@ -280,6 +330,7 @@ void ToolkitCard::work(Time now)
     if (now >= m_presenceAt) {
         m_presenceAt = now + PresencePeriod;
         if (!m_channel->isPresent()) {
+            m_failures = 0;
             lose(now);
             m_retryAt = now; // nothing to be careful about: it was taken out
             return;
@@ -290,7 +341,7 @@ void ToolkitCard::work(Time now)
     passTimers(now);
     if (m_state.step == Step::Run)
         run(now);
-    else
+    else if (now >= m_state.busyAt)
         takeStep(now);
 }
 
@@ -321,7 +372,8 @@ void ToolkitCard::lose(Time now)
     m_channel->disconnect();
     m_place = Place::Awaited;
     // A card that breaks down whenever it is spoken to must not keep everybody busy.
-    m_retryAt = now + RetryPeriod;
+    m_retryAt = now + RetryPeriod * (1 << std::min(std::max(m_failures - 1, 0), MaxDoublings));
+    m_presenceAt = now + PresencePeriod;
     m_removalTold = true;
     if (!told)
         m_events.push_back(ModemRemoved());
@@ -352,12 +404,13 @@ ToolkitCard::Time ToolkitCard::nextWork() const
     if (m_state.step == Step::AwaitPin)
         return Never;
     if (m_state.step != Step::Run)
-        return AtOnce;
+        return m_state.busyAt;
+    const Time ready = std::max(m_state.notBefore, m_state.busyAt);
     if (m_state.command)
-        return m_state.command->response ? m_state.notBefore : Never;
+        return m_state.command->response ? ready : Never;
     if (m_state.pending)
-        return m_state.notBefore;
-    Time next = hasEnvelope() ? m_state.envelopeAt : Never;
+        return ready;
+    Time next = hasEnvelope() ? m_state.busyAt : Never;
     if (m_state.pollInterval)
         next = std::min(next, m_state.pollAt);
     if (!m_state.menuChecked)
@@ -372,7 +425,7 @@ ToolkitCard::Time ToolkitCard::nextWork() const
 void ToolkitCard::run(Time now)
 {
     if (m_state.command || m_state.pending) {
-        if (now < m_state.notBefore)
+        if (now < m_state.notBefore || now < m_state.busyAt)
             return;
         if (!m_state.command)
             fetch(now);
@@ -380,7 +433,7 @@ void ToolkitCard::run(Time now)
             sendResponse(now);
         return;
     }
-    if (hasEnvelope() && now >= m_state.envelopeAt)
+    if (hasEnvelope() && now >= m_state.busyAt)
         sendEnvelope(now);
     else if (m_state.pollInterval && now >= m_state.pollAt)
         poll(now);
@@ -478,7 +531,7 @@ void ToolkitCard::ModemPart::operator()(const cat::TimerManagement &management)
 // Clause 6.4.15; the qualifiers are in clause 8.6.
 void ToolkitCard::ModemPart::operator()(const cat::ProvideLocalInformation &)
 {
-    enum : uint8_t { DateTimeZone = 0x03, Language = 0x04, LastQualifier = 0x1a };
+    enum : uint8_t { DateTimeZone = 0x03, Language = 0x04 };
     // Location, network measurements, timing advance, access technology, search mode.
     static const Bytes NeedNetwork{0x00, 0x02, 0x05, 0x06, 0x09};
     const uint8_t qualifier = command.details.qualifier;
@@ -493,8 +546,6 @@ void ToolkitCard::ModemPart::operator()(const cat::ProvideLocalInformation &)
     } else if (qualifier == Language && card.m_language.size() == 2) {
         response.language = card.m_language;
         details = "language";
-    } else if (qualifier > LastQualifier) {
-        response.result = static_cast<uint8_t>(cat::Result::BeyondCapabilities);
     } else {
         const bool network = std::count(NeedNetwork.begin(), NeedNetwork.end(), qualifier) != 0;
         response = unable(command, network ? cat::NoService : cat::NoSpecificCause);
@@ -505,10 +556,15 @@ void ToolkitCard::ModemPart::operator()(const cat::ProvideLocalInformation &)
 void ToolkitCard::fetch(Time now)
 {
     Apdu apdu = toolkitApdu(0x12, 0, 0);
-    apdu.expected = std::exchange(m_state.pending, std::nullopt);
+    const std::optional<uint16_t> length = std::exchange(m_state.pending, std::nullopt);
+    apdu.expected = length;
     const auto answer = send(std::move(apdu), now);
     if (!answer)
         return;
+    if (isToBeRepeated(answer->status, now)) {
+        m_state.pending = length;
+        return;
+    }
     if (!isDone(answer->status)) {
         takeStatus("FETCH", answer->status);
         return;
@@ -538,6 +594,13 @@ void ToolkitCard::handOut(cat::Command command, Time now)
         answerByModem(command, responseWith(command, cat::Result::BeyondCapabilities), now);
         return;
     }
+    const bool byUser = !isAnsweredByModem(proactive->body);
+    if (std::exchange(m_state.unwanted, false) && byUser) {
+        cat::Response ended = responseWith(command, cat::Result::TerminatedByUser);
+        m_state.command =
+            CommandInProgress{std::move(command), std::nullopt, false, now, std::move(ended)};
+        return;
+    }
     const auto *text = std::get_if<cat::DisplayText>(&command.body);
     if (std::holds_alternative<cat::SetUpMenu>(command.body)) {
         if (m_state.menuChecked && !m_state.menuSeen)
@@ -545,14 +608,15 @@ void ToolkitCard::handOut(cat::Command command, Time now)
         m_state.menuSeen = true;
     }
     m_state.textShown = text && text->immediateResponse;
+    m_state.textWaits = waitsForUser(command);
     m_state.endHeld = false;
     m_state.endQuietly = false;
+    m_state.endAwaited = true;
     std::optional<cat::Response> response;
     if (m_state.textShown)
         response = responseWith(command, cat::Result::Performed);
-    m_state.command =
-        CommandInProgress{std::move(command), proactive->answerCoding,
-                          !isAnsweredByModem(proactive->body), now, std::move(response)};
+    m_state.command = CommandInProgress{std::move(command), proactive->answerCoding, byUser, now,
+                                        std::move(response)};
     m_events.push_back(std::move(*proactive));
 }
 
@@ -566,11 +630,10 @@ void ToolkitCard::answerByModem(const cat::Command &command, cat::Response respo
 
 void ToolkitCard::sendResponse(Time now)
 {
-    CommandInProgress current = std::move(*m_state.command);
-    m_state.command.reset();
-    cat::Response &response = *current.response;
-    const bool performed = response.result == static_cast<uint8_t>(cat::Result::Performed);
-    const bool refreshes = performed && std::holds_alternative<cat::Refresh>(current.command.body);
+    const CommandInProgress current = *m_state.command; // gone with a card that is
+    cat::Response response = *current.response;
+    const bool refreshes =
+        isPerformed(response) && std::holds_alternative<cat::Refresh>(current.command.body);
     // The reset is the answer (clause 6.4.7.1).
     if (refreshes && current.command.details.qualifier == UiccReset) {
         resetCard(now);
@@ -587,8 +650,9 @@ void ToolkitCard::sendResponse(Time now)
     if (isHiddenInput(current.command) && response.text && !response.text->empty())
         apdu.secret = response.text->size() - 1;
     const auto answer = send(std::move(apdu), now);
-    if (!answer)
+    if (!answer || isToBeRepeated(answer->status, now))
         return;
+    m_state.command.reset();
     m_state.restAt = now + RestTime;
     takeStatus("TERMINAL RESPONSE", answer->status);
     if (refreshes && current.command.details.qualifier != FileChange)
@@ -615,8 +679,6 @@ bool ToolkitCard::hasEnvelope() const
 void ToolkitCard::sendEnvelope(Time now)
 {
     if (!m_state.envelope) {
-        m_state.busyUntil = now + BusyTime;
-        m_state.busyDelay = FirstBusyDelay;
         if (m_state.selection) {
             m_state.envelope =
                 Envelope{cat::encodeMenuSelection(*m_state.selection), "MENU SELECTION", true};
@@ -629,18 +691,33 @@ void ToolkitCard::sendEnvelope(Time now)
     Apdu apdu = toolkitApdu(0xc2, 0, 0);
     apdu.data = m_state.envelope->data;
     apdu.expected = 256;
+    m_state.endAwaited = m_state.envelope->selection;
     const auto answer = send(std::move(apdu), now);
-    if (!answer)
+    if (!answer || isToBeRepeated(answer->status, now))
         return;
-    if (statusKind(answer->status) == StatusKind::Busy && now < m_state.busyUntil) {
-        m_state.envelopeAt = now + m_state.busyDelay;
-        m_state.busyDelay = std::min(2 * m_state.busyDelay, LastBusyDelay);
-        return;
-    }
     const char *name = m_state.envelope->name;
     m_state.envelope.reset();
-    m_state.envelopeAt = now;
     takeStatus(name, answer->status);
+}
+
+// True where the card's toolkit is busy: what was sent is to be sent again, later and later, but
+// not for ever.
+bool ToolkitCard::isToBeRepeated(uint16_t status, Time now)
+{
+    if (statusKind(status) == StatusKind::Busy) {
+        if (m_state.busyDelay.count() == 0) {
+            m_state.busyDelay = FirstBusyDelay;
+            m_state.busyUntil = now + BusyTime;
+        }
+        if (now < m_state.busyUntil) {
+            m_state.busyAt = now + m_state.busyDelay;
+            m_state.busyDelay = std::min(2 * m_state.busyDelay, LastBusyDelay);
+            return true;
+        }
+    }
+    m_state.busyDelay = milliseconds(0);
+    m_state.busyAt = now;
+    return false;
 }
 
 void ToolkitCard::queueEnvelope(Bytes data, const char *name)
@@ -655,7 +732,7 @@ bool ToolkitCard::reportsEvent(uint8_t event) const
     return std::find(list.begin(), list.end(), event) != list.end();
 }
 
-// The card asks to be told once (clause 7.5.6).
+// The card asks to be told once (clause 7.5.5).
 void ToolkitCard::userActed()
 {
     if (!reportsEvent(cat::UserActivity))
@@ -709,9 +786,11 @@ void ToolkitCard::takeStatus(const char *what, uint16_t status)
 void ToolkitCard::endOfSession()
 {
     m_state.pending.reset();
+    m_state.unwanted = false;
     const bool quiet = std::exchange(m_state.endQuietly, false);
+    const bool awaited = std::exchange(m_state.endAwaited, false);
     const bool selected = m_state.selection || (m_state.envelope && m_state.envelope->selection);
-    if (quiet || selected) // the user has gone on
+    if (quiet || !awaited || selected) // selected: the user has gone on
         return;
     if (m_state.textShown)
         m_state.endHeld = true;
@@ -723,10 +802,14 @@ std::optional<ApduAnswer> ToolkitCard::send(Apdu command, Time now)
 {
     auto answer = exchange(*m_channel, command,
                            [this](const ApduTraffic &traffic) { m_listener.exchanged(traffic); });
-    if (!answer)
+    if (!answer) {
+        m_failures = m_channel->isPresent() ? m_failures + 1 : 0;
+        if (m_failures == 1)
+            notice("the card does not answer", true);
         lose(now);
-    else if (statusKind(answer->status) == StatusKind::ProactiveCommand)
+    } else if (statusKind(answer->status) == StatusKind::ProactiveCommand) {
         m_state.pending = answer->status & 0xff ? answer->status & 0xff : 256;
+    }
     return answer;
 }
 

@@ -124,6 +124,7 @@ private:
     void resetCard(Time now);
     bool hasEnvelope() const;
     void sendEnvelope(Time now);
+    bool isToBeRepeated(uint16_t status, Time now);
     void queueEnvelope(cat::Bytes data, const char *name);
     bool reportsEvent(uint8_t event) const;
     void userActed();
@@ -136,6 +137,7 @@ private:
     std::optional<ApduAnswer> send(Apdu command, Time now);
     Apdu toolkitApdu(uint8_t ins, uint8_t p1, uint8_t p2) const;
     void notice(const std::string &text, bool problem);
+    template <class Event> void forgetEvents();
 
     const std::unique_ptr<CardChannel> m_channel;
     const std::string m_name;
@@ -146,6 +148,7 @@ private:
     bool m_removalTold = false;
     std::string m_readerName;
     std::string m_lastTrouble; // what was in the way of the card, as told last
+    int m_failures = 0; // times in a row that a card was there and did not answer
     Time m_retryAt;
     Time m_presenceAt;
     std::deque<CardEvent> m_events;
@@ -172,14 +175,18 @@ private:
 
         std::optional<uint16_t> pending; // length of the command to be fetched
         std::optional<CommandInProgress> command;
+        bool endAwaited = false; // somebody has seen it begin
         bool endQuietly = false; // nobody wants to hear of its end
+        bool unwanted = false; // its next command: the session was ended before that was fetched
         bool textShown = false; // a text that was answered before the user has seen it
+        bool textWaits = false; // until the user clears it
         bool endHeld = false; // the session's end, until the user has seen that text
 
         std::optional<Envelope> envelope; // being sent
         std::optional<uint8_t> selection;
         std::deque<Envelope> envelopes; // to be sent between sessions
-        Time envelopeAt; // busy: when to try again
+
+        Time busyAt; // the card's toolkit is busy: when to try again
         std::chrono::milliseconds busyDelay{0};
         Time busyUntil; // when to give up
 

@@ -260,8 +260,9 @@ void ToolkitCard::sendProfile(Time now)
     Apdu profile = toolkitApdu(0x10, 0, 0);
     profile.data = cat::terminalProfile();
     const auto answer = send(std::move(profile), now);
-    if (!answer)
+    if (!answer || isToBeRepeated(answer->status, now))
         return;
+    m_failures = 0;
     m_state.profileSent = true;
     m_state.restAt = isDone(answer->status) ? now + RestTime : now; // no menu will come
     m_state.pollAt = now + *m_state.pollInterval;
