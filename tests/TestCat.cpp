@@ -45,6 +45,7 @@ const CommandCase Good[] = {
     {"12 00", "8A 03 F4 2A 23", R"({"alpha":"","code":"*#"})"},
     {"12 00", "8A 03 48 04 17", R"({"alpha":"","code":"З"})"},
     {"12 00", "8A 06 0F C8 32 9B FD 06", R"({"alpha":"","code":"Hello"})"},
+    {"12 00", "8A 08 0F AA 51 4C 36 A3 8D 1A", R"({"alpha":"","code":"*#1234#"})"},
     // SMS-SUBMIT: no validity period and 8 bit; relative and packed; absolute and a header before
     // packed text; alphanumeric address and UCS-2; a command; one that is cut off.
     {"13 00", "8B 0B 01 00 03 91 21 F3 00 F4 02 48 69", R"({"alpha":"","address":"+123","message":"Hi"})"},
@@ -109,11 +110,13 @@ const CommandCase Refused[] = {
     {"10 00", "86 00", "address", Problem::DataNotUnderstood},
     {"12 00", "8A 00", "USSD string", Problem::DataNotUnderstood},
     {"12 00", "8A 02 60 00", "USSD string", Problem::DataNotUnderstood},
+    {"13 00", "8B 00", "SMS TPDU", Problem::DataNotUnderstood},
     {"27 00", "A4 01 01", "timer value", Problem::ValuesMissing},
     {"27 02", "A4 01 09", "timer identifier", Problem::DataNotUnderstood},
     {"27 00", "A4 01 01 A5 03 0A 00 00", "timer value", Problem::DataNotUnderstood},
     {"27 00", "A4 01 01 A5 03 00 06 00", "timer value", Problem::DataNotUnderstood},
     {"35 01", "AD 01 73", "language", Problem::DataNotUnderstood},
+    {"35 01", "", "language", Problem::ValuesMissing},
     {"14 00", "AC 02 C1 F2", "SEND DTMF", Problem::BeyondCapabilities},
     {"14 00", "AC 02 C1 F2 9E 02 01 01", "icon", Problem::DataNotUnderstood},
     {"40 01", "35 01 03", "OPEN CHANNEL", Problem::BeyondCapabilities},

@@ -167,6 +167,9 @@ bool assemble(const std::vector<DataObject> &objects, const cat::Command *comman
             response.item = value.at(0);
         } else if (tag == 0x24) {
             response.timer = value.at(0);
+        } else if (tag == 0x25) {
+            const auto decimal = [&](size_t i) { return (value.at(i) & 0x0f) * 10 + (value.at(i) >> 4); };
+            response.timerValue = std::chrono::seconds(decimal(0) * 3600 + decimal(1) * 60 + decimal(2));
         } else if (tag == 0x26) {
             response.dateTime = value;
         } else if (tag == 0x2d) {
