@@ -27,6 +27,7 @@ struct Call {
     int type = -1; // of the command, or the device event
     int16_t id = 0;
     bool timeOut = false;
+    std::chrono::steady_clock::time_point time = std::chrono::steady_clock::now();
 };
 
 std::mutex theMutex;
@@ -503,6 +504,23 @@ TEST_F(SessionTest, UnregisteringWaitsForTheCallbackOnAnotherThread)
     CardHost::endSession();
     CardHost::removeModem();
     EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED); // the end of the session was not told
+}
+
+// Whoever answered has had the time to begin to wait.
+TEST_F(SessionTest, TellsTheCardsWordSomeTimeAfterTheAnswerHasReturned)
+{
+    open();
+    Call call;
+    for (auto answer : {+[](int16_t) { return MOVA_STKSrv_SelectMenuItem(1, 3); },
+                        +[](int16_t id) { return MOVA_STKSrv_SelectSubMenuItem(id, 1, 7); },
+                        +[](int16_t id) {
+                            return respond({0, id}, MOVA_STKTYPE_SELECT_ITEM, STK_UI_TR_SUCCESS);
+                        }}) {
+        EXPECT_EQ(answer(call.id), 0);
+        const auto returned = std::chrono::steady_clock::now();
+        call = next();
+        EXPECT_GE(call.time - returned, 15ms);
+    }
 }
 
 TEST_F(SessionTest, CallbacksMayCallTheService)

@@ -12,6 +12,12 @@ namespace {
 
 constexpr Card::Time Never = Card::Time::max();
 
+// A terminal begins to wait for the card's next word when the call that answered has returned, and
+// takes what came before for old.  A card may be quicker than that: so much time the terminal gets.
+constexpr std::chrono::milliseconds HoldBack{20};
+// Whoever answers without a pause does not keep the card's word from others for ever.
+constexpr std::chrono::milliseconds LongestHoldBack = 10 * HoldBack;
+
 int32_t faultStatus(const Faults &faults, ServiceFunction function)
 {
     const auto fault = faults.find(function);
@@ -43,6 +49,34 @@ public:
 private:
     Session &m_session;
     Lock m_lock;
+};
+
+class Session::Answering {
+public:
+    explicit Answering(Session &session)
+        : m_session(session)
+        , m_counts(std::this_thread::get_id() != session.m_thread.get_id())
+    {
+        if (!m_counts)
+            return;
+        std::lock_guard<std::mutex> lock(m_session.m_mutex);
+        ++m_session.m_answering;
+    }
+    ~Answering()
+    {
+        if (!m_counts)
+            return;
+        std::lock_guard<std::mutex> lock(m_session.m_mutex);
+        --m_session.m_answering;
+        m_session.m_heldUntil = Card::Clock::now() + HoldBack;
+        m_session.m_wake.notify_one();
+    }
+    Answering(const Answering &) = delete;
+    Answering &operator=(const Answering &) = delete;
+
+private:
+    Session &m_session;
+    const bool m_counts;
 };
 
 Session::Session()
@@ -135,6 +169,7 @@ int32_t Session::mainMenu(CommandMenu &menu)
 int32_t Session::selectMenuItem(int16_t itemId)
 {
     constexpr ServiceFunction Function = ServiceFunction::SelectMenuItem;
+    const Answering answering(*this);
     Guard guard(*this);
     if (const int32_t status = mainMenuStatus(Function))
         return refuse(Function, std::nullopt, status);
@@ -175,6 +210,7 @@ int32_t Session::selectSubMenuItem(int16_t commandId, int32_t action, int16_t it
 {
     constexpr ServiceFunction Function = ServiceFunction::SelectSubMenuItem;
     using Result = TerminalResponse::Result;
+    const Answering answering(*this);
     Guard guard(*this);
     if (const int32_t status = commandStatus(Function, commandId, SelectItem::Type))
         return refuse(Function, commandId, status);
@@ -199,6 +235,7 @@ int32_t Session::selectSubMenuItem(int16_t commandId, int32_t action, int16_t it
 int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t type,
                         const TerminalResponse &response)
 {
+    const Answering answering(*this);
     Guard guard(*this);
     if (const int32_t status = commandStatus(function, commandId, type))
         return refuse(function, commandId, status);
@@ -575,10 +612,13 @@ void Session::reportTimeOut(Lock &lock)
 
 void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
 {
+    lock.unlock();
+    m_transcript.deliver();
+    lock.lock();
+    holdBack(lock);
     const MOVA_STKCallback callback = m_commandCallback;
     m_running = Running::CommandCallback;
     lock.unlock();
-    m_transcript.deliver();
     if (callback) {
         MOVA_STKNotifyData data{static_cast<_MOVA_EN_STKTYPE>(type), id, timeOut};
         callback(0, &data);
@@ -586,6 +626,20 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
     lock.lock();
     m_running = Running::None;
     m_returned.notify_all();
+}
+
+// Waits until no call answers, and none has returned just now.
+void Session::holdBack(Lock &lock)
+{
+    unsigned epoch = m_epoch;
+    Card::Time now = Card::Clock::now();
+    Card::Time latest = now + LongestHoldBack;
+    while (m_commandCallback && now < latest && (m_answering != 0 || now < m_heldUntil)) {
+        if (std::exchange(epoch, m_epoch) != m_epoch) // another card, or none: it waits to be told
+            latest = std::min(latest, now + HoldBack);
+        m_wake.wait_until(lock, m_answering != 0 ? latest : std::min(latest, m_heldUntil));
+        now = Card::Clock::now();
+    }
 }
 
 void Session::callDevice(int code, Lock &lock)

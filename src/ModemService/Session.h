@@ -23,6 +23,9 @@
 /// and in order.  Every function may be called from any thread, from inside a callback too, and
 /// returns without waiting for the card; those that return a number return a ServiceStatus, or the
 /// status of a fault that the card asked for.
+///
+/// What follows from an answer is never told before the call that gave the answer has returned, and
+/// its caller had the time to note that; an answer given inside a callback is no such case.
 class Session {
 public:
     Session();
@@ -71,6 +74,8 @@ public:
 private:
     // Locks the session; at its end tells the transcript what happened under the lock.
     class Guard;
+    // A call that answers the card, from its beginning to its return.
+    class Answering;
 
     struct CommandInProgress {
         int16_t id = 0;
@@ -111,6 +116,7 @@ private:
     void reportEndOfSession(std::unique_lock<std::mutex> &lock);
     void reportTimeOut(std::unique_lock<std::mutex> &lock);
     void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex> &lock);
+    void holdBack(std::unique_lock<std::mutex> &lock);
     void callDevice(int code, std::unique_lock<std::mutex> &lock);
 
     Transcript m_transcript;
@@ -121,6 +127,8 @@ private:
     MOVA_STKCallback m_commandCallback = nullptr;
     MOVA_DevMgrCallback m_deviceCallback = nullptr;
     Running m_running = Running::None;
+    int m_answering = 0; // calls under way that answer, on other threads than the session's
+    Card::Time m_heldUntil; // since the last one returned
 
     std::shared_ptr<Card> m_card;
     std::vector<std::shared_ptr<Card>> m_oldCards; // to be destroyed on the session's thread
