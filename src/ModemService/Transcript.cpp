@@ -219,6 +219,8 @@ bool Transcript::hasListeners()
 
 void Transcript::cardOpened(const std::string &name)
 {
+    if (!hasListeners())
+        return;
     append({OfModem,
             "card opened " + quoted(name),
             {{"event", "card"}, {"state", "opened"}, {"name", name}}});
@@ -226,18 +228,22 @@ void Transcript::cardOpened(const std::string &name)
 
 void Transcript::cardClosed()
 {
+    if (!hasListeners())
+        return;
     append({OfModem, "card closed", {{"event", "card"}, {"state", "closed"}}});
 }
 
 void Transcript::device(bool ready)
 {
+    if (!hasListeners())
+        return;
     const char *state = ready ? "ready" : "removed";
     append({OfModem, state, {{"event", "device"}, {"state", state}}});
 }
 
 void Transcript::command(int16_t id, const CommandBody &body)
 {
-    if (!hasListeners()) // a menu may be long
+    if (!hasListeners())
         return;
     Json fields = Json::object();
     std::visit(FieldWriter{fields}, body);
@@ -249,6 +255,8 @@ void Transcript::command(int16_t id, const CommandBody &body)
 void Transcript::response(int16_t id, const CommandBody &body, const TerminalResponse &response,
                           std::optional<ServiceFunction> function)
 {
+    if (!hasListeners())
+        return;
     std::string text = commandNumber(commandName(body), id) + ": " + resultName(response.result);
     Json json = {{"event", "response"},
                  {"command", commandName(body)},
@@ -280,6 +288,8 @@ void Transcript::response(int16_t id, const CommandBody &body, const TerminalRes
 
 void Transcript::overtaken(int16_t id, const CommandBody &body)
 {
+    if (!hasListeners())
+        return;
     append({FromCard,
             commandNumber(commandName(body), id) + ": overtaken by the next command",
             {{"event", "overtaken"}, {"command", commandName(body)}, {"id", id}}});
@@ -287,6 +297,8 @@ void Transcript::overtaken(int16_t id, const CommandBody &body)
 
 void Transcript::selection(const CommandMenuItem &item)
 {
+    if (!hasListeners())
+        return;
     append({ToCard,
             "MENU SELECTION, item " + number(item.id) + ' ' + quoted(item.text.utf8),
             {{"event", "selection"}, {"item", item.id}, {"itemText", item.text.utf8}}});
@@ -294,16 +306,22 @@ void Transcript::selection(const CommandMenuItem &item)
 
 void Transcript::timeOut(int16_t id)
 {
+    if (!hasListeners())
+        return;
     append({FromCard, commandNumber("SESSION TIME-OUT", id), {{"event", "timeout"}, {"id", id}}});
 }
 
 void Transcript::endOfSession(int16_t id)
 {
+    if (!hasListeners())
+        return;
     append({FromCard, commandNumber("END OF SESSION", id), {{"event", "endSession"}, {"id", id}}});
 }
 
 void Transcript::refused(ServiceFunction function, std::optional<int16_t> id, int32_t status)
 {
+    if (!hasListeners())
+        return;
     const char *reason = *statusText(status) ? statusText(status) : "the card's fault";
     std::string text = std::string("refused: ") + functionName(function);
     Json json = {{"event", "refused"}, {"call", functionName(function)}};
@@ -318,6 +336,8 @@ void Transcript::refused(ServiceFunction function, std::optional<int16_t> id, in
 
 void Transcript::notice(const CardHost::Notice &notice)
 {
+    if (!hasListeners())
+        return;
     append({OfModem,
             oneLine(notice.text),
             {{"event", "notice"}, {"text", notice.text}, {"problem", notice.problem}}});
@@ -325,6 +345,8 @@ void Transcript::notice(const CardHost::Notice &notice)
 
 void Transcript::answeredByModem(const std::string &command, const std::string &result)
 {
+    if (!hasListeners())
+        return;
     append({OfModem,
             command + ": " + result,
             {{"event", "answeredByModem"}, {"command", command}, {"result", result}}});
@@ -341,8 +363,6 @@ void Transcript::apdu(cat::ByteView command, cat::ByteView response)
 
 void Transcript::append(const Line &line)
 {
-    if (!hasListeners())
-        return;
     const auto [text, date] = timeStamps();
     Json json = {{"time", date}};
     json.update(line.json);

@@ -43,7 +43,8 @@ public:
 
     /// What a card in a reader says of itself.
     void notice(const CardHost::Notice &notice);
-    /// A proactive command that the modem answered without telling anybody, with the result in words.
+    /// A proactive command that the modem answered without telling anybody, with the result in
+    /// words.
     void answeredByModem(const std::string &command, const std::string &result);
     /// One command to the card, and its answer with the status words.
     void apdu(cat::ByteView command, cat::ByteView response);
@@ -57,7 +58,7 @@ private:
     struct Line; // an entry under construction
 
     void append(const Line &line);
-    bool hasListeners();
+    bool hasListeners(); // no entry is written for nobody
     void tell(std::unique_lock<std::mutex> &lock, const CardHost::TranscriptEntry &entry);
 
     std::mutex m_mutex;
