@@ -1,5 +1,6 @@
 #include "Pcsc.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace {
@@ -86,7 +87,9 @@ CardHost::ReaderList PcscContext::readers()
         list.problem = NoDaemonText;
         return list;
     }
-    for (const std::string &name : readerNames()) {
+    const std::vector<std::string> names = readerNames();
+    m_count = names.size();
+    for (const std::string &name : names) {
         SCARD_READERSTATE state{};
         state.szReader = name.c_str();
         if (SCardGetStatusChange(m_handle, 0, &state, 1) != SCARD_S_SUCCESS)
@@ -99,16 +102,22 @@ CardHost::ReaderList PcscContext::readers()
     return list;
 }
 
-void PcscContext::waitForChange() const
+bool PcscContext::waitForChange() const
 {
-    constexpr DWORD Minute = 60 * 1000;
-    std::vector<SCARD_READERSTATE> states(m_seen.size() + 1);
-    for (size_t i = 0; i < m_seen.size(); ++i) {
+    constexpr DWORD Second = 1000, Minute = 60 * Second;
+    // More are refused.  Who is left out is asked after again and again.
+    constexpr size_t MostReaders = PCSCLITE_MAX_READERS_CONTEXTS - 1;
+    const size_t watched = std::min(m_seen.size(), MostReaders);
+    std::vector<SCARD_READERSTATE> states(watched + 1);
+    for (size_t i = 0; i < watched; ++i) {
         states[i].szReader = m_seen[i].name.c_str();
         states[i].dwCurrentState = m_seen[i].state;
     }
     // Its change is a reader that comes or goes; the upper half is their number.
     states.back().szReader = R"(\\?PnP?\Notification)";
-    states.back().dwCurrentState = static_cast<DWORD>(m_seen.size() << 16);
-    SCardGetStatusChange(m_handle, Minute, states.data(), static_cast<DWORD>(states.size()));
+    states.back().dwCurrentState = static_cast<DWORD>(m_count << 16);
+    const LONG result = SCardGetStatusChange(m_handle, watched < m_count ? Second : Minute,
+                                             states.data(), static_cast<DWORD>(states.size()));
+    return result == SCARD_S_SUCCESS || result == LONG(SCARD_E_TIMEOUT) ||
+        result == LONG(SCARD_E_CANCELLED);
 }

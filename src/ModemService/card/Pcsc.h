@@ -26,8 +26,8 @@ public:
     /// The readers with what is in them, in the daemon's order.
     CardHost::ReaderList readers();
     /// Waits until something is different from what readers() said last, for at most a minute;
-    /// SCardCancel() ends the wait.
-    void waitForChange() const;
+    /// SCardCancel() ends the wait.  False: the daemon does not wait, and readers() may say why.
+    bool waitForChange() const;
 
 private:
     struct Seen {
@@ -40,6 +40,7 @@ private:
     SCARDCONTEXT m_handle = 0;
     bool m_established = false;
     std::vector<Seen> m_seen; // by readers()
+    size_t m_count = 0; // of readers then, with those of which nothing could be seen
 };
 
 constexpr const char *NoDaemonText = "no smart-card daemon is running (pcscd)";

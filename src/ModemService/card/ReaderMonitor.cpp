@@ -47,6 +47,7 @@ ReaderMonitor::~ReaderMonitor()
 void ReaderMonitor::run()
 {
     std::optional<CardHost::ReaderList> published;
+    bool waited = true;
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_stop) {
         lock.unlock();
@@ -57,13 +58,14 @@ void ReaderMonitor::run()
         lock.lock();
         if (m_stop)
             break;
-        if (list.problem == NoDaemonText) {
+        const bool failed = !std::exchange(waited, true);
+        if (failed || list.problem == NoDaemonText) {
             m_changed.wait_for(lock, RetryPeriod);
             continue;
         }
         m_waiting = m_context.handle();
         lock.unlock();
-        m_context.waitForChange();
+        waited = m_context.waitForChange();
         lock.lock();
         m_waiting = 0;
     }
