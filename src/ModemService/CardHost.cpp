@@ -52,9 +52,13 @@ public:
     void exchanged(const ApduTraffic &traffic) override
     {
         theSession().transcript().apdu(traffic.command, traffic.response);
-        std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_capture)
-            m_capture->write(traffic);
+        std::unique_lock<std::mutex> lock(m_mutex);
+        if (!m_capture || m_capture->write(traffic))
+            return;
+        const std::string error = m_capture->error();
+        m_capture.reset();
+        lock.unlock();
+        noticed({error, true});
     }
     void answeredByModem(const std::string &command, const std::string &result) override
     {
@@ -283,6 +287,8 @@ std::string sendCommand(const std::string &json)
     const ModemState modem = state();
     if (modem == ModemState::NoCard || modem == ModemState::Removed)
         return modem == ModemState::NoCard ? "no card is in the modem" : "the modem was removed";
+    if (!theSession().hasCard<ScenarioCard>())
+        return "a card in a reader sends its own commands only";
     try {
         theSession().withCard([script = readCommand(json)](Card &card) {
             if (auto *scenarioCard = dynamic_cast<ScenarioCard *>(&card))

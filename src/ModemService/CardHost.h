@@ -121,7 +121,8 @@ MOVA_API void answerPin(int request, const Pin &pin);
 
 /// Writes every command and response from now on to a capture file (GSMTAP), in place of the file
 /// before.  A PIN, and what the user enters unseen, are blanked out.  The result is empty, or one
-/// line that says why the file cannot be written.  An empty name ends the capture.
+/// line that says why the file cannot be written; where that shows only later it is told as a
+/// notice, and the capture is over.  An empty name ends the capture.
 MOVA_API std::string captureApdus(const std::string &file);
 
 /// The language of the user interface, ISO 639, two letters; a card may ask for it, or to be told.
@@ -143,8 +144,9 @@ MOVA_API void insertModem();
 MOVA_API void endSession();
 MOVA_API void timeOutSession();
 
-/// The card sends a proactive command unasked.  The command is a JSON object as in a scenario; the
-/// result is empty, or one line that says what is wrong with it, and then nothing was sent.
+/// The scenario card sends a proactive command unasked.  The command is a JSON object as in a
+/// scenario; the result is empty, or one line that says what is wrong with it or with the card in
+/// the modem, and then nothing was sent.
 MOVA_API std::string sendCommand(const std::string &json);
 
 /// Calls the listener for every entry from now on, one entry at a time and in order, before the

@@ -341,9 +341,14 @@ void Session::timeOutSession()
 {
     Guard guard(*this);
     post([this, card = m_card] {
+        Lock lock(m_mutex);
+        const bool unanswered = m_current && m_current->open;
+        lock.unlock();
+        if (card && unanswered)
+            card->respond({TerminalResponse::Result::NoResponse}, Card::Clock::now());
         if (card)
             card->endSession();
-        Lock lock(m_mutex);
+        lock.lock();
         reportTimeOut(lock);
     });
 }

@@ -68,6 +68,12 @@ public:
     /// Runs the function with the card that is in the modem now, on the session's thread; never
     /// where there is none or the modem was removed by then.
     void withCard(std::function<void(Card &)> function);
+    /// Whether a card of that kind is in the modem.
+    template <class Kind> bool hasCard()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return dynamic_cast<const Kind *>(m_card.get());
+    }
 
     Transcript &transcript() { return m_transcript; }
 

@@ -1,6 +1,9 @@
 #include "ApduCapture.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <sys/time.h>
 
 using cat::Bytes;
@@ -44,25 +47,36 @@ Bytes packet(const ApduTraffic &traffic)
 } // namespace
 
 ApduCapture::ApduCapture(const std::string &file)
-    : m_capture(pcap_open_dead(DLT_RAW, LongestPacket))
+    : m_name(file)
+    , m_capture(pcap_open_dead(DLT_RAW, LongestPacket))
 {
-    if (!m_capture) {
-        m_error = file + ": cannot be written: there is no memory";
-        return;
-    }
-    m_file.reset(pcap_dump_open(m_capture.get(), file.c_str()));
+    std::FILE *stream = m_capture ? std::fopen(file.c_str(), "wbe") : nullptr;
+    if (stream)
+        m_file.reset(pcap_dump_fopen(m_capture.get(), stream));
     if (!m_file)
-        m_error = pcap_geterr(m_capture.get()); // begins with the file's name
-    else
-        pcap_dump_flush(m_file.get());
+        fail();
+    else if (!flush())
+        m_file.reset();
 }
 
-void ApduCapture::write(const ApduTraffic &traffic)
+bool ApduCapture::write(const ApduTraffic &traffic)
 {
     const Bytes bytes = packet(traffic);
     pcap_pkthdr header{};
     gettimeofday(&header.ts, nullptr);
     header.caplen = header.len = static_cast<bpf_u_int32>(bytes.size());
     pcap_dump(reinterpret_cast<u_char *>(m_file.get()), &header, bytes.data());
-    pcap_dump_flush(m_file.get());
+    return flush();
+}
+
+bool ApduCapture::flush()
+{
+    const bool flushed = pcap_dump_flush(m_file.get()) == 0;
+    return (flushed && !std::ferror(pcap_dump_file(m_file.get()))) || fail();
+}
+
+bool ApduCapture::fail()
+{
+    m_error = m_name + ": cannot write the capture: " + std::strerror(errno);
+    return false;
 }
