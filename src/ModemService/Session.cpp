@@ -342,7 +342,8 @@ void Session::timeOutSession()
     Guard guard(*this);
     post([this, card = m_card] {
         Lock lock(m_mutex);
-        const bool unanswered = m_current && m_current->open;
+        const bool unanswered =
+            m_current && m_current->open && !isAnsweredByModem(m_current->command.body);
         lock.unlock();
         if (card && unanswered)
             card->respond({TerminalResponse::Result::NoResponse}, Card::Clock::now());
