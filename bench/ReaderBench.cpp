@@ -27,7 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr int TripsATurn = 50, HeldBackTripsATurn = 2;
+constexpr int TripsATurn = 500, HeldBackTripsATurn = 2;
 constexpr int16_t Item = 3; // of menus.json: a DISPLAY TEXT
 
 [[noreturn]] void giveUp(const char *what)
@@ -113,7 +113,8 @@ int onCommand(int, void *data)
         const std::lock_guard<std::mutex> lock(theMutex);
         if (--tripsLeft >= 0)
             select();
-        theEnd.notify_all();
+        else
+            theEnd.notify_all();
     }
     return 0;
 }

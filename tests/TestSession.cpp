@@ -379,6 +379,14 @@ TEST_F(SessionTest, ResponseTimeRunsOut)
     EXPECT_TRUE(select(9).timeOut); // the script's own
     CardHost::timeOutSession(); // reported without a session too
     EXPECT_TRUE(next().timeOut);
+
+    // A yes-no box answers late, but it does answer.
+    const Call key = send(R"({"command":"getInkey","text":"t","inputType":1,"responseTime":1})");
+    EXPECT_TRUE(next().timeOut);
+    const uint16_t no[] = {'0', 0};
+    EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), 0);
+    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), StatusNotInProgress);
 }
 
 TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)

@@ -405,6 +405,9 @@ TEST_F(TestToolkitCard, answersForTheUser)
     offer("012180", Text, "DISPLAY TEXT");
     card.endSession();
     play(respond("012180", "0110"), "");
+    offer("011200", "8A020F41", "SEND USSD");
+    card.endSession();
+    play(respond("011200", "022004"), "");
 }
 
 TEST_F(TestToolkitCard, answersForTheModem)

@@ -11,6 +11,7 @@ using Lock = std::unique_lock<std::mutex>;
 namespace {
 
 constexpr Card::Time Never = Card::Time::max();
+constexpr int32_t YesNo = 1; // input type of a GET INKEY
 
 // A terminal begins to wait for the card's next word when the call that answered has returned, and
 // takes what came before for old.  A card may be quicker than that: so much time the terminal gets.
@@ -237,6 +238,8 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
 {
     const Answering answering(*this);
     Guard guard(*this);
+    if (function == ServiceFunction::AnswerInKey && isLate(commandId))
+        return StatusSuccess;
     if (const int32_t status = commandStatus(function, commandId, type))
         return refuse(function, commandId, status);
     const auto &coding = m_current->command.answerCoding;
@@ -460,8 +463,25 @@ std::optional<TerminalResponse> Session::closeCurrent()
 void Session::forgetSession()
 {
     ++m_epoch;
+    m_lateKeyId.reset();
     m_current.reset();
     m_underWay = false;
+}
+
+// A yes-no box that closes with its command's time answers all the same, and knows no other
+// time-out. To refuse that would be a terminal's failure to handle the command; it changes nothing,
+// and whoever waits for the card's next word hears that there is none.
+bool Session::isLate(int16_t keyId)
+{
+    if (m_lateKeyId != keyId)
+        return false;
+    m_lateKeyId.reset();
+    post([this] {
+        Lock lock(m_mutex);
+        if (!m_current && !m_underWay)
+            reportEndOfSession(lock);
+    });
+    return true;
 }
 
 int16_t Session::newCommandId()
@@ -491,9 +511,12 @@ void Session::run()
             continue;
         if (!m_requests.empty() || m_stop)
             continue;
-        // Bounded: the clock's last moment overflows in some waits.
-        const Card::Time latest = Card::Clock::now() + std::chrono::hours(1);
-        m_wake.wait_until(lock, std::min({wakeUp, deadline(), latest}));
+        // Bounded: the clock's last moment overflows in some waits.  A wait for what is over
+        // already would still take its time.
+        const Card::Time now = Card::Clock::now();
+        const Card::Time next = std::min({wakeUp, deadline(), now + std::chrono::hours(1)});
+        if (next > now)
+            m_wake.wait_until(lock, next);
     }
     const auto oldCards = std::exchange(m_oldCards, {});
     const auto card = std::exchange(m_card, nullptr);
@@ -547,6 +570,9 @@ bool Session::passDeadline(Lock &lock)
         answerCurrent(m_current->command.modemAnswer, std::nullopt);
         return true;
     }
+    const auto *inkey = std::get_if<GetInkey>(&m_current->command.body);
+    if (inkey && inkey->inputType == YesNo)
+        m_lateKeyId = m_current->id;
     postResponse(m_current->id, {TerminalResponse::Result::NoResponse});
     reportTimeOut(lock);
     return true;

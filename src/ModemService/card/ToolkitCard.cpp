@@ -256,6 +256,18 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
         m_state.chain = 0;
 }
 
+// What the card is told of a command that nobody will answer any more: what the modem was to say,
+// or that the user ended it.
+cat::Response ToolkitCard::endOf(const CommandInProgress &current)
+{
+    const cat::Body &body = current.command.body;
+    if (current.answeredByUser)
+        return responseWith(current.command, cat::Result::TerminatedByUser);
+    if (std::holds_alternative<cat::SetUpMenu>(body) || std::holds_alternative<cat::Refresh>(body))
+        return responseWith(current.command, cat::Result::Performed);
+    return unable(current.command, cat::NoService);
+}
+
 void ToolkitCard::endSession()
 {
     forgetEvents<SessionEnd>();
@@ -268,8 +280,7 @@ void ToolkitCard::endSession()
     m_state.endQuietly = m_state.command || m_state.pending;
     m_state.unwanted = m_state.pending && !m_state.command;
     if (m_state.command && !m_state.command->response)
-        m_state.command->response =
-            responseWith(m_state.command->command, cat::Result::TerminatedByUser);
+        m_state.command->response = endOf(*m_state.command);
 }
 
 void ToolkitCard::setLanguage(const std::string &language, Time)

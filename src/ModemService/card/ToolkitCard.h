@@ -133,6 +133,7 @@ private:
     void checkMenu(Time now);
     void takeStatus(const char *what, uint16_t status);
     void endOfSession();
+    static cat::Response endOf(const CommandInProgress &current);
 
     std::optional<ApduAnswer> send(Apdu command, Time now);
     Apdu toolkitApdu(uint8_t ins, uint8_t p1, uint8_t p2) const;
