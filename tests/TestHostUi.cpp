@@ -236,6 +236,7 @@ private slots:
         row("Return", QMessageBox::Ok);
         row("the frame's close button", QMessageBox::Cancel);
         row("what deletes the parent", QMessageBox::Cancel);
+        row("what closes the parent", QMessageBox::Cancel);
     }
 
     void showMessage()
@@ -258,6 +259,8 @@ private slots:
                 shared->close();
             else if (press == "what deletes the parent")
                 delete parent;
+            else if (press == "what closes the parent")
+                parent->close();
             else
                 QTest::keyClick(shared->windowHandle(), Qt::Key(QKeySequence(press)[0]));
             clearedAtClose = !shared;

@@ -387,6 +387,11 @@ TEST_F(SessionTest, ResponseTimeRunsOut)
     EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), 0);
     EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
     EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), StatusNotInProgress);
+    const Call other = send(R"({"command":"getInkey","text":"t","inputType":1})");
+    CardHost::removeModem();
+    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED);
+    EXPECT_EQ(MOVA_STKSrv_AnswerInKey(other.id, 1, no), 0);
+    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
 }
 
 TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)

@@ -48,6 +48,30 @@ private:
     QDialog **const m_shared;
 };
 
+/* A box goes with the window that it is over: alone it could slip behind another one, and keep all
+ * of them from being used. */
+class Companion : public QObject {
+public:
+    Companion(QDialog *box, QWidget *over)
+        : QObject(box)
+        , m_box(box)
+    {
+        over->window()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event)
+    {
+        // A spontaneous one is the window manager's: the window is minimized.
+        if (event->type() == QEvent::Hide && !event->spontaneous())
+            m_box->close();
+        return false;
+    }
+
+private:
+    QDialog *const m_box;
+};
+
 QPushButton *addButton(QMessageBox *box, const QString &id, QMessageBox::ButtonRole role)
 {
     return id.isEmpty() ? 0 : box->addButton(Change::tr(id, "LuminePlugin"), role);
@@ -120,6 +144,8 @@ QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon icon, QWi
     QObject::connect(box, SIGNAL(changeSize(QSize)), frame, SLOT(changeSize(QSize)));
     QObject::connect(box, SIGNAL(buttonClicked(QAbstractButton *)), frame, SLOT(close()));
 
+    if (parent)
+        new Companion(frame, parent);
     DialogLoop loop(frame, ppDialog);
     frame->setWindowModality(modal ? Qt::WindowModal : Qt::NonModal);
     frame->show();

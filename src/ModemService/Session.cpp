@@ -455,7 +455,7 @@ std::optional<TerminalResponse> Session::closeCurrent()
         ? m_current->command.modemAnswer
         : TerminalResponse{Result::Terminated};
     m_transcript.response(m_current->id, body, response, std::nullopt);
-    m_current.reset();
+    dropCurrent();
     return response;
 }
 
@@ -463,14 +463,23 @@ std::optional<TerminalResponse> Session::closeCurrent()
 void Session::forgetSession()
 {
     ++m_epoch;
-    m_lateKeyId.reset();
-    m_current.reset();
+    dropCurrent();
     m_underWay = false;
 }
 
-// A yes-no box that closes with its command's time answers all the same, and knows no other
-// time-out. To refuse that would be a terminal's failure to handle the command; it changes nothing,
-// and whoever waits for the card's next word hears that there is none.
+void Session::dropCurrent()
+{
+    if (!m_current)
+        return;
+    const auto *inkey = std::get_if<GetInkey>(&m_current->command.body);
+    if (m_current->open && inkey && inkey->inputType == YesNo)
+        m_lateKeyId = m_current->id;
+    m_current.reset();
+}
+
+// A yes-no box outlives its command, and answers all the same.  To refuse that would be a
+// terminal's failure to handle the command; it changes nothing, and whoever waits for the card's
+// next word hears that there is none.
 bool Session::isLate(int16_t keyId)
 {
     if (m_lateKeyId != keyId)
@@ -570,9 +579,6 @@ bool Session::passDeadline(Lock &lock)
         answerCurrent(m_current->command.modemAnswer, std::nullopt);
         return true;
     }
-    const auto *inkey = std::get_if<GetInkey>(&m_current->command.body);
-    if (inkey && inkey->inputType == YesNo)
-        m_lateKeyId = m_current->id;
     postResponse(m_current->id, {TerminalResponse::Result::NoResponse});
     reportTimeOut(lock);
     return true;
@@ -586,7 +592,7 @@ void Session::handle(CardEvent &event, Lock &lock)
         // The card's main menu alone, at its start, is no session that anybody saw begin.
         if (m_underWay)
             reportEndOfSession(lock);
-        m_current.reset();
+        dropCurrent();
     } else if (std::holds_alternative<SessionTimeOut>(event)) {
         reportTimeOut(lock);
     } else if (std::holds_alternative<ModemRemoved>(event) && !m_removed) {
@@ -618,13 +624,14 @@ void Session::announce(ProactiveCommand command, Lock &lock)
     const std::chrono::milliseconds time = byModem ? m_traits.modemTime : command.responseTime;
     const bool forEver = !byModem && time.count() == 0;
     const Card::Time deadline = forEver ? Never : Card::Clock::now() + time;
+    dropCurrent();
     m_current = CommandInProgress{id, std::move(command), true, deadline};
     callCommand(type, id, false, lock);
 }
 
 void Session::reportEndOfSession(Lock &lock)
 {
-    m_current.reset();
+    dropCurrent();
     m_underWay = false;
     const int16_t id = newCommandId();
     m_transcript.endOfSession(id);
@@ -636,7 +643,7 @@ void Session::reportTimeOut(Lock &lock)
     const int16_t id = m_current ? m_current->id : newCommandId();
     const int32_t type =
         m_current ? commandType(m_current->command.body) : int32_t(MOVA_STKTYPE_END_SESSION);
-    m_current.reset();
+    dropCurrent();
     m_underWay = false;
     m_transcript.timeOut(id);
     callCommand(type, id, true, lock);

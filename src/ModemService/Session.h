@@ -109,6 +109,7 @@ private:
     void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
     std::optional<TerminalResponse> closeCurrent();
     void forgetSession();
+    void dropCurrent();
     bool isLate(int16_t keyId);
     int16_t newCommandId();
     Card::Time deadline() const;
@@ -146,7 +147,7 @@ private:
     std::optional<ProactiveCommand> m_menu;
     std::optional<CommandInProgress> m_current;
     int16_t m_lastCommandId = 0;
-    std::optional<int16_t> m_lateKeyId; // a yes-no question whose time ran out
+    std::optional<int16_t> m_lateKeyId; // a yes-no question that ended unanswered
 
     std::deque<Request> m_requests;
     bool m_stop = false;

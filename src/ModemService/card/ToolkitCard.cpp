@@ -780,8 +780,9 @@ void ToolkitCard::checkMenu(Time now)
     if (m_state.menuChecked || now < m_state.restAt)
         return;
     m_state.menuChecked = true;
+    const std::string &reason = m_state.withoutPin;
     if (!m_state.menuSeen)
-        notice("this card has no toolkit menu", true);
+        notice("this card has no toolkit menu" + (reason.empty() ? "" : ": " + reason), true);
 }
 
 // What the card says to a terminal response, an envelope, or a FETCH that failed.

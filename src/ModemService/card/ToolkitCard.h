@@ -168,6 +168,7 @@ private:
         uint8_t pinKey = 0x01;
         int pinTries = 0;
         CardHost::Pin pin;
+        std::string withoutPin; // why it goes without, where it does
         bool pinSettled = false; // declined, or entered into a 2G card
         bool profileSent = false;
         bool menuSeen = false;

@@ -234,6 +234,7 @@ void ToolkitCard::verifyPin(Time now)
 void ToolkitCard::goOnWithoutPin(const std::string &why)
 {
     notice(why, true);
+    m_state.withoutPin = why;
     m_state.pinSettled = true;
     passPin();
 }
