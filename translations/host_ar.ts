@@ -330,12 +330,16 @@
         <translation>طلبت البطاقة %1، لكن تعذّر تشغيل أي متصفح.</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>لا تقبل هذه البطاقة أحد الأحرف المُدخلة.</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>رقم PIN لبطاقة SIM</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>تطلب «%1» رقم PIN الخاص بها.</translation>
+        <translation>تطلب البطاقة الموجودة في القارئ «%1» رقم PIN الخاص بها.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

@@ -330,12 +330,16 @@
         <translation>Die Karte wollte %1 öffnen, aber kein Browser ließ sich starten.</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>Eines der eingegebenen Zeichen kann diese Karte nicht annehmen.</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>PIN der SIM-Karte</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>„%1“ fragt nach ihrer PIN.</translation>
+        <translation>Die Karte im Leser „%1“ fragt nach ihrer PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

@@ -330,12 +330,16 @@
         <translation>The card asked for %1, but no browser could be started.</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>This card cannot take one of the characters that were entered.</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>PIN of the SIM card</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>“%1” asks for its PIN.</translation>
+        <translation>The card in reader “%1” asks for its PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

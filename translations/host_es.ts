@@ -330,12 +330,16 @@
         <translation>La tarjeta pidió %1, pero no se pudo iniciar ningún navegador.</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>Esta tarjeta no admite uno de los caracteres introducidos.</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>PIN de la tarjeta SIM</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>«%1» pide su PIN.</translation>
+        <translation>La tarjeta del lector «%1» pide su PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

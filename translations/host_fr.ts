@@ -330,12 +330,16 @@
         <translation>La carte a demandé %1, mais aucun navigateur n’a pu être lancé.</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>Cette carte n’accepte pas l’un des caractères saisis.</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>PIN de la carte SIM</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>« %1 » demande son code PIN.</translation>
+        <translation>La carte dans le lecteur « %1 » demande son code PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

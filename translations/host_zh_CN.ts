@@ -330,12 +330,16 @@
         <translation>卡请求打开 %1，但无法启动浏览器。</translation>
     </message>
     <message>
+        <source>IDS_CM_UNCODABLE</source>
+        <translation>此卡不支持所输入的某个字符。</translation>
+    </message>
+    <message>
         <source>IDS_CM_PIN_TITLE</source>
         <translation>SIM 卡的 PIN 码</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>“%1”要求输入 PIN 码。</translation>
+        <translation>读卡器“%1”中的卡要求输入 PIN 码。</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>

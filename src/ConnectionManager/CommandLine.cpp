@@ -82,10 +82,6 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         line.information = parser.helpText();
         return line;
     }
-    if (parser.isSet(version)) {
-        line.information = "ConnectionManager " + QCoreApplication::applicationVersion() + '\n';
-        return line;
-    }
     if (!parser.positionalArguments().isEmpty()) {
         line.error =
             QString("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
@@ -101,5 +97,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     line.listReaders = parser.isSet(readers);
     findReader(&line);
     line.error = firstError(line);
+    // Last, so that a script can have its arguments checked before it goes on.
+    if (line.error.isEmpty() && parser.isSet(version))
+        line.information = "ConnectionManager " + QCoreApplication::applicationVersion() + '\n';
     return line;
 }

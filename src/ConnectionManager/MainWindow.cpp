@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,6 +25,7 @@
 #include "PluginHost.h"
 #include "ReaderEvents.h"
 #include "ReaderMenu.h"
+#include "ServiceStatus.h"
 #include "Transcript.h"
 #include "platform/CommonUtils.h"
 
@@ -36,6 +38,7 @@ namespace {
 constexpr int MaxTranscriptLines = 5000;
 constexpr int RefreshInterval = 200; // ms
 constexpr int StateIconSize = 64;
+constexpr int UncodableShown = 30'000; // ms; then the entry has long been corrected
 
 const char *stateId(ModemState state)
 {
@@ -336,6 +339,7 @@ void MainWindow::createContent()
     m_transcriptView = new QPlainTextEdit(content);
     m_transcriptView->setObjectName("ConnectionManager_Transcript");
     m_transcriptView->setReadOnly(true);
+    m_transcriptView->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_transcriptView->setMaximumBlockCount(MaxTranscriptLines);
     // Its lines are technical English in every language.
     m_transcriptView->setLayoutDirection(Qt::LeftToRight);
@@ -512,6 +516,12 @@ void MainWindow::askPin(const std::optional<CardHost::PinRequest> &request)
     m_pinDialog.reset();
     if (!request)
         return;
+    if (m_declinesPins) {
+        Messages::complain(QString::fromStdString(request->card) +
+                           ": the card wants its PIN, and there is no display to ask for it");
+        CardHost::answerPin(request->id, CardHost::Pin());
+        return;
+    }
     m_pinDialog = std::make_unique<PinDialog>(*request, this);
     m_pinDialog->open();
 }
@@ -529,9 +539,20 @@ void MainWindow::sendCommand(const char *json)
         showNote(QString::fromStdString(error));
 }
 
+// The plug-in's own box says only that the entry could not be sent.
+void MainWindow::noteUncodable(const CardHost::TranscriptEntry &entry)
+{
+    const QJsonObject fields =
+        QJsonDocument::fromJson(QByteArray::fromStdString(entry.json)).object();
+    if (fields["event"] == "refused" && fields["status"] == StatusNotEncodable)
+        statusBar()->showMessage(text("IDS_CM_UNCODABLE"), UncodableShown);
+}
+
 void MainWindow::appendEntries(const QList<CardHost::TranscriptEntry> &entries)
 {
-    for (const CardHost::TranscriptEntry &entry : entries)
+    for (const CardHost::TranscriptEntry &entry : entries) {
         m_transcriptView->appendPlainText(shownText(entry));
+        noteUncodable(entry);
+    }
     refresh();
 }

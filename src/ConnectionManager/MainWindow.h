@@ -36,6 +36,8 @@ public:
     /// Puts the card of the first reader whose name begins with the text into the modem; with an
     /// empty text, of the first that has a card.
     void openReader(const QString &nameStart);
+    /// For a start that nobody watches: from now on a card goes on without its PIN.
+    void declinePins() { m_declinesPins = true; }
     /// Switches every text of the host and of the plug-in's open windows.
     void setLanguage(const QString &code);
     /// A remark for the person at the screen, in the status bar.
@@ -73,6 +75,7 @@ private:
     void showAbout();
     void showError(const QString &line);
     void sendCommand(const char *json);
+    void noteUncodable(const CardHost::TranscriptEntry &entry);
     void appendEntries(const QList<CardHost::TranscriptEntry> &entries);
 
     PluginHost &m_plugin;
@@ -112,6 +115,7 @@ private:
     std::unique_ptr<PinDialog> m_pinDialog;
     bool m_panelOffered = false;
     bool m_showsEnd = true;
+    bool m_declinesPins = false;
 };
 
 #endif

@@ -15,14 +15,7 @@ QFile *trace = nullptr;
 // What Qt says while it looks for a display: the first line names the reason of a failure.
 bool lookingForDisplay = true;
 QStringList startWarnings;
-
-void writeTrace(const QString &line)
-{
-    if (!trace)
-        return;
-    trace->write(line.toUtf8() + '\n');
-    trace->flush();
-}
+const QString ProgramName = "ConnectionManager: ";
 
 [[noreturn]] void endForMissingDisplay()
 {
@@ -36,6 +29,22 @@ void writeError(const QString &line)
 {
     std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     std::fflush(stderr);
+}
+
+QString traceProblem(const QString &file, const QFile &out)
+{
+    return QString("%1: cannot write the trace: %2").arg(file, out.errorString());
+}
+
+void writeTrace(const QString &line)
+{
+    if (!trace)
+        return;
+    trace->write(line.toUtf8() + '\n');
+    if (trace->flush())
+        return;
+    writeError(ProgramName + traceProblem(trace->fileName(), *trace));
+    trace = nullptr;
 }
 
 // The offscreen platform says what a window manager would do for windows.
@@ -86,7 +95,7 @@ QString Messages::traceTo(const QString &file)
         open = out.open(QIODevice::WriteOnly | QIODevice::Truncate);
     }
     if (!open)
-        return QString("%1: cannot write the trace: %2").arg(file, out.errorString());
+        return traceProblem(file, out);
     const std::lock_guard lock(channel);
     trace = &out;
     return {};
@@ -95,5 +104,5 @@ QString Messages::traceTo(const QString &file)
 void Messages::complain(const QString &line)
 {
     const std::lock_guard lock(channel);
-    writeError("ConnectionManager: " + line);
+    writeError(ProgramName + line);
 }

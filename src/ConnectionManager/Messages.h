@@ -20,7 +20,8 @@ void install();
 void displayFound();
 
 /// Writes debug lines to the file from now on, line by line; "-" is standard error.  The result is
-/// empty, or one line that says why the file cannot be written.
+/// empty, or one line that says why the file cannot be written; where that shows only later the
+/// line goes to standard error, and the trace is over.
 QString traceTo(const QString &file);
 
 /// One line on standard error, with the program's name in front.

@@ -1,5 +1,7 @@
 #include "Transcript.h"
 
+#include "Messages.h"
+
 Transcript::Transcript()
 {
     m_listener = CardHost::addTranscriptListener(
@@ -16,20 +18,34 @@ QString Transcript::writeTo(const QString &fileName)
     const std::lock_guard lock(m_mutex);
     m_file.setFileName(fileName);
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return QString("%1: cannot write the transcript: %2").arg(fileName, m_file.errorString());
+        return problem();
     return {};
 }
 
 void Transcript::add(const CardHost::TranscriptEntry &entry)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_file.isOpen()) {
-        m_file.write(QByteArray::fromStdString(entry.json) + '\n');
-        m_file.flush();
-    }
+    write(entry);
     if (m_pending.isEmpty())
         QMetaObject::invokeMethod(this, "deliver", Qt::QueuedConnection);
     m_pending << entry;
+}
+
+void Transcript::write(const CardHost::TranscriptEntry &entry)
+{
+    if (!m_file.isOpen())
+        return;
+    m_file.write(QByteArray::fromStdString(entry.json) + '\n');
+    if (m_file.flush())
+        return;
+    Messages::complain(problem());
+    m_file.close();
+}
+
+QString Transcript::problem() const
+{
+    return QString("%1: cannot write the transcript: %2")
+        .arg(m_file.fileName(), m_file.errorString());
 }
 
 void Transcript::deliver()

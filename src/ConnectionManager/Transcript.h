@@ -19,7 +19,8 @@ public:
     ~Transcript() override;
 
     /// Writes every later entry to the file too, one JSON object a line, flushed line by line.
-    /// The result is empty, or one line that says why the file cannot be written.
+    /// The result is empty, or one line that says why the file cannot be written; where that shows
+    /// only later the line goes to standard error, and the file is closed.
     QString writeTo(const QString &fileName);
 
 signals:
@@ -28,6 +29,8 @@ signals:
 
 private:
     void add(const CardHost::TranscriptEntry &entry);
+    void write(const CardHost::TranscriptEntry &entry);
+    QString problem() const;
     // Called by its name: the thread sanitizer cannot see that Qt's queue orders a functor's
     // memory.
     Q_INVOKABLE void deliver();

@@ -179,8 +179,10 @@ QString begin(const CommandLine &line, MainWindow &window)
         return "there is no display, and so nothing to do: expected --walkthrough to use the "
                "windows, or --transcript, --apdu-log or --trace to listen";
     }
-    if (!isUsed)
+    if (!isUsed) {
         Messages::complain("there is no display: listening until the program is stopped");
+        window.declinePins();
+    }
     if (line.reader)
         window.openReader(*line.reader);
     return {};
