@@ -1,4 +1,5 @@
 /* A card in the virtual reader of the smart-card daemon. */
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -51,6 +52,18 @@ struct Options {
     std::exit(2);
 }
 
+int readNumber(const std::string &option, const std::string &text, int lowest, int highest)
+{
+    int number = -1;
+    const char *const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < lowest || number > highest) {
+        giveUp(option + ": expected a number from " + std::to_string(lowest) + " to " +
+               std::to_string(highest) + ", found \"" + text + '"');
+    }
+    return number;
+}
+
 Options readOptions(int argc, char **argv)
 {
     const option known[] = {{"host", required_argument, nullptr, 'h'},
@@ -70,7 +83,7 @@ Options readOptions(int argc, char **argv)
             options.host = value;
             break;
         case 'p':
-            options.port = value;
+            options.port = std::to_string(readNumber("--port", value, 1, 65535));
             break;
         case 'r':
             options.report = value;
@@ -79,10 +92,7 @@ Options readOptions(int argc, char **argv)
             options.requireAll = true;
             break;
         case 'l':
-            if (value.empty() || value.size() > 5 ||
-                value.find_first_not_of("0123456789") != std::string::npos)
-                giveUp("--latency: expected milliseconds up to 99999, found \"" + value + '"');
-            options.latency = milliseconds(std::stoi(value));
+            options.latency = milliseconds(readNumber("--latency", value, 0, 99999));
             break;
         case 'm':
             if (const auto plan = FaultPlan::read(value))
@@ -237,6 +247,18 @@ private:
     size_t m_toldMismatches = 0;
 };
 
+[[noreturn]] void giveUpReport(const Options &options)
+{
+    giveUp(options.report + ": cannot write the report");
+}
+
+// A run may last for days; what was there before stays until there is something better.
+void checkReport(const Options &options)
+{
+    if (!std::ofstream(options.report, std::ios::app))
+        giveUpReport(options);
+}
+
 void writeReport(const Options &options, const Player &player)
 {
     nlohmann::ordered_json report = {{"card", options.file},
@@ -250,7 +272,7 @@ void writeReport(const Options &options, const Player &player)
     std::ofstream file(options.report);
     file << report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     if (!file.flush())
-        giveUp(options.report + ": cannot write the report");
+        giveUpReport(options);
 }
 
 } // namespace
@@ -260,6 +282,8 @@ int main(int argc, char **argv)
     const Options options = readOptions(argc, argv);
     try {
         Player player(options, CardFile::read(options.file));
+        if (!options.report.empty())
+            checkReport(options);
         player.play();
         if (!options.report.empty())
             writeReport(options, player);
