@@ -43,7 +43,9 @@ private slots:
         row({"--card="}, "option --card needs a CARD");
         row({"--card", "pcsc:"}, "option --card pcsc: needs the start of a reader's name");
         row({"--apdu-log="}, "option --apdu-log needs a FILE");
-        row({"--apdu-log", "/absent/x"}, "/absent/x: .*No such file or directory");
+        row({"--apdu-log", "/absent/x"}, "/absent/x: cannot write the capture: No such file or directory");
+        row({"--apdu-log", "/dev"}, "/dev: cannot write the capture: Is a directory");
+        row({"--version", "demo.json"}, "unexpected argument \"demo.json\"");
         const QString nothing = "there is no display, and so nothing to do: expected --walkthrough .*";
         row({}, nothing);
         row({"--card", "pcsc"}, nothing);
@@ -58,6 +60,10 @@ private slots:
         row({"--card", broken}, "/.*/broken.json: .*");
         row({"--trace", "/absent/x"}, "/absent/x: cannot write the trace: No such file or directory");
         row({"--transcript", "/absent/x"}, "/absent/x: cannot write the transcript: No such file or directory");
+        const QString full = "/dev/full: cannot write the %1: No space left on device";
+        for (const QString &kind : {"trace", "transcript"})
+            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, "--" + kind, "/dev/full"},
+                full.arg(kind), 0);
         row({"--screenshots", "/dev/null/x"}, "/dev/null/x: cannot make this folder for the pictures");
 
         write("text/STKPlugin/libSTKPlugin.so", QByteArray("no library\n").repeated(1000));
