@@ -15,6 +15,8 @@ using namespace std::chrono_literals;
 namespace {
 
 const std::string Cards = STK_SOURCE_DIR "/cards/conformance/";
+// The first commands to steps.json, and the answer of its user to GET INKEY.
+enum { AtUsim = 6, AtProfile = 8, AtFetch = 10, AtResponse, AtSelection = 14, AtAnswer = 18 };
 constexpr int32_t Removed = MOVA_DEV_EVENT_DEVICE_REMOVED, Ready = MOVA_DEV_EVENT_DEVICE_READY;
 
 std::mutex theMutex;
@@ -61,6 +63,33 @@ protected:
         CardHost::setNoticeListener(nullptr);
     }
 
+    void reopen()
+    {
+        const auto start = std::chrono::steady_clock::now();
+        CardHost::closeCard();
+        CardHost::openReader("Virtual reader");
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << "waited for the card";
+        EXPECT_TRUE(calls.next(Ready, 10s));
+    }
+
+    // Plays the card to the end of its menu's first item, and tells what ended it: the session's end,
+    // the removal, or nothing within the patience.
+    std::optional<ServiceCall> live(std::chrono::milliseconds patience)
+    {
+        std::optional<ServiceCall> call;
+        for (bool chosen = false; (call = calls.next(patience)) && call->type != Removed;) {
+            const auto start = std::chrono::steady_clock::now();
+            if (chosen && call->type == MOVA_STKTYPE_END_SESSION)
+                return call;
+            if (call->type == MOVA_STKTYPE_SETUP_MENU || call->type == MOVA_STKTYPE_END_SESSION)
+                chosen = MOVA_STKSrv_SelectMenuItem(1, 1) == 0 || chosen;
+            else
+                answer(*call);
+            EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << "waited for the card";
+        }
+        return call;
+    }
+
     ServiceCalls calls;
 };
 
@@ -72,26 +101,51 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
     ASSERT_TRUE(card.waitFor("starts", 10s));
     CardHost::openReader("Virtual reader");
     int lives = 0;
-    for (bool ended = false; !ended; ++lives) {
+    for (;; ++lives) {
         ASSERT_TRUE(calls.next(Ready, 10s)) << "life " << lives;
-        std::optional<ServiceCall> call;
-        for (bool chosen = false; !ended && (call = calls.next(20s)) && call->type != Removed;) {
-            ended = chosen && call->type == MOVA_STKTYPE_END_SESSION;
-            if (call->type == MOVA_STKTYPE_SETUP_MENU || call->type == MOVA_STKTYPE_END_SESSION)
-                chosen = MOVA_STKSrv_SelectMenuItem(1, 1) == 0 || chosen;
-            else
-                answer(*call);
-        }
-        ASSERT_TRUE(call) << "life " << lives;
-        if (ended)
+        const auto end = live(20s);
+        ASSERT_TRUE(end) << "life " << lives;
+        if (end->type != Removed)
             break;
         const auto taken = card.waitFor("taken out", 1s);
         ASSERT_TRUE(taken) << "life " << lives;
-        EXPECT_LT(call->when - *taken, 1s) << "life " << lives;
+        EXPECT_LT(end->when - *taken, 1s) << "life " << lives;
     }
     EXPECT_GT(lives, 20);
     EXPECT_EQ(card.end(), 0);
 }
+
+// A fault, and the command at which the card has it.
+class MisbehavingCard : public ReaderTest, public testing::WithParamInterface<std::tuple<std::string, int>> { };
+
+TEST_P(MisbehavingCard, canBeUsedAfterwards)
+{
+    const auto [fault, at] = GetParam();
+    const bool isHarmless = fault == "slow" || (fault == "9300" && at >= AtProfile);
+    const std::string plan = fault + '@' + std::to_string(at);
+    CardProcess card({"--latency", "1", "--misbehave", plan, Cards + "steps.json"});
+    ASSERT_TRUE(card.waitFor("starts", 10s));
+    reopen();
+    std::optional<ServiceCall> end;
+    bool misbehaved = false; // it may take the daemon a moment to know of the card
+    for (int tries = 0; tries < 5 && !misbehaved; ++tries) {
+        end = live(isHarmless ? 10s : 500ms);
+        misbehaved = card.waitFor(fault, 100ms).has_value();
+    }
+    ASSERT_TRUE(misbehaved);
+    EXPECT_TRUE(!isHarmless || (end && end->type == MOVA_STKTYPE_END_SESSION));
+    reopen();
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 5s));
+    EXPECT_EQ(title(), "Steps");
+    // What is not harmed is played with the exact bytes.
+    const int status = card.end();
+    EXPECT_TRUE(status == 0 || (status == 1 && !isHarmless)) << status;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, MisbehavingCard,
+    testing::Combine(testing::Values("slow", "cut", "wrongLength", "6F00", "9300", "garbage", "endless"),
+                     testing::Values(AtUsim, AtProfile, AtFetch, AtResponse, AtSelection, AtAnswer)));
 
 TEST_F(ReaderTest, isPulledOutWhileTheUserReads)
 {
