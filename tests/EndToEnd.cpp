@@ -61,8 +61,8 @@ private slots:
         row({"--trace", "/absent/x"}, "/absent/x: cannot write the trace: No such file or directory");
         row({"--transcript", "/absent/x"}, "/absent/x: cannot write the transcript: No such file or directory");
         const QString full = "/dev/full: cannot write the %1: No space left on device";
-        for (const QString &kind : {"trace", "transcript"})
-            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, "--" + kind, "/dev/full"},
+        for (const char *kind : {"trace", "transcript"})
+            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, QString("--") + kind, "/dev/full"},
                 full.arg(kind), 0);
         row({"--screenshots", "/dev/null/x"}, "/dev/null/x: cannot make this folder for the pictures");
 
