@@ -313,6 +313,7 @@ TEST_F(TestToolkitCard, findsTheApplication)
         00A40004023F00 > 6A82 A0A40000023F00 > 6E00      | ! Reader: no SIM application on this card (a bank card?); removed
         FIND USIM 6A82 GSM 9404                          | ! Reader: no SIM application on this card (a bank card?); removed
         FIND USIM PIN 0020000100 > 9000 READY            | - Reader: a USIM
+        00A40004023F00 > 9300 FIND USIM 9300 USIM NOPIN READY | - Reader: a USIM
         FIND USIM 620EC60C90014083010183011183018190009000 0020001100 > 63C3 | - Reader: a USIM; PIN? 3
         FIND USIM PIN 0020000100 > 6983 READY            | - Reader: a USIM; ! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps)")) {
         card.powerOn(now);
@@ -527,10 +528,19 @@ TEST_F(TestToolkitCard, doesNotWaitForTheReaderOfAnImmediateText)
     offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100"));
     card.respond({Result::Terminated}, now);
     select("9000", "end");
-    // The next command takes the text's place.
-    offer("012180", shown, "DISPLAY TEXT; DISPLAY TEXT", respond("012180", "0100", waiting(Text)) + ShowText);
-    card.respond({Result::BackwardMove}, now);
-    play(respond("012180", "0111"), "end");
+    // The next command waits until the text is gone; a choice takes its place.
+    for (const bool choose : {false, true}) {
+        offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100", waiting(Text)) + ShowText);
+        card.respond({}, now);
+        if (choose) {
+            card.selectMenuItem(1, now);
+            play(respond("012180", "0110") + "SELECT1 9000", "end");
+        } else {
+            play("", "DISPLAY TEXT");
+            card.respond({Result::BackwardMove}, now);
+            play(respond("012180", "0111"), "end");
+        }
+    }
 }
 
 TEST_F(TestToolkitCard, refreshes)

@@ -52,8 +52,11 @@ std::optional<FaultPlan> FaultPlan::read(const std::string &text)
 
 void FaultPlan::cardStarted()
 {
-    if (m_kind == Kind::Each)
-        m_commands = 0;
+    if (m_kind != Kind::Each)
+        return;
+    if (m_commands >= m_at)
+        ++m_at;
+    m_commands = 0;
 }
 
 std::optional<Fault> FaultPlan::next()
@@ -64,8 +67,6 @@ std::optional<Fault> FaultPlan::next()
                                     : std::nullopt;
     if (m_kind == Kind::Never || m_commands != m_at)
         return std::nullopt;
-    if (m_kind == Kind::Each)
-        ++m_at;
     return m_fault;
 }
 

@@ -152,12 +152,15 @@ CardTraits ToolkitCard::traits() const
     return traits;
 }
 
-template <class Event> void ToolkitCard::forgetEvents()
+// True where there were any.
+template <class Event> bool ToolkitCard::forgetEvents()
 {
     const auto last = std::remove_if(m_events.begin(), m_events.end(), [](const CardEvent &event) {
         return std::holds_alternative<Event>(event);
     });
+    const bool any = last != m_events.end();
     m_events.erase(last, m_events.end());
+    return any;
 }
 
 // ---- What the session says ----
@@ -193,6 +196,10 @@ void ToolkitCard::selectMenuItem(int16_t itemId, Time)
     m_state.textShown = false;
     m_state.endHeld = false;
     forgetEvents<SessionEnd>(); // of the session before
+    // A command that nobody was told of is not what the user has chosen.
+    if (m_state.command && m_state.command->answeredByUser && forgetEvents<ProactiveCommand>() &&
+        !m_state.command->response)
+        m_state.command->response = endOf(*m_state.command);
     m_state.selection = static_cast<uint8_t>(itemId);
     if (m_state.envelope && m_state.envelope->selection)
         m_state.envelope.reset();
@@ -201,6 +208,12 @@ void ToolkitCard::selectMenuItem(int16_t itemId, Time)
 void ToolkitCard::respond(const TerminalResponse &response, Time now)
 {
     using Result = TerminalResponse::Result;
+    if (m_state.held) { // until the text before it was answered
+        if (isUsersAct(response, m_state.textWaits))
+            userActed();
+        present(*std::exchange(m_state.held, std::nullopt), now);
+        return;
+    }
     const bool fromUser = response.result != Result::NoResponse;
     if (!m_state.command || m_state.command->response) {
         // A text that the card did not wait for.
@@ -277,6 +290,7 @@ void ToolkitCard::endSession()
         m_state.envelope.reset();
     m_state.textShown = false;
     m_state.endHeld = false;
+    m_state.held.reset();
     m_state.endQuietly = m_state.command || m_state.pending;
     m_state.unwanted = m_state.pending && !m_state.command;
     if (m_state.command && !m_state.command->response)
@@ -612,23 +626,33 @@ void ToolkitCard::handOut(cat::Command command, Time now)
             CommandInProgress{std::move(command), std::nullopt, false, now, std::move(ended)};
         return;
     }
-    const auto *text = std::get_if<cat::DisplayText>(&command.body);
     if (std::holds_alternative<cat::SetUpMenu>(command.body)) {
         if (m_state.menuChecked && !m_state.menuSeen)
             notice("the toolkit menu came late", false);
         m_state.menuSeen = true;
     }
+    m_state.command =
+        CommandInProgress{std::move(command), proactive->answerCoding, byUser, now, std::nullopt};
+    // Two windows at a time would be one too many.
+    if (m_state.textShown && byUser)
+        m_state.held = std::move(*proactive);
+    else
+        present(std::move(*proactive), now);
+}
+
+void ToolkitCard::present(ProactiveCommand proactive, Time now)
+{
+    CommandInProgress &current = *m_state.command;
+    const auto *text = std::get_if<cat::DisplayText>(&current.command.body);
+    current.since = now;
     m_state.textShown = text && text->immediateResponse;
-    m_state.textWaits = waitsForUser(command);
+    m_state.textWaits = waitsForUser(current.command);
     m_state.endHeld = false;
     m_state.endQuietly = false;
     m_state.endAwaited = true;
-    std::optional<cat::Response> response;
     if (m_state.textShown)
-        response = responseWith(command, cat::Result::Performed);
-    m_state.command = CommandInProgress{std::move(command), proactive->answerCoding, byUser, now,
-                                        std::move(response)};
-    m_events.push_back(std::move(*proactive));
+        current.response = responseWith(current.command, cat::Result::Performed);
+    m_events.push_back(std::move(proactive));
 }
 
 void ToolkitCard::answerByModem(const cat::Command &command, cat::Response response, Time now,

@@ -116,6 +116,7 @@ private:
     void run(Time now);
     Time nextWork() const;
     void fetch(Time now);
+    void present(ProactiveCommand proactive, Time now);
     void handOut(cat::Command command, Time now);
     void answerByModem(const cat::Command &command, cat::Response response, Time now,
                        const std::string &details = {});
@@ -136,9 +137,10 @@ private:
     static cat::Response endOf(const CommandInProgress &current);
 
     std::optional<ApduAnswer> send(Apdu command, Time now);
+    std::optional<ApduAnswer> sendStep(Apdu command, Time now);
     Apdu toolkitApdu(uint8_t ins, uint8_t p1, uint8_t p2) const;
     void notice(const std::string &text, bool problem);
-    template <class Event> void forgetEvents();
+    template <class Event> bool forgetEvents();
 
     const std::unique_ptr<CardChannel> m_channel;
     const std::string m_name;
@@ -177,6 +179,7 @@ private:
 
         std::optional<uint16_t> pending; // length of the command to be fetched
         std::optional<CommandInProgress> command;
+        std::optional<ProactiveCommand> held; // while a text before it is still on screen
         bool endAwaited = false; // somebody has seen it begin
         bool endQuietly = false; // nobody wants to hear of its end
         bool unwanted = false; // its next command: the session was ended before that was fetched

@@ -79,15 +79,24 @@ void ToolkitCard::takeStep(Time now)
     }
 }
 
+// Nothing, too, where the card is busy and the step is to be taken again.
+std::optional<ApduAnswer> ToolkitCard::sendStep(Apdu command, Time now)
+{
+    auto answer = send(std::move(command), now);
+    if (answer && isToBeRepeated(answer->status, now))
+        return std::nullopt;
+    return answer;
+}
+
 void ToolkitCard::selectMasterFile(Time now)
 {
-    if (const auto answer = send(selectFile(MasterFile), now))
+    if (const auto answer = sendStep(selectFile(MasterFile), now))
         m_state.step = isDone(answer->status) ? Step::SelectDirectory : Step::SelectMasterFile2g;
 }
 
 void ToolkitCard::selectDirectory(Time now)
 {
-    const auto answer = send(selectFile(ApplicationDirectory), now);
+    const auto answer = sendStep(selectFile(ApplicationDirectory), now);
     if (!answer)
         return;
     const FileParameters file = readFileParameters(answer->data);
@@ -101,7 +110,7 @@ void ToolkitCard::readDirectory(Time now)
 {
     Apdu readRecord{0x00, 0xb2, m_state.record, 0x04};
     readRecord.expected = m_state.recordLength ? m_state.recordLength : 256;
-    const auto answer = send(std::move(readRecord), now);
+    const auto answer = sendStep(std::move(readRecord), now);
     if (!answer)
         return;
     const Bytes application = applicationIdentifier(answer->data);
@@ -114,7 +123,7 @@ void ToolkitCard::readDirectory(Time now)
 
 void ToolkitCard::selectUsim(Time now)
 {
-    const auto answer = send(selectApplication(m_state.application), now);
+    const auto answer = sendStep(selectApplication(m_state.application), now);
     if (!answer)
         return;
     if (!isDone(answer->status)) {
@@ -134,7 +143,7 @@ void ToolkitCard::selectUsim(Time now)
 void ToolkitCard::selectMasterFile2g(Time now)
 {
     m_state.isUicc = false;
-    const auto answer = send(selectFile2g(MasterFile), now);
+    const auto answer = sendStep(selectFile2g(MasterFile), now);
     if (!answer)
         return;
     if (isDone(answer->status))
@@ -145,7 +154,7 @@ void ToolkitCard::selectMasterFile2g(Time now)
 
 void ToolkitCard::selectGsm(Time now)
 {
-    const auto answer = send(selectFile2g(DirectoryGsm), now);
+    const auto answer = sendStep(selectFile2g(DirectoryGsm), now);
     if (!answer)
         return;
     if (!isDone(answer->status)) {
@@ -164,7 +173,7 @@ void ToolkitCard::selectGsm(Time now)
 // An empty VERIFY tells how many tries are left, and uses none (ETSI TS 102 221 clause 11.1.9).
 void ToolkitCard::readPinState(Time now)
 {
-    const auto answer = send({0x00, 0x20, 0x00, m_state.pinKey}, now);
+    const auto answer = sendStep({0x00, 0x20, 0x00, m_state.pinKey}, now);
     if (!answer)
         return;
     if ((answer->status & 0xfff0) == 0x63c0)
@@ -260,8 +269,8 @@ void ToolkitCard::sendProfile(Time now)
 {
     Apdu profile = toolkitApdu(0x10, 0, 0);
     profile.data = cat::terminalProfile();
-    const auto answer = send(std::move(profile), now);
-    if (!answer || isToBeRepeated(answer->status, now))
+    const auto answer = sendStep(std::move(profile), now);
+    if (!answer)
         return;
     m_failures = 0;
     m_state.profileSent = true;
@@ -273,6 +282,6 @@ void ToolkitCard::sendProfile(Time now)
 // ETSI TS 102 221 clause 11.1.2 and 14.5.2: the application is initialised in the terminal.
 void ToolkitCard::reportInitialised(Time now)
 {
-    if (send(toolkitApdu(0xf2, 0x01, 0x0c), now))
+    if (sendStep(toolkitApdu(0xf2, 0x01, 0x0c), now))
         m_state.step = Step::Run;
 }
