@@ -528,7 +528,12 @@ TEST_F(TestToolkitCard, doesNotWaitForTheReaderOfAnImmediateText)
     offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100"));
     card.respond({Result::Terminated}, now);
     select("9000", "end");
-    // The next command waits until the text is gone; a choice takes its place.
+    // The next command waits until the text is gone, the modem's own as well; a choice takes its place.
+    offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100", waiting(Menu)) + fetch("012500", Menu));
+    card.respond({}, now);
+    play("", "SET UP MENU");
+    card.respond({}, now);
+    play(respond("012500", "0100"), "end");
     for (const bool choose : {false, true}) {
         offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100", waiting(Text)) + ShowText);
         card.respond({}, now);

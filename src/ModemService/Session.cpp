@@ -183,11 +183,13 @@ int32_t Session::selectMenuItem(int16_t itemId)
         postResponse(current, *response);
     m_transcript.selection(*item);
     m_underWay = true;
+    ++m_selections;
     post([this, card = m_card, itemId] {
         std::optional<TerminalResponse> response;
         {
             // The card may have sent a command before it heard of the choice.
             Guard inner(*this);
+            --m_selections;
             response = closeCurrent();
         }
         if (response)
@@ -482,7 +484,7 @@ void Session::dropCurrent()
 // next word hears that there is none.
 bool Session::isLate(int16_t keyId)
 {
-    if (m_lateKeyId != keyId)
+    if (m_lateKeyId != keyId || isCurrent(keyId))
         return false;
     m_lateKeyId.reset();
     post([this] {
@@ -590,7 +592,8 @@ void Session::handle(CardEvent &event, Lock &lock)
         announce(std::move(*command), lock);
     } else if (std::holds_alternative<SessionEnd>(event)) {
         // The card's main menu alone, at its start, is no session that anybody saw begin.
-        if (m_underWay)
+        // Nor does the end of the session before end the one that the user has just chosen.
+        if (m_underWay && m_selections == 0)
             reportEndOfSession(lock);
         dropCurrent();
     } else if (std::holds_alternative<SessionTimeOut>(event)) {
@@ -654,8 +657,11 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
     lock.unlock();
     m_transcript.deliver();
     lock.lock();
+    const bool isCommand = isCurrent(id);
     holdBack(lock);
-    const MOVA_STKCallback callback = m_commandCallback;
+    // The user may have gone on meanwhile: then the word would be taken for the card's next one.
+    const bool stale = isCommand ? !isCurrent(id) : !timeOut && m_underWay;
+    const MOVA_STKCallback callback = stale ? nullptr : m_commandCallback;
     m_running = Running::CommandCallback;
     lock.unlock();
     if (callback) {
@@ -665,6 +671,11 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
     lock.lock();
     m_running = Running::None;
     m_returned.notify_all();
+}
+
+bool Session::isCurrent(int16_t id) const
+{
+    return m_current && m_current->id == id;
 }
 
 // Waits until no call answers, and none has returned just now.

@@ -124,6 +124,7 @@ private:
     void reportEndOfSession(std::unique_lock<std::mutex> &lock);
     void reportTimeOut(std::unique_lock<std::mutex> &lock);
     void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex> &lock);
+    bool isCurrent(int16_t id) const;
     void holdBack(std::unique_lock<std::mutex> &lock);
     void callDevice(int code, std::unique_lock<std::mutex> &lock);
 
@@ -135,6 +136,7 @@ private:
     MOVA_STKCallback m_commandCallback = nullptr;
     MOVA_DevMgrCallback m_deviceCallback = nullptr;
     Running m_running = Running::None;
+    int m_selections = 0; // that the card has not heard of yet
     int m_answering = 0; // calls under way that answer, on other threads than the session's
     Card::Time m_heldUntil; // since the last one returned
 

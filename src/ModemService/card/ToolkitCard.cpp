@@ -1,6 +1,7 @@
 #include "ToolkitCard.h"
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
 #include <utility>
 
@@ -201,8 +202,16 @@ void ToolkitCard::selectMenuItem(int16_t itemId, Time)
         !m_state.command->response)
         m_state.command->response = endOf(*m_state.command);
     m_state.selection = static_cast<uint8_t>(itemId);
-    if (m_state.envelope && m_state.envelope->selection)
-        m_state.envelope.reset();
+    dropSelection();
+}
+
+// The one that is being sent, and may be waiting for a busy card.
+void ToolkitCard::dropSelection()
+{
+    if (!m_state.envelope || !m_state.envelope->selection)
+        return;
+    m_state.envelope.reset();
+    m_state.busyDelay = milliseconds(0);
 }
 
 void ToolkitCard::respond(const TerminalResponse &response, Time now)
@@ -286,8 +295,7 @@ void ToolkitCard::endSession()
     forgetEvents<SessionEnd>();
     forgetEvents<ProactiveCommand>();
     m_state.selection.reset();
-    if (m_state.envelope && m_state.envelope->selection)
-        m_state.envelope.reset();
+    dropSelection();
     m_state.textShown = false;
     m_state.endHeld = false;
     m_state.held.reset();
@@ -633,8 +641,8 @@ void ToolkitCard::handOut(cat::Command command, Time now)
     }
     m_state.command =
         CommandInProgress{std::move(command), proactive->answerCoding, byUser, now, std::nullopt};
-    // Two windows at a time would be one too many.
-    if (m_state.textShown && byUser)
+    // Two windows at a time would be one too many, and nothing may take the text's place.
+    if (m_state.textShown)
         m_state.held = std::move(*proactive);
     else
         present(std::move(*proactive), now);
@@ -665,32 +673,37 @@ void ToolkitCard::answerByModem(const cat::Command &command, cat::Response respo
 
 void ToolkitCard::sendResponse(Time now)
 {
-    const CommandInProgress current = *m_state.command; // gone with a card that is
-    cat::Response response = *current.response;
+    const cat::Command &command = m_state.command->command;
+    cat::Response &response = *m_state.command->response;
+    const uint8_t qualifier = command.details.qualifier;
     const bool refreshes =
-        isPerformed(response) && std::holds_alternative<cat::Refresh>(current.command.body);
+        isPerformed(response) && std::holds_alternative<cat::Refresh>(command.body);
     // The reset is the answer (clause 6.4.7.1).
-    if (refreshes && current.command.details.qualifier == UiccReset) {
+    if (refreshes && qualifier == UiccReset) {
         resetCard(now);
         return;
     }
-    const auto *inkey = std::get_if<cat::GetInkey>(&current.command.body);
+    const auto *inkey = std::get_if<cat::GetInkey>(&command.body);
     if (inkey && inkey->duration)
-        response.duration = elapsed(*inkey->duration, now - current.since);
+        response.duration = elapsed(*inkey->duration, now - m_state.command->since);
 
     Apdu apdu = toolkitApdu(0x14, 0, 0);
     apdu.data = cat::encode(response);
     apdu.data.resize(std::min(apdu.data.size(), MaxData));
     // The text is the last object, and its first byte the coding.
-    if (isHiddenInput(current.command) && response.text && !response.text->empty())
+    const bool hidden = isHiddenInput(command) && response.text && !response.text->empty();
+    if (hidden)
         apdu.secret = response.text->size() - 1;
     const auto answer = send(std::move(apdu), now);
-    if (!answer || isToBeRepeated(answer->status, now))
+    if (!answer || isToBeRepeated(answer->status, now)) // without an answer the command is gone
         return;
+    if (hidden)
+        explicit_bzero(response.text->data(), response.text->size());
     m_state.command.reset();
+    m_failures = 0;
     m_state.restAt = now + RestTime;
     takeStatus("TERMINAL RESPONSE", answer->status);
-    if (refreshes && current.command.details.qualifier != FileChange)
+    if (refreshes && qualifier != FileChange)
         m_state.step = m_state.isUicc ? Step::SelectUsim : Step::SelectGsm;
 }
 
@@ -804,6 +817,7 @@ void ToolkitCard::checkMenu(Time now)
     if (m_state.menuChecked || now < m_state.restAt)
         return;
     m_state.menuChecked = true;
+    m_failures = 0;
     const std::string &reason = m_state.withoutPin;
     if (!m_state.menuSeen)
         notice("this card has no toolkit menu" + (reason.empty() ? "" : ": " + reason), true);

@@ -116,6 +116,7 @@ private:
     void run(Time now);
     Time nextWork() const;
     void fetch(Time now);
+    void dropSelection();
     void present(ProactiveCommand proactive, Time now);
     void handOut(cat::Command command, Time now);
     void answerByModem(const cat::Command &command, cat::Response response, Time now,

@@ -272,7 +272,6 @@ void ToolkitCard::sendProfile(Time now)
     const auto answer = sendStep(std::move(profile), now);
     if (!answer)
         return;
-    m_failures = 0;
     m_state.profileSent = true;
     m_state.restAt = isDone(answer->status) ? now + RestTime : now; // no menu will come
     m_state.pollAt = now + *m_state.pollInterval;
