@@ -487,11 +487,17 @@ bool toolkitWorks(QWidget *mainWindow)
     STKDialog *const dialog = STKDialog::Instance();
     dialog->ShowStkDlg(mainWindow, area);
     QTest::qWait(50);
-    for (int i = 0; i < 100 && dialog->m_pTableWidget->rowCount() < 2; ++i)
-        dialog->onSTKSetupMenu(); // the modem may refuse its menu, or have an empty one
-    dialog->m_pTableWidget->setCurrentCell(0, 0);
-    for (int i = 0; i < 100 && !dialog->m_pStkThread->isRunning(); ++i)
-        dialog->onButtonClickSelect(); // nor is every choice taken
+    STKTableWidget *const table = dialog->m_pTableWidget;
+    for (int i = 0; i < 100 && !dialog->m_pStkThread->isRunning(); ++i) {
+        // The modem may refuse its menu, or have an empty one, or one with a text that is empty;
+        // nor is every choice taken, and then the menu is another one.
+        if (table->rowCount() == 0 || table->item(0, 0)->text().isEmpty()) {
+            dialog->onSTKSetupMenu();
+            continue;
+        }
+        table->setCurrentCell(0, 0);
+        dialog->onButtonClickSelect();
+    }
     const bool works = dialog->m_pStkThread->isRunning();
     return closeEverything() && works;
 }
