@@ -235,6 +235,7 @@ private slots:
         }
         // A second wait replaces the first one's answer and its time-out.
         dialog->stkWaitforRespond(1000000);
+        QTest::qWait(50); // between the wait's first poll and its second one
         modem.notify(55, 1); // would end the wait at its next poll
         dialog->stkWaitforRespond(1000000);
         QTest::qWait(250);
