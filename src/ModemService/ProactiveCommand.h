@@ -49,6 +49,9 @@ struct DisplayText {
     uint16_t duration = 0; ///< seconds
 };
 
+/// `inputType` of the commands below, as the records have it.
+enum InputType : int32_t { AnyCharacters = 0, YesOrNo = 1, DigitsOnly = 2, Ucs2Characters = 3 };
+
 struct GetInkey {
     static constexpr int32_t Type = MOVA_STKTYPE_GET_INKEY;
     static constexpr const char *Name = "GET INKEY";

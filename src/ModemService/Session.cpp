@@ -11,7 +11,6 @@ using Lock = std::unique_lock<std::mutex>;
 namespace {
 
 constexpr Card::Time Never = Card::Time::max();
-constexpr int32_t YesNo = 1; // input type of a GET INKEY
 
 // A terminal begins to wait for the card's next word when the call that answered has returned, and
 // takes what came before for old.  A card may be quicker than that: so much time the terminal gets.
@@ -474,7 +473,7 @@ void Session::dropCurrent()
     if (!m_current)
         return;
     const auto *inkey = std::get_if<GetInkey>(&m_current->command.body);
-    if (m_current->open && inkey && inkey->inputType == YesNo)
+    if (m_current->open && inkey && inkey->inputType == YesOrNo)
         m_lateKeyId = m_current->id;
     m_current.reset();
 }

@@ -23,9 +23,6 @@ constexpr uint8_t YesNo = 0x04; // GET INKEY
 constexpr uint8_t HiddenInput = 0x04; // GET INPUT
 constexpr uint8_t PackedInput = 0x08; // GET INPUT
 
-// Kinds of input of the records.
-enum InputType : int32_t { AnyCharacters = 0, YesOrNo = 1, Digits = 2, Ucs2Characters = 3 };
-
 CommandText text(const std::string &utf8)
 {
     return {utf8, false};
@@ -50,7 +47,7 @@ uint16_t secondsRoundedUp(milliseconds time)
 InputType alphabet(const cat::Command &command)
 {
     if (!has(command, AlphabetSet))
-        return Digits;
+        return DigitsOnly;
     return has(command, Ucs2Alphabet) ? Ucs2Characters : AnyCharacters;
 }
 

@@ -198,7 +198,7 @@ void ToolkitCard::selectMenuItem(int16_t itemId, Time)
     m_state.endHeld = false;
     forgetEvents<SessionEnd>(); // of the session before
     // A command that nobody was told of is not what the user has chosen.
-    if (m_state.command && m_state.command->answeredByUser && forgetEvents<ProactiveCommand>() &&
+    if (m_state.command && !m_state.command->modemAnswer && forgetEvents<ProactiveCommand>() &&
         !m_state.command->response)
         m_state.command->response = endOf(*m_state.command);
     m_state.selection = static_cast<uint8_t>(itemId);
@@ -236,40 +236,9 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
     }
 
     CommandInProgress &current = *m_state.command;
-    cat::Response answer = responseWith(current.command, cat::Result::Performed);
-    switch (response.result) {
-    case Result::Performed:
-        if (response.item)
-            answer.item = static_cast<uint8_t>(*response.item);
-        if (response.text) {
-            answer.text = enteredText(current.command, *response.text, current.answerCoding);
-            if (!answer.text)
-                answer = unable(current.command, cat::NoSpecificCause);
-        }
-        break;
-    case Result::BackwardMove:
-        answer = responseWith(current.command, cat::Result::BackwardMove);
-        break;
-    case Result::Cancelled:
-    case Result::Terminated:
-        answer = responseWith(current.command, cat::Result::TerminatedByUser);
-        break;
-    case Result::NotSupported:
-        answer = responseWith(current.command, cat::Result::BeyondCapabilities);
-        break;
-    case Result::NoResponse:
-        answer = responseWith(current.command, cat::Result::NoResponseFromUser);
-        m_state.endQuietly = true;
-        break;
-    case Result::Unable:
-        answer = unable(current.command, cat::NoService);
-        break;
-    case Result::Other:
-        answer = unable(current.command, cat::NoSpecificCause);
-        break;
-    }
-    current.response = std::move(answer);
-    if (!current.answeredByUser || !fromUser)
+    current.response = responseTo(current, response);
+    m_state.endQuietly |= !fromUser;
+    if (current.modemAnswer || !fromUser)
         return;
     if (isUsersAct(response, waitsForUser(current.command)))
         userActed();
@@ -278,16 +247,44 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
         m_state.chain = 0;
 }
 
+cat::Response ToolkitCard::responseTo(const CommandInProgress &current,
+                                      const TerminalResponse &answer)
+{
+    using Result = TerminalResponse::Result;
+    switch (answer.result) {
+    case Result::Performed: {
+        cat::Response response = responseWith(current.command, cat::Result::Performed);
+        if (answer.item)
+            response.item = static_cast<uint8_t>(*answer.item);
+        if (answer.text)
+            response.text = enteredText(current.command, *answer.text, current.answerCoding);
+        if (answer.text && !response.text)
+            break;
+        return response;
+    }
+    case Result::BackwardMove:
+        return responseWith(current.command, cat::Result::BackwardMove);
+    case Result::Cancelled:
+    case Result::Terminated:
+        return responseWith(current.command, cat::Result::TerminatedByUser);
+    case Result::NotSupported:
+        return responseWith(current.command, cat::Result::BeyondCapabilities);
+    case Result::NoResponse:
+        return responseWith(current.command, cat::Result::NoResponseFromUser);
+    case Result::Unable:
+        return unable(current.command, cat::NoService);
+    case Result::Other:
+        break;
+    }
+    return unable(current.command, cat::NoSpecificCause);
+}
+
 // What the card is told of a command that nobody will answer any more: what the modem was to say,
 // or that the user ended it.
 cat::Response ToolkitCard::endOf(const CommandInProgress &current)
 {
-    const cat::Body &body = current.command.body;
-    if (current.answeredByUser)
-        return responseWith(current.command, cat::Result::TerminatedByUser);
-    if (std::holds_alternative<cat::SetUpMenu>(body) || std::holds_alternative<cat::Refresh>(body))
-        return responseWith(current.command, cat::Result::Performed);
-    return unable(current.command, cat::NoService);
+    const TerminalResponse ended{TerminalResponse::Result::Terminated};
+    return responseTo(current, current.modemAnswer.value_or(ended));
 }
 
 void ToolkitCard::endSession()
@@ -630,8 +627,8 @@ void ToolkitCard::handOut(cat::Command command, Time now)
     const bool byUser = !isAnsweredByModem(proactive->body);
     if (std::exchange(m_state.unwanted, false) && byUser) {
         cat::Response ended = responseWith(command, cat::Result::TerminatedByUser);
-        m_state.command =
-            CommandInProgress{std::move(command), std::nullopt, false, now, std::move(ended)};
+        m_state.command = CommandInProgress{std::move(command), std::nullopt, TerminalResponse(),
+                                            now, std::move(ended)};
         return;
     }
     if (std::holds_alternative<cat::SetUpMenu>(command.body)) {
@@ -639,8 +636,10 @@ void ToolkitCard::handOut(cat::Command command, Time now)
             notice("the toolkit menu came late", false);
         m_state.menuSeen = true;
     }
-    m_state.command =
-        CommandInProgress{std::move(command), proactive->answerCoding, byUser, now, std::nullopt};
+    m_state.command = CommandInProgress{std::move(command), proactive->answerCoding, std::nullopt,
+                                        now, std::nullopt};
+    if (!byUser)
+        m_state.command->modemAnswer = proactive->modemAnswer;
     // Two windows at a time would be one too many, and nothing may take the text's place.
     if (m_state.textShown)
         m_state.held = std::move(*proactive);
@@ -668,7 +667,8 @@ void ToolkitCard::answerByModem(const cat::Command &command, cat::Response respo
 {
     m_listener.answeredByModem(command.name + (details.empty() ? "" : " (" + details + ')'),
                                resultInWords(response));
-    m_state.command = CommandInProgress{command, std::nullopt, false, now, std::move(response)};
+    m_state.command =
+        CommandInProgress{command, std::nullopt, TerminalResponse(), now, std::move(response)};
 }
 
 void ToolkitCard::sendResponse(Time now)

@@ -72,7 +72,7 @@ private:
     struct CommandInProgress {
         cat::Command command;
         std::optional<cat::TextCoding> answerCoding;
-        bool answeredByUser = false;
+        std::optional<TerminalResponse> modemAnswer; // nothing: the user answers
         Time since;
         std::optional<cat::Response> response; // ready to be sent
     };
@@ -135,6 +135,8 @@ private:
     void checkMenu(Time now);
     void takeStatus(const char *what, uint16_t status);
     void endOfSession();
+    static cat::Response responseTo(const CommandInProgress &current,
+                                    const TerminalResponse &answer);
     static cat::Response endOf(const CommandInProgress &current);
 
     std::optional<ApduAnswer> send(Apdu command, Time now);
