@@ -43,14 +43,17 @@ private slots:
         row({"--card="}, "option --card needs a CARD");
         row({"--card", "pcsc:"}, "option --card pcsc: needs the start of a reader's name");
         row({"--apdu-log="}, "option --apdu-log needs a FILE");
-        row({"--apdu-log", "/absent/x"}, "/absent/x: cannot write the capture: No such file or directory");
+        row({"--apdu-log", "/absent/x"},
+            "/absent/x: cannot write the capture: No such file or directory");
         row({"--apdu-log", "/dev"}, "/dev: cannot write the capture: Is a directory");
         row({"--version", "demo.json"}, "unexpected argument \"demo.json\"");
-        const QString nothing = "there is no display, and so nothing to do: expected --walkthrough .*";
+        const QString nothing =
+            "there is no display, and so nothing to do: expected --walkthrough .*";
         row({}, nothing);
         row({"--card", "pcsc"}, nothing);
         row({"demo.json"}, "unexpected argument \"demo.json\"");
-        row({"--language", "tlh"}, "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
+        row({"--language", "tlh"},
+            "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
         row({"--card", "/absent.json"}, "/absent.json: no such card scenario");
         row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
             ".*/bad.json: step 1: \"open\": expected true, found 1");
@@ -58,17 +61,22 @@ private slots:
         const QString broken = write("broken.json", "{\"menu\": 5}");
         row({"--card", broken, "--walkthrough", quit}, "/.*/broken.json: .*");
         row({"--card", broken}, "/.*/broken.json: .*");
-        row({"--trace", "/absent/x"}, "/absent/x: cannot write the trace: No such file or directory");
-        row({"--transcript", "/absent/x"}, "/absent/x: cannot write the transcript: No such file or directory");
+        row({"--trace", "/absent/x"},
+            "/absent/x: cannot write the trace: No such file or directory");
+        row({"--transcript", "/absent/x"},
+            "/absent/x: cannot write the transcript: No such file or directory");
         const QString full = "/dev/full: cannot write the %1: No space left on device";
         for (const char *kind : {"trace", "transcript"})
-            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, QString("--") + kind, "/dev/full"},
+            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, QString("--") + kind,
+                 "/dev/full"},
                 full.arg(kind), 0);
-        row({"--screenshots", "/dev/null/x"}, "/dev/null/x: cannot make this folder for the pictures");
+        row({"--screenshots", "/dev/null/x"},
+            "/dev/null/x: cannot make this folder for the pictures");
 
         write("text/STKPlugin/libSTKPlugin.so", QByteArray("no library\n").repeated(1000));
         const auto plugin = [&](const QString &folder, const QString &error) {
-            row({"--plugins", folder}, "cannot load the SIM toolkit plug-in .*/STKPlugin/libSTKPlugin.so: " + error);
+            row({"--plugins", folder},
+                "cannot load the SIM toolkit plug-in .*/STKPlugin/libSTKPlugin.so: " + error);
         };
         plugin("/absent", "no such file");
         plugin(m_folder.filePath("text"), ".*(invalid ELF header|not a valid).*");
@@ -76,7 +84,8 @@ private slots:
         plugin(STK_TEST_PLUGINS "/NewerQt", otherQt.arg("5\\.99\\.0"));
         plugin(STK_TEST_PLUGINS "/OlderQt", otherQt.arg("4\\.8\\.7"));
         plugin(STK_TEST_PLUGINS "/NoVerification", "it has no verification data of a plug-in");
-        plugin(STK_TEST_PLUGINS "/NoInterfaces", "it is no user-interface plug-in of this application");
+        plugin(STK_TEST_PLUGINS "/NoInterfaces",
+               "it is no user-interface plug-in of this application");
     }
 
     void complainsInOneLine()
@@ -86,21 +95,24 @@ private slots:
         const Run result = run(arguments);
         QTEST(result.status, "status");
         const QRegularExpression whole("^ConnectionManager: " + error + '$'); // no line break fits
-        QVERIFY2(whole.match(result.errors.join('\n')).hasMatch(), qPrintable(result.errors.join(" | ")));
+        QVERIFY2(whole.match(result.errors.join('\n')).hasMatch(),
+                 qPrintable(result.errors.join(" | ")));
     }
 
     void needsDisplay()
     {
         const Run result = run({}, "xcb");
         QCOMPARE(result.status, 2);
-        QCOMPARE(result.errors, QStringList("ConnectionManager: no display: could not connect to display :4711"));
+        QCOMPARE(result.errors,
+                 QStringList("ConnectionManager: no display: could not connect to display :4711"));
         QCOMPARE(run({"--help"}, "xcb").status, 0);
     }
 
     void plays_data()
     {
         QTest::addColumn<QStringList>("errors");
-        const char *const refused = "OpenUrl: refused \"tel:+800100200\": only http and https are opened";
+        const char *const refused =
+            "OpenUrl: refused \"tel:+800100200\": only http and https are opened";
         QTest::newRow("demo") << QStringList();
         QTest::newRow("every-command") << QStringList(refused);
     }
@@ -110,14 +122,15 @@ private slots:
         QFETCH(QStringList, errors);
         const QString scenario = Source + "/cards/" + QTest::currentDataTag();
         const QString pictures = m_folder.filePath("new/") + QTest::currentDataTag();
-        const QString transcript = m_folder.filePath("transcript"), trace = m_folder.filePath("trace");
+        const QString transcript = m_folder.filePath("transcript"),
+                      trace = m_folder.filePath("trace");
         QStringList arguments{"--card",        scenario + ".json",
                               "--walkthrough", scenario + ".walkthrough.json",
                               "--screenshots", pictures,
                               "--transcript",  transcript,
                               "--language",    "en"};
-        // Two threads that write a trace wait for each other, and the verdict on a command that was not
-        // handled may then come before it is asked for; every-command expects it behind.
+        // Two threads that write a trace wait for each other, and the verdict on a command that was
+        // not handled may then come before it is asked for; every-command expects it behind.
         const bool traced = QTest::currentDataTag() == QString("demo");
         if (traced)
             arguments << "--trace" << trace;
@@ -126,7 +139,8 @@ private slots:
         // Where there is no audio device, tones are not heard; that is no fault.
         static const QRegularExpression sound("^(Cannot play |PulseAudioService: |ALSA lib )");
         QStringList seen = result.errors;
-        seen.erase(std::remove_if(seen.begin(), seen.end(), [](auto &line) { return line.contains(sound); }),
+        seen.erase(std::remove_if(seen.begin(), seen.end(),
+                                  [](auto &line) { return line.contains(sound); }),
                    seen.end());
         QCOMPARE(seen, errors);
 
@@ -138,7 +152,8 @@ private slots:
         QVERIFY(lines.size() > 10);
         for (const QByteArray &line : lines)
             QVERIFY2(!QJsonDocument::fromJson(line).object().isEmpty(), line);
-        QVERIFY(!traced || read(trace).contains("\n../../src/STKPlugin/STKPlugin: UnSDKRegisterEvent exit\n"));
+        QVERIFY(!traced ||
+                read(trace).contains("\n../../src/STKPlugin/STKPlugin: UnSDKRegisterEvent exit\n"));
     }
 
     void endsWalkthrough_data();
@@ -152,8 +167,8 @@ private:
         environment.insert("QT_QPA_PLATFORM", platform);
         environment.insert("DISPLAY", ":4711");
         environment.insert("XDG_RUNTIME_DIR", m_folder.path());
-        // The host unloads the plug-in, so that a leak checker could no longer name what the plug-in
-        // keeps on purpose; the plug-in's own tests check for leaks.
+        // The host unloads the plug-in, so that a leak checker could no longer name what the
+        // plug-in keeps on purpose; the plug-in's own tests check for leaks.
         environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
         process.setProcessEnvironment(environment);
         process.start(STK_BIN_DIR "/ConnectionManager", arguments);
@@ -180,9 +195,11 @@ void EndToEnd::endsWalkthrough_data()
 {
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QString>("error"); // of the last step; empty when all of them succeed
-    const auto row = [](const QString &steps, const char *step, const char *value, const QString &error) {
-        QTest::newRow(step + QByteArray(value)) << QString("%1{\"%2\":%3,\"within\":50}").arg(steps, step, value)
-                                                << QString("(%1): expected ").arg(step) + error;
+    const auto row = [](const QString &steps, const char *step, const char *value,
+                        const QString &error) {
+        QTest::newRow(step + QByteArray(value))
+            << QString("%1{\"%2\":%3,\"within\":50}").arg(steps, step, value)
+            << QString("(%1): expected ").arg(step) + error;
     };
     const QString open = R"({"open":true},{"expectMenu":{"title":"T","back":false}},)";
     row(open, "expectMenu", R"({"title":"X"})", R"({"title":"X"}, seen {"title":"T"})");
@@ -194,35 +211,42 @@ void EndToEnd::endsWalkthrough_data()
     const QString removed = R"({"modem":"removed"},{"wait":300},)";
     row(removed, "open", "true", "a modem with a toolkit, seen the SIM toolkit button is disabled");
 
-    const QString box = R"({"send":{"command":"displayText","text":"x"}},{"expectMessage":{"text":"x"}},)";
+    const QString box =
+        R"({"send":{"command":"displayText","text":"x"}},{"expectMessage":{"text":"x"}},)";
     row(open, "expectMessage", R"({"text":"x"})", R"({"text":"x"}, seen no message box on top)");
-    row(box, "expectMessage", R"({"buttons":["OK"]})", R"({"buttons":["OK"]}, seen {"buttons":["Cancel","OK"]})");
-    row(box, "expectMessage", "false", R"(no message box, seen {"buttons":["Cancel","OK"],"text":"x"})");
+    row(box, "expectMessage", R"({"buttons":["OK"]})",
+        R"({"buttons":["OK"]}, seen {"buttons":["Cancel","OK"]})");
+    row(box, "expectMessage", "false",
+        R"(no message box, seen {"buttons":["Cancel","OK"],"text":"x"})");
     row(box, "expectCountdown", "3", "a message box that counts 3, seen no countdown");
     row(box, "press", "\"Yes\"", "an enabled Yes button, seen no such button in the window on top");
     row(box, "type", "\"1\"", "an input window to type in, seen none on top");
     row(open, "closeBox", "true", "a message box or input window to close, seen none on top");
-    const QString input = R"({"send":{"command":"getInput","text":"p"}},{"expectInput":{"ok":false}},)";
+    const QString input =
+        R"({"send":{"command":"getInput","text":"p"}},{"expectInput":{"ok":false}},)";
     const QString shown = R"({"hidden":%1,"prompt":"p"})";
-    row(input, "expectInput", qPrintable(shown.arg("true")), shown.arg("true") + ", seen " + shown.arg("false"));
+    row(input, "expectInput", qPrintable(shown.arg("true")),
+        shown.arg("true") + ", seen " + shown.arg("false"));
     row(input, "press", "\"OK\"", "an enabled OK button, seen the button is disabled");
 
     const QString send = R"({"send":{"command":%1}},{"expectResponse":{"value":%2}},)";
     row(open + send.arg(R"("playTone","tone":16)", "1"), "expectTone", "8", "tone 8, seen tone_16");
     const QString browser = send.arg(R"("launchBrowser","url":"http://a.example/")", "1");
-    row(browser, "expectUrl", "\"http://b.example/\"", "the address http://b.example/, seen http://a.example/");
+    row(browser, "expectUrl", "\"http://b.example/\"",
+        "the address http://b.example/, seen http://a.example/");
     row(browser, "expectUrl", "false", "no address for the browser, seen http://a.example/");
     row(browser, "expectResponse", R"({"value":1})", R"({"value":1}, seen none)");
-    row(R"({"send":{"command":"setUpCall"}},{"expectResponse":{"event":"command"}},{"wait":200},)", "expectResponse",
-        "false",
+    row(R"({"send":{"command":"setUpCall"}},{"expectResponse":{"event":"command"}},{"wait":200},)",
+        "expectResponse", "false",
         R"(no answer to the card, seen {"by":"MOVA_STKSrv_SendNoDataResponse","command":"SET UP CALL",)"
         R"("event":"response","id":2,"result":"notSupported","value":4})");
 
     // The end of the application while the toolkit is in the middle of something.
     const QString closed = R"({"close":true},{"expectClosed":true},)";
     for (const QString &steps :
-         {QString(), open, open + R"({"select":"a"},{"expectBusy":true},)", open + R"({"modem":"removed"},)",
-          open + closed, open + closed + open + R"({"escape":true},{"expectClosed":true},)"})
+         {QString(), open, open + R"({"select":"a"},{"expectBusy":true},)",
+          open + R"({"modem":"removed"},)", open + closed,
+          open + closed + open + R"({"escape":true},{"expectClosed":true},)"})
         QTest::newRow(qPrintable(steps)) << steps + R"({"quit":true})" << QString();
 }
 
@@ -236,8 +260,9 @@ void EndToEnd::endsWalkthrough()
     const QString walkthrough = write("walkthrough.json", ('[' + ready + steps + ']').toUtf8());
     const Run result = run({"--card", card, "--walkthrough", walkthrough, "--language", "en"});
     QCOMPARE(result.status, error.isEmpty() ? 0 : 1);
-    const QRegularExpression whole('^' + QRegularExpression::escape("ConnectionManager: " + walkthrough + ": step ") +
-                                   "\\d+ " + QRegularExpression::escape(error) + '$');
+    const QRegularExpression whole(
+        '^' + QRegularExpression::escape("ConnectionManager: " + walkthrough + ": step ") +
+        "\\d+ " + QRegularExpression::escape(error) + '$');
     const QString line = result.errors.isEmpty() ? QString() : result.errors.last();
     QVERIFY2(error.isEmpty() ? line.isEmpty() : whole.match(line).hasMatch(), qPrintable(line));
 }

@@ -1,4 +1,5 @@
-// Cards that come, go and do not answer, in the readers of a real daemon: run by tests/reader/with-pcscd.
+// Cards that come, go and do not answer, in the readers of a real daemon: run by
+// tests/reader/with-pcscd.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -34,8 +35,9 @@ bool noticed(const std::string &part, std::chrono::milliseconds most = 10s)
 {
     std::unique_lock<std::mutex> lock(theMutex);
     return theChange.wait_for(lock, most, [&] {
-        return std::any_of(theNotices.begin(), theNotices.end(),
-                           [&](const std::string &text) { return text.find(part) != std::string::npos; });
+        return std::any_of(theNotices.begin(), theNotices.end(), [&](const std::string &text) {
+            return text.find(part) != std::string::npos;
+        });
     });
 }
 
@@ -72,8 +74,8 @@ protected:
         EXPECT_TRUE(calls.next(Ready, 10s));
     }
 
-    // Plays the card to the end of its menu's first item, and tells what ended it: the session's end,
-    // the removal, or nothing within the patience.
+    // Plays the card to the end of its menu's first item, and tells what ended it: the session's
+    // end, the removal, or nothing within the patience.
     std::optional<ServiceCall> live(std::chrono::milliseconds patience)
     {
         std::optional<ServiceCall> call;
@@ -116,7 +118,8 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
 }
 
 // A fault, and the command at which the card has it.
-class MisbehavingCard : public ReaderTest, public testing::WithParamInterface<std::tuple<std::string, int>> { };
+class MisbehavingCard : public ReaderTest,
+                        public testing::WithParamInterface<std::tuple<std::string, int>> { };
 
 TEST_P(MisbehavingCard, canBeUsedAfterwards)
 {
@@ -142,10 +145,11 @@ TEST_P(MisbehavingCard, canBeUsedAfterwards)
     EXPECT_TRUE(status == 0 || (status == 1 && !isHarmless)) << status;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Faults, MisbehavingCard,
-    testing::Combine(testing::Values("slow", "cut", "wrongLength", "6F00", "9300", "garbage", "endless"),
-                     testing::Values(AtUsim, AtProfile, AtFetch, AtResponse, AtSelection, AtAnswer)));
+INSTANTIATE_TEST_SUITE_P(Faults, MisbehavingCard,
+                         testing::Combine(testing::Values("slow", "cut", "wrongLength", "6F00",
+                                                          "9300", "garbage", "endless"),
+                                          testing::Values(AtUsim, AtProfile, AtFetch, AtResponse,
+                                                          AtSelection, AtAnswer)));
 
 TEST_F(ReaderTest, isPulledOutWhileTheUserReads)
 {
@@ -225,4 +229,5 @@ using State = CardHost::Reader::State;
 INSTANTIATE_TEST_SUITE_P(Cards, UselessCard,
                          testing::Values(Useless{"bank.json", "no SIM application", State::Card, 4},
                                          Useless{"mute.json", "does not answer", State::Mute, 0},
-                                         Useless{"no-toolkit.json", "this card has no toolkit menu", State::Card, 99}));
+                                         Useless{"no-toolkit.json", "this card has no toolkit menu",
+                                                 State::Card, 99}));

@@ -35,13 +35,14 @@ void SoundEndToEnd::initTestCase()
     qputenv("ALSA_CONFIG_PATH", "/dev/null");
     // With the format of the files, so that the samples stay as they are.
     m_server.start("pulseaudio",
-                   {"-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--disable-shm=yes", "-L",
-                    "module-null-sink rate=48000 channels=1", "-L",
+                   {"-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+                    "--disable-shm=yes", "-L", "module-null-sink rate=48000 channels=1", "-L",
                     "module-native-protocol-unix auth-anonymous=1 socket=" + socket});
     if (!m_server.waitForStarted() || !QTest::qWaitFor([&] { return QFile::exists(socket); }))
         QSKIP(qPrintable("No sound server runs here: " + m_server.errorString() +
                          QString::fromLocal8Bit(m_server.readAllStandardError())));
-    const QStringList format = {"--raw", "--latency-msec=10", "--format=s16le", "--rate=48000", "--channels=1"};
+    const QStringList format = {"--raw", "--latency-msec=10", "--format=s16le", "--rate=48000",
+                                "--channels=1"};
     // Without a stream that is in a hurry the null sink works in steps of two seconds.
     m_silence.start("pacat", format + QStringList("/dev/zero"));
     m_recorder.start("parec", format + QStringList("--device=null.monitor"));
@@ -84,7 +85,8 @@ void SoundEndToEnd::playsTones()
         QVERIFY(!sound->IsPlaying());
     }
     QVERIFY(QTest::qWaitFor([this] {
-        const QByteArray bytes = m_recorder.bytesAvailable() < 4800 ? "" : m_recorder.readAllStandardOutput();
+        const QByteArray bytes =
+            m_recorder.bytesAvailable() < 4800 ? "" : m_recorder.readAllStandardOutput();
         return !bytes.isEmpty() && bytes.count('\0') == bytes.size();
     }));
     QCOMPARE(finished, toItsEnd ? 1 : 0);

@@ -48,16 +48,19 @@ const CommandCase Good[] = {
     {"12 00", "8A 08 0F AA 51 4C 36 A3 8D 1A", R"({"alpha":"","code":"*#1234#"})"},
     // SMS-SUBMIT: no validity period and 8 bit; relative and packed; absolute and a header before
     // packed text; alphanumeric address and UCS-2; a command; one that is cut off.
-    {"13 00", "8B 0B 01 00 03 91 21 F3 00 F4 02 48 69", R"({"alpha":"","address":"+123","message":"Hi"})"},
+    {"13 00", "8B 0B 01 00 03 91 21 F3 00 F4 02 48 69",
+     R"({"alpha":"","address":"+123","message":"Hi"})"},
     {"13 00", "8B 0F 11 00 03 81 21 F3 00 00 A7 05 C8 32 9B FD 06",
      R"({"alpha":"","address":"123","message":"Hello"})"},
     {"13 00", "8B 16 59 00 01 81 F1 00 00 01 02 03 04 05 06 07 07 03 05 01 07 40 CA 00",
      R"({"alpha":"","address":"1","message":"H2"})"},
-    {"13 00", "8B 0C 01 00 04 D0 C8 34 00 08 02 00 41 FF", R"({"alpha":"","address":"Hi","message":"A"})"},
+    {"13 00", "8B 0C 01 00 04 D0 C8 34 00 08 02 00 41 FF",
+     R"({"alpha":"","address":"Hi","message":"A"})"},
     {"13 00", "8B 05 02 00 00 00 00", R"({"alpha":"","address":"","message":""})"},
     {"13 00", "8B 05 01 00 13 91 21", R"({"alpha":"","address":"","message":""})"},
     {"15 03", "31 05 61 5F 40 00 80 05 01 42", R"({"alpha":"B","url":"a_@\ufffd\ufffd"})"},
-    {"20 00", "85 00 8E 01 11 84 02 02 05", R"({"alpha":"","tone":17,"duration":{"unit":"tenths","interval":5}})"},
+    {"20 00", "85 00 8E 01 11 84 02 02 05",
+     R"({"alpha":"","tone":17,"duration":{"unit":"tenths","interval":5}})"},
     {"20 00", "", R"({"alpha":""})"},
     {"21 80", "8D 03 04 48 69 AB 00 84 02 01 0A",
      R"({"text":"Hi","immediate":true,"duration":{"unit":"seconds","interval":10}})"},
@@ -75,7 +78,8 @@ const CommandCase Good[] = {
     {"35 01", "AD 02 73 65", R"({"language":"se"})"},
     {"35 00", "", R"({"language":""})"},
     // Known, and no matter: text attributes, frame, next actions, icon list; unknown, and optional.
-    {"21 80", "8D 02 04 41 D0 04 00 10 00 B4 E8 01 00 98 00 9F 01 00 D1 00", R"({"text":"A","immediate":false})"},
+    {"21 80", "8D 02 04 41 D0 04 00 10 00 B4 E8 01 00 98 00 9F 01 00 D1 00",
+     R"({"text":"A","immediate":false})"},
     {"21 80", "58 01 00 7F 12 34 01 FF 8D 02 04 41", R"({"text":"A","immediate":false})"},
     // Optional and malformed: passed over.
     {"21 80", "8D 02 04 41 04 01 01", R"({"text":"A","immediate":false})"},
@@ -93,10 +97,11 @@ const CommandCase Refused[] = {
     {"21 80", "8D 02 04 41 8D", "at byte 15: runs past", Problem::DataNotUnderstood},
     {"21 80", "8D 02 04 41 7F 92", "at byte 15: runs past", Problem::DataNotUnderstood},
     {"21 80", "8D 83 00 00 01 04", "at byte 11: runs past", Problem::DataNotUnderstood},
-    {"28 00", "8D 00 9E 02 01 01", "icon identifier (clause 8.31) at byte 13", Problem::DataNotUnderstood},
-    {"11 00", "89 02 91 21 9E 02 01 01", "icon", Problem::DataNotUnderstood},
-    {"10 00", "85 01 41 86 02 91 21 85 00 9E 02 01 01 9E 02 01 02", "icon identifier (clause 8.31) at byte 24",
+    {"28 00", "8D 00 9E 02 01 01", "icon identifier (clause 8.31) at byte 13",
      Problem::DataNotUnderstood},
+    {"11 00", "89 02 91 21 9E 02 01 01", "icon", Problem::DataNotUnderstood},
+    {"10 00", "85 01 41 86 02 91 21 85 00 9E 02 01 01 9E 02 01 02",
+     "icon identifier (clause 8.31) at byte 24", Problem::DataNotUnderstood},
     {"22 00", "", "text string", Problem::ValuesMissing},
     {"23 00", "8D 00", "response length", Problem::ValuesMissing},
     {"23 00", "8D 00 91 01 05", "response length", Problem::DataNotUnderstood},
@@ -157,7 +162,8 @@ TEST(Cat, RefusesWhatIsCutOff)
             const cat::Bytes cut(whole.begin(), whole.begin() + long(size));
             const cat::Command command = cat::decode(cut);
             EXPECT_EQ(command.problem, Problem::DataNotUnderstood) << toHex(cut);
-            EXPECT_EQ(toHex(command.details.object), size < 7 ? "8103000000" : toHex(whole).substr(4, 10))
+            EXPECT_EQ(toHex(command.details.object),
+                      size < 7 ? "8103000000" : toHex(whole).substr(4, 10))
                 << toHex(cut);
         }
     }
@@ -329,7 +335,8 @@ namespace {
 // What the bridge made of a command, as far as it decides anything.
 std::string bridged(const CommandCase &row)
 {
-    const auto command = toProactiveCommand(cat::decode(proactive(row.typeAndQualifier, row.objects)));
+    const auto command =
+        toProactiveCommand(cat::decode(proactive(row.typeAndQualifier, row.objects)));
     if (!command)
         return "-";
     std::ostringstream out;
@@ -337,10 +344,12 @@ std::string bridged(const CommandCase &row)
     if (const auto *text = std::get_if<DisplayText>(&command->body))
         out << ' ' << text->text.utf8 << " clear " << text->clearMode << ' ' << text->duration;
     if (const auto *inkey = std::get_if<GetInkey>(&command->body))
-        out << " type " << inkey->inputType << " option " << inkey->option << ' ' << inkey->duration;
+        out << " type " << inkey->inputType << " option " << inkey->option << ' '
+            << inkey->duration;
     if (const auto *input = std::get_if<GetInput>(&command->body))
-        out << " type " << input->inputType << " echo " << input->echo << " option " << input->option << ' '
-            << input->minLength << '-' << input->maxLength << ' ' << input->defaultText.utf8;
+        out << " type " << input->inputType << " echo " << input->echo << " option "
+            << input->option << ' ' << input->minLength << '-' << input->maxLength << ' '
+            << input->defaultText.utf8;
     if (const auto *tone = std::get_if<PlayTone>(&command->body))
         out << ' ' << tone->text.utf8 << " tone " << tone->tone << ' ' << tone->duration;
     if (const auto *call = std::get_if<SetUpCall>(&command->body))
@@ -386,16 +395,20 @@ TEST(Cat, BridgesCommandsToTheSession)
         {"22 03", "8D 00 84 02 00 02", "GET INKEY: type 3 option 0 0 coding 8 within 120000"},
         {"22 04", "8D 00 84 02 01 41", "GET INKEY: type 1 option 0 65250 coding 4 within 65000"},
         {"22 07", "8D 00 84 02 01 00", "GET INKEY: type 1 option 0 0 coding 4 within 120000"},
-        {"23 00", "8D 00 91 02 01 05", "GET INPUT: type 2 echo 1 option 0 1-5  coding 4 within 120000"},
-        {"23 8D", "8D 00 91 02 00 FF 97 02 04 41", "GET INPUT: type 0 echo 0 option 1 0-255 A coding 0 within 120000"},
-        {"23 03", "8D 00 91 02 00 0A", "GET INPUT: type 3 echo 1 option 0 0-10  coding 8 within 120000"},
+        {"23 00", "8D 00 91 02 01 05",
+         "GET INPUT: type 2 echo 1 option 0 1-5  coding 4 within 120000"},
+        {"23 8D", "8D 00 91 02 00 FF 97 02 04 41",
+         "GET INPUT: type 0 echo 0 option 1 0-255 A coding 0 within 120000"},
+        {"23 03", "8D 00 91 02 00 0A",
+         "GET INPUT: type 3 echo 1 option 0 0-10  coding 8 within 120000"},
         {"20 00", "85 01 41", "PLAY TONE: A tone 16 1 within 61000"},
         {"20 00", "8E 01 05 84 02 00 01", "PLAY TONE:  tone 5 60 within 120000"},
         {"10 00", "85 00 86 02 91 21 85 01 42", "SET UP CALL: B +12 within 120000"},
         {"10 00", "85 01 41 86 02 81 21 85 01 42", "SET UP CALL: A 12 within 120000"},
         {"15 03", "31 01 61", "LAUNCH BROWSER: a mode 3 within 120000"},
         {"01 01", "92 03 01 3F 00", "REFRESH: 1 013F00 ok"},
-        {"13 00", "85 01 41 8B 0B 01 00 03 91 21 F3 00 F4 02 48 69", "SEND SHORT MESSAGE: A +123 Hi unable"},
+        {"13 00", "85 01 41 8B 0B 01 00 03 91 21 F3 00 F4 02 48 69",
+         "SEND SHORT MESSAGE: A +123 Hi unable"},
         {"11 00", "85 01 41 89 02 91 2A", "SEND SS: A *2 unable"},
         {"12 00", "85 01 41 8A 02 04 42", "SEND USSD: A B unable"},
         {"28 00", "8D 02 04 41", "SET UP IDLE MODE TEXT: A within 120000"},

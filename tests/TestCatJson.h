@@ -72,7 +72,10 @@ struct Fields {
     }
     Json operator()(const cat::GetInput &c) const
     {
-        return {{"text", c.text}, {"min", c.minLength}, {"max", c.maxLength}, {"default", c.defaultText}};
+        return {{"text", c.text},
+                {"min", c.minLength},
+                {"max", c.maxLength},
+                {"default", c.defaultText}};
     }
     Json operator()(const cat::PlayTone &c) const
     {
@@ -100,9 +103,15 @@ struct Fields {
     {
         return {{"alpha", c.alpha}, {"address", c.address}, {"message", c.message}};
     }
-    Json operator()(const cat::LaunchBrowser &c) const { return {{"alpha", c.alpha}, {"url", c.url}}; }
+    Json operator()(const cat::LaunchBrowser &c) const
+    {
+        return {{"alpha", c.alpha}, {"url", c.url}};
+    }
     Json operator()(const cat::Refresh &c) const { return {{"files", toHex(c.files)}}; }
-    Json operator()(const cat::PollInterval &c) const { return {{"duration", duration(c.duration)}}; }
+    Json operator()(const cat::PollInterval &c) const
+    {
+        return {{"duration", duration(c.duration)}};
+    }
     Json operator()(const cat::TimerManagement &c) const
     {
         Json json{{"timer", c.timer}};

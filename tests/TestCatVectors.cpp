@@ -11,14 +11,15 @@
 #include "card/CommandBridge.h"
 #include "cat/Response.h"
 
-// The conformance sequences of 3GPP TS 31.124 in the folder that STK_CONFORMANCE_VECTORS names: what
-// an independent decoder finds in proactive commands, and terminal responses byte for byte.
+// The conformance sequences of 3GPP TS 31.124 in the folder that STK_CONFORMANCE_VECTORS names:
+// what an independent decoder finds in proactive commands, and terminal responses byte for byte.
 
 namespace {
 
 using CatJson::Json;
 
-const std::set<std::string> CommandKeys = {"name", "command", "pdu", "status", "number", "type", "qualifier"};
+const std::set<std::string> CommandKeys = {"name",   "command", "pdu",      "status",
+                                           "number", "type",    "qualifier"};
 // Texts that a row leaves out where they are empty.
 const std::set<std::string> Texts = {"text", "alpha", "confirm", "setup", "default", "title"};
 const std::set<std::string> Keys = {"immediate", "number_dialled", "tone", "duration",    "min",
@@ -75,7 +76,8 @@ bool isSame(const std::string &key, const Json &expected, const Json &found)
         return semiOctets(expected) == semiOctets(found);
     if (key == "duration" && expected.is_object() && expected.contains("unit"))
         return expected["interval"] == found["interval"] &&
-            lowerCase(expected["unit"]).rfind(found["unit"].get<std::string>().substr(0, 3), 0) == 0;
+            lowerCase(expected["unit"]).rfind(found["unit"].get<std::string>().substr(0, 3), 0) ==
+            0;
     return expected == found;
 }
 
@@ -149,7 +151,8 @@ std::vector<DataObject> split(const cat::Bytes &bytes)
 }
 
 // The response of those data objects; false where the terminal never sends one of them.
-bool assemble(const std::vector<DataObject> &objects, const cat::Command *command, cat::Response &response)
+bool assemble(const std::vector<DataObject> &objects, const cat::Command *command,
+              cat::Response &response)
 {
     bool complete = true;
     for (const auto &[tag, value] : objects) {
@@ -168,8 +171,11 @@ bool assemble(const std::vector<DataObject> &objects, const cat::Command *comman
         } else if (tag == 0x24) {
             response.timer = value.at(0);
         } else if (tag == 0x25) {
-            const auto decimal = [&](size_t i) { return (value.at(i) & 0x0f) * 10 + (value.at(i) >> 4); };
-            response.timerValue = std::chrono::seconds(decimal(0) * 3600 + decimal(1) * 60 + decimal(2));
+            const auto decimal = [&](size_t i) {
+                return (value.at(i) & 0x0f) * 10 + (value.at(i) >> 4);
+            };
+            response.timerValue =
+                std::chrono::seconds(decimal(0) * 3600 + decimal(1) * 60 + decimal(2));
         } else if (tag == 0x26) {
             response.dateTime = value;
         } else if (tag == 0x2d) {

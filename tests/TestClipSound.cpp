@@ -36,9 +36,12 @@ void TestClipSound::refuses_data()
     row("text", "RIFF is what it says", "byte 0: RIFF and WAVE expected");
     row("no samples", tone.left(36), "byte 36: chunk \"data\" expected, end of the file found");
     row("cut off", tone.left(1044), "byte 36: a chunk of 19200 bytes expected, 1000 found");
-    row("endless", with(40, "\xFF\xFF\xFF\xFF", 4), "byte 36: a chunk of 4294967295 bytes expected, 19200 found");
-    row("zero samples", with(40, "\0\0\0\0", 4), "byte 40: size of the samples: 2 to 4294967295 expected, 0 found");
-    row("short format", with(16, "\2"), "byte 16: size of the format: 16 to 4096 expected, 2 found");
+    row("endless", with(40, "\xFF\xFF\xFF\xFF", 4),
+        "byte 36: a chunk of 4294967295 bytes expected, 19200 found");
+    row("zero samples", with(40, "\0\0\0\0", 4),
+        "byte 40: size of the samples: 2 to 4294967295 expected, 0 found");
+    row("short format", with(16, "\2"),
+        "byte 16: size of the format: 16 to 4096 expected, 2 found");
     row("floats", with(20, "\3"), "byte 20: audio format (1: PCM): 1 expected, 3 found");
     row("no channel", with(22, "\0"), "byte 22: number of channels: 1 to 2 expected, 0 found");
     row("rate", with(24, "\0\0\0\0", 4), "byte 24: sample rate: 8000 to 192000 expected, 0 found");
@@ -60,7 +63,8 @@ void TestClipSound::refuses()
     file.close();
 
     ClipSound sound(file.fileName());
-    QTest::ignoreMessage(QtWarningMsg, qPrintable("Cannot play " + file.fileName() + ": " + reason));
+    QTest::ignoreMessage(QtWarningMsg,
+                         qPrintable("Cannot play " + file.fileName() + ": " + reason));
     const QDeadlineTimer patience(2000);
     QVERIFY(!sound.Play());
     QVERIFY2(!patience.hasExpired(), "the caller was kept waiting");

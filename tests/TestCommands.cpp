@@ -93,7 +93,10 @@ class TestCommands : public PluginTest {
     }
 
     QTemporaryDir libraries;
-    QString tone(const QString &name) const { return libraries.path() + "/plugins/STKPlugin/" + name; }
+    QString tone(const QString &name) const
+    {
+        return libraries.path() + "/plugins/STKPlugin/" + name;
+    }
 
     void putTones(const QStringList &names)
     {
@@ -142,7 +145,8 @@ private slots:
                 QCOMPARE(message->text(), QString("<b>x</b> <GO-BACKWARDS>"));
                 QCOMPARE(box()->windowTitle(), QString());
                 QCOMPARE(box()->windowModality(), Qt::WindowModal);
-                QCOMPARE(message->buttonRole(boxButton("LuminePlugin:IDS_OK")), QMessageBox::YesRole);
+                QCOMPARE(message->buttonRole(boxButton("LuminePlugin:IDS_OK")),
+                         QMessageBox::YesRole);
                 QCOMPARE(message->defaultButton(), boxButton("LuminePlugin:IDS_CANCEL"));
                 QCOMPARE(ticking(dialog), row.clearMode == 0 ? QList<int>{1000} : QList<int>());
                 for (int tick = 0; tick < row.ticks; ++tick) {
@@ -155,11 +159,13 @@ private slots:
                     leave(row.way);
             });
             QVERIFY(!dialog->m_pTimeMsgDlg);
-            QCOMPARE(answers(), QStringList(QString("SendNoDataResponse(31,1,%1)").arg(row.response)));
+            QCOMPARE(answers(),
+                     QStringList(QString("SendNoDataResponse(31,1,%1)").arg(row.response)));
             QVERIFY(verdict());
         }
         dialog->onMessageTimeOut();
-        QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": onMessageTimeOut "));
+        QVERIFY(
+            takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": onMessageTimeOut "));
     }
 
     void aTextThatCannotBeShown()
@@ -172,7 +178,8 @@ private slots:
         modem.status.clear();
         modem.status["SendNoDataResponse"] = -1;
         present(MOVA_STKTYPE_DISPLAY_TEXT, 2, [] { leave("IDS_OK"); });
-        QVERIFY(takeTrace().contains("SendNoDataResponse Failed " FILE_NAME ": onSTKDisplayText: TIME: "));
+        QVERIFY(takeTrace().contains("SendNoDataResponse Failed " FILE_NAME
+                                     ": onSTKDisplayText: TIME: "));
         QVERIFY(verdict());
         frame()->close(); // no window, no shared timer
         putText("x", 0, 1);
@@ -212,12 +219,15 @@ private slots:
         QTest::addColumn<ToneRow>("row");
         QTest::newRow("its own") << ToneRow{both, "", "tone_3", "", true};
         QTest::newRow("the fallback") << ToneRow{{"tone_8"}, "", "tone_8", "", true};
-        QTest::newRow("none") << ToneRow{{}, "", "", "Sound file does not exists %1: onSTKPlayTone: TIME: ", false};
-        QTest::newRow("unreadable")
-            << ToneRow{both, "GetPlayTone", "", "GetPlayTone() failed %1: onSTKPlayTone: TIME: ", false};
-        QTest::newRow("not playable") << ToneRow{both, "Play", "tone_3", "Playing failed %1: playTone: TIME: ", true};
-        QTest::newRow("answer refused") << ToneRow{
-            both, "SendNoDataResponse", "tone_3", "SendNoDataResponse Failed of %1: onSTKPlayTone: TIME: ", true};
+        QTest::newRow("none") << ToneRow{
+            {}, "", "", "Sound file does not exists %1: onSTKPlayTone: TIME: ", false};
+        QTest::newRow("unreadable") << ToneRow{
+            both, "GetPlayTone", "", "GetPlayTone() failed %1: onSTKPlayTone: TIME: ", false};
+        QTest::newRow("not playable")
+            << ToneRow{both, "Play", "tone_3", "Playing failed %1: playTone: TIME: ", true};
+        QTest::newRow("answer refused")
+            << ToneRow{both, "SendNoDataResponse", "tone_3",
+                       "SendNoDataResponse Failed of %1: onSTKPlayTone: TIME: ", true};
     }
 
     void playTone()
@@ -232,8 +242,10 @@ private slots:
             ui.soundsPlayed.clear();
             modem.status[row.failing] = -1;
             send(MOVA_STKTYPE_PLAY_TONE, 6);
-            QCOMPARE(answers(), row.handled ? QStringList("SendNoDataResponse(6,5,1)") : QStringList());
-            QCOMPARE(ui.soundsPlayed, row.played.isEmpty() ? QStringList() : QStringList(tone(row.played)));
+            QCOMPARE(answers(),
+                     row.handled ? QStringList("SendNoDataResponse(6,5,1)") : QStringList());
+            QCOMPARE(ui.soundsPlayed,
+                     row.played.isEmpty() ? QStringList() : QStringList(tone(row.played)));
             QVERIFY(row.trace.isEmpty() || takeTrace().contains(row.trace.arg(FILE_NAME)));
             modem.status.remove("SendNoDataResponse");
             QCOMPARE(verdict(), row.handled);
@@ -258,10 +270,12 @@ private slots:
         modem.takeCalls();
         send(MOVA_STKTYPE_PLAY_TONE, 6);
         QCOMPARE(modem.takeCalls(), QStringList());
-        QVERIFY(takeTrace().contains("Logic/timer instance is null " FILE_NAME ": onSTKPlayTone: TIME: "));
+        QVERIFY(takeTrace().contains("Logic/timer instance is null " FILE_NAME
+                                     ": onSTKPlayTone: TIME: "));
         dialog->playTone("");
-        QCOMPARE(takeTrace(), QStringList({"End of " FILE_NAME ": playTone: TIME: ",
-                                           "Filename is empty of " FILE_NAME ": playTone: TIME: "}));
+        QCOMPARE(takeTrace(),
+                 QStringList({"End of " FILE_NAME ": playTone: TIME: ",
+                              "Filename is empty of " FILE_NAME ": playTone: TIME: "}));
         dialog->onPlayingFinished();
         QCOMPARE(takeTrace().replaceInStrings(QRegularExpression("\\d+"), "LINE"),
                  QStringList("Start of " FILE_NAME ": onPlayingFinished: LINE: "));
@@ -284,7 +298,8 @@ private slots:
                 way == "reject" ? box()->reject() : box()->accept();
         });
         QCOMPARE(ui.messages, QStringList("|<b>Sure?</b>|IDS_YES|IDS_NO||0,1,8000000,1|"));
-        QCOMPARE(answers(), QStringList(way[0] == 'a' ? "AnswerInKey(14,1,1)" : "AnswerInKey(14,1,0)"));
+        QCOMPARE(answers(),
+                 QStringList(way[0] == 'a' ? "AnswerInKey(14,1,1)" : "AnswerInKey(14,1,0)"));
         QCOMPARE(isBusy(), way != "answer refused");
         QCOMPARE(verdict(), way != "answer refused");
     }
@@ -313,8 +328,9 @@ private slots:
         modem.status["GetInKeyRequest"] = modem.status["GetInputRequest"] = -1;
         present(type, 17, [] { QVERIFY(!box()); });
         QVERIFY(!verdict());
-        QVERIFY(takeTrace().contains(what == "a key" ? "GetInKeyRquest faied " FILE_NAME ": onSTKGetInkey: TIME: "
-                                                     : "GetInputRequest failed " FILE_NAME ": onSTKGetInput: TIME: "));
+        QVERIFY(takeTrace().contains(
+            what == "a key" ? "GetInKeyRquest faied " FILE_NAME ": onSTKGetInkey: TIME: "
+                            : "GetInputRequest failed " FILE_NAME ": onSTKGetInput: TIME: "));
         // A time-out of the card closes the window and answers Cancel.
         modem.status.clear();
         present(type, 18, [this, type] {
@@ -326,15 +342,26 @@ private slots:
 
     void commandsWithoutAWindow_data()
     {
-        const QString browse("GetLaunchBrowser(9)"), idle("GetIdleModePrompt(9)"), none("SendNoDataResponse");
-        const QStringList browsed({browse, "SendNoDataResponse(9,11,1)"}), idled({idle, "SendNoDataResponse(9,12,1)"});
+        const QString browse("GetLaunchBrowser(9)"), idle("GetIdleModePrompt(9)"),
+            none("SendNoDataResponse");
+        const QStringList browsed({browse, "SendNoDataResponse(9,11,1)"}),
+            idled({idle, "SendNoDataResponse(9,12,1)"});
         const CommandRow rows[] = {
             {12, "", idled, true, ""},
-            {12, "GetIdleModePrompt", {idle}, false, "GetIdleModePrompt() failed %1: onSTKSetupIdleModeText: TIME: "},
-            {12, none, idled, true, "SendNoDataResponse() failed %1: onSTKSetupIdleModeText: TIME: "},
+            {12,
+             "GetIdleModePrompt",
+             {idle},
+             false,
+             "GetIdleModePrompt() failed %1: onSTKSetupIdleModeText: TIME: "},
+            {12, none, idled, true,
+             "SendNoDataResponse() failed %1: onSTKSetupIdleModeText: TIME: "},
             {11, "", browsed, true, ""},
             {11, "address", browsed, true, ""},
-            {11, "GetLaunchBrowser", {browse}, false, "GetLaunchBrowser() failed %1: onSTKLaunchBrowser: TIME: "},
+            {11,
+             "GetLaunchBrowser",
+             {browse},
+             false,
+             "GetLaunchBrowser() failed %1: onSTKLaunchBrowser: TIME: "},
             {11, none, browsed, true, "SendNoDataResponse() failed %1: onSTKLaunchBrowser: TIME: "},
             {8, "", {}, true, ""},
             {9, "", {}, true, ""},
@@ -342,7 +369,11 @@ private slots:
             {7, "", {"GetRefreshInfo(9)"}, true, ""},
             {7, "GetRefreshInfo", {"GetRefreshInfo(9)"}, false, ""},
             {4, "", {"SendNoDataResponse(9,4,4)"}, true, ""},
-            {4, none, {"SendNoDataResponse(9,4,4)"}, false, "SendNoDataResponse failed %1: onSTKSetupCall: TIME: "},
+            {4,
+             none,
+             {"SendNoDataResponse(9,4,4)"},
+             false,
+             "SendNoDataResponse failed %1: onSTKSetupCall: TIME: "},
         };
         QTest::addColumn<CommandRow>("row");
         for (const CommandRow &row : rows)

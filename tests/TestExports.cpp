@@ -20,19 +20,24 @@ private slots:
         while (symbols.hasNext())
             names << symbols.next().captured(1);
         names.sort();
-        QCOMPARE(names.join(" "),
-                 QString("qt_plugin_instance qt_plugin_query_metadata qt_plugin_query_verification_data"));
+        QCOMPARE(
+            names.join(" "),
+            QString(
+                "qt_plugin_instance qt_plugin_query_metadata qt_plugin_query_verification_data"));
     }
 
     void verificationDataAndOneLiveRootObject()
     {
         QLibrary library(PLUGIN_FILE);
-        const auto query = reinterpret_cast<const char *(*)()>(library.resolve("qt_plugin_query_verification_data"));
+        const auto query = reinterpret_cast<const char *(*)()>(
+            library.resolve("qt_plugin_query_verification_data"));
         QVERIFY2(query, qPrintable(library.errorString()));
-        const QRegularExpression expected("^pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=" QT_VERSION_STR "\n"
-                                          "debug=(true|false)\nbuildkey=\\S+ \\S+ (g\\+\\+|clang)-\\d+ full-config\\z");
+        const QRegularExpression expected(
+            "^pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=" QT_VERSION_STR "\n"
+            "debug=(true|false)\nbuildkey=\\S+ \\S+ (g\\+\\+|clang)-\\d+ full-config\\z");
         QVERIFY2(expected.match(query()).hasMatch(), query());
-        const auto instance = reinterpret_cast<QObject *(*)()>(library.resolve("qt_plugin_instance"));
+        const auto instance =
+            reinterpret_cast<QObject *(*)()>(library.resolve("qt_plugin_instance"));
         QVERIFY(instance);
         QPointer<QObject> root = instance();
         QVERIFY(root);

@@ -30,7 +30,8 @@ QMap<QString, QString> readCatalogue(const QString &language)
 {
     QFile file(QString(STK_SOURCE_DIR "/translations/host_%1.ts").arg(language));
     file.open(QIODevice::ReadOnly);
-    const QRegularExpression entry("<name>(.*)</name>|<source>(.*)</source>\\s*<translation>([^<]+)</translation>");
+    const QRegularExpression entry(
+        "<name>(.*)</name>|<source>(.*)</source>\\s*<translation>([^<]+)</translation>");
     QMap<QString, QString> texts;
     QString context;
     for (auto matches = entry.globalMatch(QString::fromUtf8(file.readAll())); matches.hasNext();) {
@@ -92,7 +93,8 @@ private slots:
         auto *table = new QTableWidget(2, 1);
         table->setItem(1, 0, new QTableWidgetItem("row"));
         table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        QPushButton *buttons[] = {new QPushButton("Back"), new QPushButton("Select"), new QPushButton("Close")};
+        QPushButton *buttons[] = {new QPushButton("Back"), new QPushButton("Select"),
+                                  new QPushButton("Close")};
         auto *layout = new QVBoxLayout(content);
         layout->addWidget(table);
         for (QPushButton *button : buttons)
@@ -100,7 +102,8 @@ private slots:
         buttons[2]->setFocus(Qt::OtherFocusReason);
         buttons[0]->setEnabled(false);
 
-        const std::pair<int, Qt::Key> showings[] = {{2, Qt::Key_Return}, {2, Qt::Key_Enter}, {1, Qt::Key_Return}};
+        const std::pair<int, Qt::Key> showings[] = {
+            {2, Qt::Key_Return}, {2, Qt::Key_Enter}, {1, Qt::Key_Return}};
         for (const auto &[focused, key] : showings) {
             QSignalSpy wanted(buttons[focused], SIGNAL(clicked()));
             QSignalSpy other(buttons[3 - focused], SIGNAL(clicked()));
@@ -136,7 +139,8 @@ private slots:
         frame.setWindowTitle("");
         frame.show();
         QCOMPARE(frame.windowTitle(), QString());
-        QVERIFY2(frame.windowHandle()->title() == QString(QChar::Nbsp), "not the application's name");
+        QVERIFY2(frame.windowHandle()->title() == QString(QChar::Nbsp),
+                 "not the application's name");
     }
 
     void messageFrameFollowsItsBox()
@@ -175,7 +179,9 @@ private slots:
         QString line = "Thank you.";
         while (QApplication::fontMetrics().horizontalAdvance(line) < 280)
             line += 'x';
-        const auto wide = [](const char *text, int times) { return QString::fromUtf8(text).repeated(times); };
+        const auto wide = [](const char *text, int times) {
+            return QString::fromUtf8(text).repeated(times);
+        };
         for (const QString &text : {line, wide("<b>x</b>\n", 1), wide("W", 255), wide("x\n", 127),
                                     wide("lorem ipsum ", 20), wide("余额查询", 60), wide("📱", 120)})
             QTest::newRow(qPrintable(text.left(10))) << text;
@@ -198,8 +204,8 @@ private slots:
                 problem = "not in the middle";
             box->window()->close();
         });
-        CommonUtils::ShowMessage(QMessageBox::Warning, nullptr, "t", text, "IDS_OK", "", "", true, {}, nullptr, "",
-                                 true);
+        CommonUtils::ShowMessage(QMessageBox::Warning, nullptr, "t", text, "IDS_OK", "", "", true,
+                                 {}, nullptr, "", true);
         QCOMPARE(problem, QString());
     }
 
@@ -228,7 +234,9 @@ private slots:
     {
         QTest::addColumn<QString>("press");
         QTest::addColumn<int>("result");
-        const auto row = [](const char *press, int result) { QTest::newRow(press) << press << result; };
+        const auto row = [](const char *press, int result) {
+            QTest::newRow(press) << press << result;
+        };
         row("Yes", QMessageBox::Ok);
         row("No", QMessageBox::No);
         row("Cancel", QMessageBox::Cancel);
@@ -248,8 +256,8 @@ private slots:
         bool sharedWhileUp = false, clearedAtClose = false;
         QTimer::singleShot(0, this, [&] {
             ClipMessageBox *box = shownBox();
-            sharedWhileUp = shared && shared == box->window() && shared->windowTitle() == "[*] title" &&
-                box->text() == "<i>text</i>\n\n%1 detail";
+            sharedWhileUp = shared && shared == box->window() &&
+                shared->windowTitle() == "[*] title" && box->text() == "<i>text</i>\n\n%1 detail";
             const auto buttons = box->buttons();
             const auto named = [&](QAbstractButton *button) { return button->text() == press; };
             const auto button = std::find_if(buttons.begin(), buttons.end(), named);
@@ -265,9 +273,9 @@ private slots:
                 QTest::keyClick(shared->windowHandle(), Qt::Key(QKeySequence(press)[0]));
             clearedAtClose = !shared;
         });
-        const int result =
-            CommonUtils::ShowMessage(QMessageBox::NoIcon, parent, "[*] title", "<i>text</i>", "IDS_YES", "IDS_NO",
-                                     "IDS_CANCEL", true, Qt::WindowCloseButtonHint, &shared, "%1 detail", true);
+        const int result = CommonUtils::ShowMessage(
+            QMessageBox::NoIcon, parent, "[*] title", "<i>text</i>", "IDS_YES", "IDS_NO",
+            "IDS_CANCEL", true, Qt::WindowCloseButtonHint, &shared, "%1 detail", true);
         delete parent;
         QTEST(result, "result");
         QVERIFY(sharedWhileUp);
@@ -283,17 +291,19 @@ private slots:
             for (const QString &address : addresses)
                 QTest::newRow(qPrintable(address)) << address << address << reason;
         };
-        rows({"http://example.com", "https://example.com/a?b=c#d", "HTTP://EXAMPLE.COM/", "http://[2001:db8::1]:8080/",
-              "http://example.com/%C3%BC"},
+        rows({"http://example.com", "https://example.com/a?b=c#d", "HTTP://EXAMPLE.COM/",
+              "http://[2001:db8::1]:8080/", "http://example.com/%C3%BC"},
              "");
         const QString scheme = "only http and https are opened", invalid = "not an address";
-        rows({"file:///etc/passwd", "javascript:alert(1)", "tel:+123", "example.com", "/etc/passwd", "x-http://a"},
+        rows({"file:///etc/passwd", "javascript:alert(1)", "tel:+123", "example.com", "/etc/passwd",
+              "x-http://a"},
              scheme);
         rows({"http://", "http:example.com"}, "it names no host");
         rows({"", "http://exa mple.com", "http://example.com:99999/"}, invalid);
         QTest::newRow("control characters") << "http://a\nb\x1b[31m"
                                             << "http://a?b?[31m" << invalid;
-        QTest::newRow("endless") << "x:" + QString(100000, 'a') << "x:" + QString(198, 'a') << scheme;
+        QTest::newRow("endless") << "x:" + QString(100000, 'a') << "x:" + QString(198, 'a')
+                                 << scheme;
     }
 
     void openUrl()
@@ -307,10 +317,12 @@ private slots:
             opened << url;
             return true;
         });
-        HostUi::setUrlRefusalListener([&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
+        HostUi::setUrlRefusalListener(
+            [&](const QString &shown, HostUi::UrlRefusal) { refused << shown; });
         const bool opens = reason.isEmpty();
         if (!opens)
-            QTest::ignoreMessage(QtWarningMsg, qPrintable("OpenUrl: refused \"" + shown + "\": " + reason));
+            QTest::ignoreMessage(QtWarningMsg,
+                                 qPrintable("OpenUrl: refused \"" + shown + "\": " + reason));
         QCOMPARE(CommonUtils::OpenUrl(address), opens);
         QCOMPARE(opened, opens ? QList<QUrl>{QUrl(address)} : QList<QUrl>());
         QCOMPARE(refused, opens ? QStringList() : QStringList(shown));
@@ -334,7 +346,8 @@ private slots:
     void changesLanguage()
     {
         const QString id = "IDS_STK_BTN_BACK";
-        for (const auto &[language, text] : {std::pair("de", "Zurück"), {"en", "Back"}, {"xx", "IDS_STK_BTN_BACK"}}) {
+        for (const auto &[language, text] :
+             {std::pair("de", "Zurück"), {"en", "Back"}, {"xx", "IDS_STK_BTN_BACK"}}) {
             QCOMPARE(HostUi::setLanguage(STK_TRANSLATION_DIR, language), text != id);
             QCOMPARE(Change::tr(id, "STKPlugin"), QString::fromUtf8(text));
             QCOMPARE(Change::tr(id, "LuminePlugin"), id);
@@ -348,12 +361,14 @@ private slots:
             const QMap<QString, QString> texts = readCatalogue(language);
             QCOMPARE(texts.keys(), english.keys());
             for (auto text = texts.begin(); text != texts.end(); ++text)
-                QVERIFY2(text->count("%1") == english[text.key()].count("%1"), qPrintable(language + ' ' + text.key()));
+                QVERIFY2(text->count("%1") == english[text.key()].count("%1"),
+                         qPrintable(language + ' ' + text.key()));
         }
 
         const QString all = english.keys().join(' ') + ' ';
         const QRegularExpression id("\"(IDS_[A-Z_]+)\"");
-        QDirIterator sources(STK_SOURCE_DIR "/src", {"*.cpp"}, QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator sources(STK_SOURCE_DIR "/src", {"*.cpp"}, QDir::Files,
+                             QDirIterator::Subdirectories);
         int used = 0;
         while (sources.hasNext()) {
             QFile file(sources.next());
@@ -371,14 +386,17 @@ private slots:
     void buttonTextsFit()
     {
         const auto width = [](const char *id) {
-            return QPushButton(Change::tr(QString("IDS_STK_BTN_") + id, "STKPlugin")).sizeHint().width();
+            return QPushButton(Change::tr(QString("IDS_STK_BTN_") + id, "STKPlugin"))
+                .sizeHint()
+                .width();
         };
         const int menuGaps = 20 + 20 + 55, inputGaps = 35, margins = 22;
         for (const QString &language : Languages) {
             QVERIFY(HostUi::setLanguage(STK_TRANSLATION_DIR, language));
             const int menu = width("BACK") + width("SELECT") + width("CLOSE");
             QVERIFY2(menu + menuGaps + margins <= 380, qPrintable(language));
-            QVERIFY2(width("OK") + width("CANCEL") + inputGaps + margins <= 261, qPrintable(language));
+            QVERIFY2(width("OK") + width("CANCEL") + inputGaps + margins <= 261,
+                     qPrintable(language));
         }
     }
 };

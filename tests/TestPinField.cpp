@@ -44,11 +44,13 @@ private slots:
             else if (key == 'a')
                 field.selectAll();
             else
-                QTest::sendKeyEvent(QTest::Click, &field, Qt::Key_unknown, QString(key), Qt::NoModifier);
+                QTest::sendKeyEvent(QTest::Click, &field, Qt::Key_unknown, QString(key),
+                                    Qt::NoModifier);
         }
         const CardHost::Pin pin = field.pin();
         QTEST(QString::fromLatin1(pin.digits(), int(pin.size())), "pin");
-        QVERIFY2(field.text().count('.') == field.text().size(), "a digit stands in the line's text");
+        QVERIFY2(field.text().count('.') == field.text().size(),
+                 "a digit stands in the line's text");
         field.wipe();
         QVERIFY(field.text().isEmpty() && !field.pin().isValid());
     }

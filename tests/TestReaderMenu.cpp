@@ -17,7 +17,8 @@ private slots:
         QTest::newRow("first with a card") << "" << QStringList{"a=0 b=1 c=1"} << "b";
         QTest::newRow("first without any card") << "" << QStringList{"a=0 b=0"} << "a";
         QTest::newRow("stays with a card") << "" << QStringList{"a=0 b=1", "a=1 b=1"} << "b";
-        QTest::newRow("goes on when it is pulled") << "" << QStringList{"a=1 b=1", "a=0 b=1"} << "b";
+        QTest::newRow("goes on when it is pulled")
+            << "" << QStringList{"a=1 b=1", "a=0 b=1"} << "b";
         QTest::newRow("goes on when it is unplugged") << "" << QStringList{"a=1 b=1", "b=1"} << "b";
         QTest::newRow("named, though empty") << "b" << QStringList{"a=1 b=0"} << "b";
         QTest::newRow("named by its start") << "be" << QStringList{"b=1 beta=1"} << "beta";
@@ -57,8 +58,8 @@ private:
     {
         CardHost::ReaderList list;
         for (const QString &reader : text.split(' ', Qt::SkipEmptyParts))
-            list.readers.push_back(
-                {reader.section('=', 0, 0).toStdString(), CardHost::Reader::State(reader.section('=', 1).toInt())});
+            list.readers.push_back({reader.section('=', 0, 0).toStdString(),
+                                    CardHost::Reader::State(reader.section('=', 1).toInt())});
         return list;
     }
 };

@@ -47,29 +47,36 @@ class TestSTKDialog : public PluginTest {
 
     static void addWays() { addRows("way", {"button", "double click", "Return", "keypad Enter"}); }
 
-    static QRect place(const char *name) { return QRect(button(name)->mapTo(frame(), QPoint()), button(name)->size()); }
+    static QRect place(const char *name)
+    {
+        return QRect(button(name)->mapTo(frame(), QPoint()), button(name)->size());
+    }
 
 private slots:
     void slotsStandInTheirOrder()
     {
         const QMetaObject &meta = STKDialog::staticMetaObject;
-        QCOMPARE(methodsOf(meta),
-                 QString("onButtonClickClose() onButtonClickBack() onButtonClickSelect() "
-                         "onCellDoubleClicked(int,int) onSTKTimeOut() onSTKPlayToneTimeOut() "
-                         "onPlayingFinished() onDeviceAvailable(bool) onSTKSetupMenu() onSTKDisplayText() "
-                         "onSTKGetInkey() onSTKGetInput() onSTKSetupCall() onSTKPlayTone() onSTKSelItem() "
-                         "onSTKRefresh() onSTKSendSS() onSTKSendSMS() onSTKSendUSSD() onSTKLaunchBrowser() "
-                         "onSTKSetupIdleModeText() onSTKEndSession() onShowMainMenu() onChangeCursor() "
-                         "onCloseInputDlg() onMessageTimeOut()"));
-        QCOMPARE(meta.method(meta.indexOfMethod("onDeviceAvailable(bool)")).parameterNames().first(),
-                 QByteArray("isAvaialable"));
+        QCOMPARE(
+            methodsOf(meta),
+            QString(
+                "onButtonClickClose() onButtonClickBack() onButtonClickSelect() "
+                "onCellDoubleClicked(int,int) onSTKTimeOut() onSTKPlayToneTimeOut() "
+                "onPlayingFinished() onDeviceAvailable(bool) onSTKSetupMenu() onSTKDisplayText() "
+                "onSTKGetInkey() onSTKGetInput() onSTKSetupCall() onSTKPlayTone() onSTKSelItem() "
+                "onSTKRefresh() onSTKSendSS() onSTKSendSMS() onSTKSendUSSD() onSTKLaunchBrowser() "
+                "onSTKSetupIdleModeText() onSTKEndSession() onShowMainMenu() onChangeCursor() "
+                "onCloseInputDlg() onMessageTimeOut()"));
+        QCOMPARE(
+            meta.method(meta.indexOfMethod("onDeviceAvailable(bool)")).parameterNames().first(),
+            QByteArray("isAvaialable"));
     }
 
     void theWindowIsBuiltAsItShould()
     {
         putMainMenu();
         QVERIFY(STKDialog::Instance() == STKDialog::Instance());
-        QCOMPARE(modem.takeCalls(), QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()"}));
         QWidget parent;
         QVERIFY(open(&parent));
         QCOMPARE(modem.takeCalls(), mainMenuRead + mainMenuRead);
@@ -79,13 +86,15 @@ private slots:
         QCOMPARE(frame()->parentWidget(), &parent);
         QVERIFY(frame()->testAttribute(Qt::WA_DeleteOnClose));
         QVERIFY(frame()->findChild<QWidget *>("STKPlugin_StkWidget"));
-        QCOMPARE(QRect(table()->columnWidth(0), table()->rowHeight(2), table()->width(), table()->height()),
+        QCOMPARE(QRect(table()->columnWidth(0), table()->rowHeight(2), table()->width(),
+                       table()->height()),
                  QRect(345, 17, 345, 250));
         QCOMPARE(table()->columnCount(), 1);
         QVERIFY(table()->horizontalHeader()->isHidden() && table()->verticalHeader()->isHidden());
         QVERIFY(!table()->showGrid() && !table()->tabKeyNavigation());
         QCOMPARE(table()->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
-        QCOMPARE(table()->editTriggers(), QAbstractItemView::EditTriggers(QAbstractItemView::NoEditTriggers));
+        QCOMPARE(table()->editTriggers(),
+                 QAbstractItemView::EditTriggers(QAbstractItemView::NoEditTriggers));
         QCOMPARE(table()->selectionBehavior(), QAbstractItemView::SelectRows);
         QCOMPARE(table()->selectionMode(), QAbstractItemView::SingleSelection);
         QCOMPARE(rows(), mainMenuRows);
@@ -106,8 +115,9 @@ private slots:
         QCOMPARE(takeTrace(),
                  QStringList({"Start of " FILE_NAME ": showMainMenu: TIME: ",
                               "Start of " FILE_NAME ": deleteTableItems: TIME: ",
-                              "End of " FILE_NAME ": deleteTableItems: TIME: ", "Item name = Account, Index=7",
-                              "Item name = Banking, Index=-1", "Item name = News, Index=300",
+                              "End of " FILE_NAME ": deleteTableItems: TIME: ",
+                              "Item name = Account, Index=7", "Item name = Banking, Index=-1",
+                              "Item name = News, Index=300",
                               "End of " FILE_NAME ": showMainMenu: TIME: "}));
         dialog->showSubMenu();
         QCOMPARE(takeTrace().last(), QString("End  of " FILE_NAME ": showSubMenu: TIME: "));
@@ -136,7 +146,8 @@ private slots:
         answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 9);
         QCOMPARE(frame()->windowTitle(), QString("Operator"));
         click(button("Back"));
-        QCOMPARE(modem.takeCalls(), QStringList({"GetSubMenu(9)", "ReleaseSubMenus()", "SelectSubMenuItem(9,3,0)"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"GetSubMenu(9)", "ReleaseSubMenus()", "SelectSubMenuItem(9,3,0)"}));
         QVERIFY(isBusy());
         answerWith(dialog, MOVA_STKTYPE_END_SESSION, 9);
         QCOMPARE(rows(), mainMenuRows);
@@ -180,10 +191,12 @@ private slots:
         takeTrace();
         dialog->onButtonClickSelect();
         QCOMPARE(modem.takeCalls(), QStringList("SelectMenuItem(1,3)"));
-        QCOMPARE(takeTrace().mid(0, 6),
-                 QStringList({"Start of " FILE_NAME ": onButtonClickSelect: TIME: ", "Item name = Same, Index=1",
-                              "Item name = Other, Index=2", "Item name = Same, Index=3", "Item name = , Index=4",
-                              "Current Index value = 3 " FILE_NAME ": onButtonClickSelect: TIME: "}));
+        QCOMPARE(
+            takeTrace().mid(0, 6),
+            QStringList(
+                {"Start of " FILE_NAME ": onButtonClickSelect: TIME: ", "Item name = Same, Index=1",
+                 "Item name = Other, Index=2", "Item name = Same, Index=3", "Item name = , Index=4",
+                 "Current Index value = 3 " FILE_NAME ": onButtonClickSelect: TIME: "}));
         answerWith(dialog, 55, 1);
         clickRow(3); // no text: nothing to select
         dialog->onButtonClickSelect();
@@ -200,15 +213,18 @@ private slots:
         STKDialog *const dialog = STKDialog::Instance();
         modem.takeCalls();
         dialog->onButtonClickSelect();
-        QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": onButtonClickSelect "));
+        QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME
+                                              ": onButtonClickSelect "));
         dialog->subMenuSeleted(nullptr);
         QVERIFY(takeTrace().last().startsWith("Arg is NULL: TIME: " FILE_NAME ": subMenuSeleted "));
         dialog->showMainMenu();
-        QVERIFY(takeTrace().contains("Table Widget is null " FILE_NAME ": deleteTableItems: TIME: "));
+        QVERIFY(
+            takeTrace().contains("Table Widget is null " FILE_NAME ": deleteTableItems: TIME: "));
         dialog->SetStkUiText();
         QVERIFY(takeTrace().contains("Widgets id NULL " FILE_NAME ": SetStkUiText: TIME: "));
         dialog->setStkObjectName();
-        QVERIFY(takeTrace().contains("Some widget is null  " FILE_NAME ": setStkObjectName: TIME: "));
+        QVERIFY(
+            takeTrace().contains("Some widget is null  " FILE_NAME ": setStkObjectName: TIME: "));
         modem.status["GetMainMenu"] = -1;
         QVERIFY(open());
         QCOMPARE(frame()->windowTitle(), QString());
@@ -228,7 +244,8 @@ private slots:
         QCOMPARE(modem.takeCalls(), mainMenuRead);
         QCOMPARE(rows(), mainMenuRows);
         QVERIFY(!isBusy());
-        QVERIFY(takeTrace().contains("m_bRespondence value is false " FILE_NAME ": onChangeCursor: TIME: "));
+        QVERIFY(takeTrace().contains("m_bRespondence value is false " FILE_NAME
+                                     ": onChangeCursor: TIME: "));
         for (int timeOut : {0, -1}) {
             dialog->stkWaitforRespond(timeOut);
             QVERIFY(!dialog->m_pStkThread->isRunning() && !isBusy());
@@ -252,7 +269,8 @@ private slots:
             const QStringList once = QString(way) == "title bar" ? QStringList() : mainMenuRead;
             QTest::addRow("%s, idle", way) << ClosingRow{way, false, false, mainMenuRead + once};
             QTest::addRow("%s, waiting", way) << ClosingRow{way, true, false, once};
-            QTest::addRow("%s, Return pending", way) << ClosingRow{way, false, true, {"SelectMenuItem(1,7)"}};
+            QTest::addRow("%s, Return pending", way)
+                << ClosingRow{way, false, true, {"SelectMenuItem(1,7)"}};
             QTest::addRow("%s, both", way) << ClosingRow{way, true, true, {}};
         }
     }
@@ -260,7 +278,8 @@ private slots:
     void closing()
     {
         QFETCH(ClosingRow, row);
-        const bool waiting = row.waiting, returnPending = row.returnPending, closes = !waiting && !returnPending;
+        const bool waiting = row.waiting, returnPending = row.returnPending,
+                   closes = !waiting && !returnPending;
         STKDialog *const dialog = show();
         QPointer<QDialog> window = frame();
         clickRow(0);
@@ -277,7 +296,8 @@ private slots:
         QCOMPARE(!window->isVisible(), closes);
         QCOMPARE(dialog->m_bEnterPressed, waiting && returnPending);
         QCOMPARE(dialog->m_pTableWidget.isNull(), closes);
-        QCOMPARE(isBusy(), row.way == "title bar" ? waiting || returnPending : !waiting && returnPending);
+        QCOMPARE(isBusy(),
+                 row.way == "title bar" ? waiting || returnPending : !waiting && returnPending);
         deleteClosed();
         QCOMPARE(window.isNull(), closes);
     }
@@ -338,7 +358,10 @@ private slots:
         }
     }
 
-    void theLogicGoesWithTheFirstOfItsOwners_data() { addRows("first", {"window", "input", "logic"}); }
+    void theLogicGoesWithTheFirstOfItsOwners_data()
+    {
+        addRows("first", {"window", "input", "logic"});
+    }
     void theLogicGoesWithTheFirstOfItsOwners()
     {
         QFETCH(QString, first);
@@ -383,8 +406,9 @@ private slots:
         QCOMPARE(dialog->m_strMenuState, QString("STK_MAINMENU"));
         // It reported false, so the next command is answered as terminated and the menu comes back.
         send(MOVA_STKTYPE_SETUP_MENU, 3);
-        QCOMPARE(modem.takeCalls(), QStringList({"GetSubMenu(2)", "SendNoDataResponse(3,0,0)", "GetMainMenu()",
-                                                 "ReleaseMenus()", "GetMainMenu()", "ReleaseMenus()"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"GetSubMenu(2)", "SendNoDataResponse(3,0,0)", "GetMainMenu()",
+                              "ReleaseMenus()", "GetMainMenu()", "ReleaseMenus()"}));
     }
 
     void theModemGoesAndComes()

@@ -34,9 +34,14 @@ class TestSTKInputDlg : public PluginTest {
     STKInputDlg *dialog;
 
     static STKInputDlg *instance() { return STKInputDlg::StkInputDlgInstance(); }
-    static ExtendDialog *window() { return qobject_cast<ExtendDialog *>(QApplication::activeModalWidget()); }
-    template <typename Widget>
-    static Widget *child(const char *name) { return window()->findChild<Widget *>(name); }
+    static ExtendDialog *window()
+    {
+        return qobject_cast<ExtendDialog *>(QApplication::activeModalWidget());
+    }
+    template <typename Widget> static Widget *child(const char *name)
+    {
+        return window()->findChild<Widget *>(name);
+    }
     static QLineEdit *line() { return child<QLineEdit>("STKPlugin_LineEditInput"); }
     static QPushButton *ok() { return child<QPushButton>("STKPlugin _PushBtnOk"); }
     static QPushButton *cancel() { return child<QPushButton>("STKPlugin _PushBtnCancel"); }
@@ -55,7 +60,8 @@ class TestSTKInputDlg : public PluginTest {
         QVERIFY(!dialog->IsDialogCreated());
     }
 
-    static StkInKeyRequest input(int type, int echo, int min, int max, const QString &text = QString())
+    static StkInKeyRequest input(int type, int echo, int min, int max,
+                                 const QString &text = QString())
     {
         return StkInKeyRequest{"Prompt", type, 0, 0, echo, min, max, text};
     }
@@ -77,8 +83,10 @@ private slots:
 
     void theSlotsAndNothingElse()
     {
-        QCOMPARE(methodsOf(STKInputDlg::staticMetaObject),
-                 QString("onButtonClickOk() onButtonClickCancel() onTextEdited(QString) onTimerTimeOut()"));
+        QCOMPARE(
+            methodsOf(STKInputDlg::staticMetaObject),
+            QString(
+                "onButtonClickOk() onButtonClickCancel() onTextEdited(QString) onTimerTimeOut()"));
     }
 
     void theWindowIsBuiltAsItShould()
@@ -106,11 +114,12 @@ private slots:
         });
         QVERIFY(!QWidget::keyboardGrabber());
         const QStringList trace = takeTrace();
-        for (const char *text : {"Start  of %1setInitSetting: TIME: ", "Start  of %1setStkInputUiLayout: TIME: ",
-                                 "End  of %1setStkInputUiLayout: TIME: ", "Start  of %1SetStkInputUiText: TIME: ",
-                                 "Start of %1setStkInputObjectName: TIME: ", "End  of %1setStkInputObjectName: TIME: ",
-                                 "TIME : " FILE_NAME " : closeEvent : Entered", "End  of %1initUI: TIME: ",
-                                 "TIME : " FILE_NAME " : closeEvent : Exit", "End of %1ShowStkInputDlg: TIME: "})
+        for (const char *text :
+             {"Start  of %1setInitSetting: TIME: ", "Start  of %1setStkInputUiLayout: TIME: ",
+              "End  of %1setStkInputUiLayout: TIME: ", "Start  of %1SetStkInputUiText: TIME: ",
+              "Start of %1setStkInputObjectName: TIME: ", "End  of %1setStkInputObjectName: TIME: ",
+              "TIME : " FILE_NAME " : closeEvent : Entered", "End  of %1initUI: TIME: ",
+              "TIME : " FILE_NAME " : closeEvent : Exit", "End of %1ShowStkInputDlg: TIME: "})
             QVERIFY2(trace.contains(QString(text).replace("%1", FILE_NAME ": ")), text);
         QCOMPARE(trace.count("End  of " FILE_NAME ": setInitSetting: TIME: "), 2);
     }
@@ -136,7 +145,8 @@ private slots:
             dialog->SetInputRequest(input(row.type, echo, row.min, row.max));
             showAnd([&] {
                 for (const QChar key : row.typed)
-                    key == '\b' ? QTest::keyClick(line(), Qt::Key_Backspace) : QTest::keyClick(line(), key.toLatin1());
+                    key == '\b' ? QTest::keyClick(line(), Qt::Key_Backspace)
+                                : QTest::keyClick(line(), key.toLatin1());
                 QCOMPARE(line()->text(), row.text);
                 QCOMPARE(line()->echoMode(), echo ? QLineEdit::Normal : QLineEdit::Password);
                 QCOMPARE(ok()->isEnabled(), row.enabled);
@@ -152,11 +162,14 @@ private slots:
         const auto close = [] { window()->close(); };
         QTest::addColumn<WayOut>("way");
         QTest::newRow("ok") << WayOut{false, clickOk, "%1,7)", 0};
-        QTest::newRow("Return") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Return); }, "%1,7)", 0};
+        QTest::newRow("Return") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Return); },
+                                          "%1,7)", 0};
         QTest::newRow("cancel") << WayOut{false, clickCancel, "%0,)", 0};
-        QTest::newRow("escape") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Escape); }, "%0,)", 0};
+        QTest::newRow("escape") << WayOut{false, [] { QTest::keyClick(line(), Qt::Key_Escape); },
+                                          "%0,)", 0};
         QTest::newRow("title bar") << WayOut{false, close, "%0,)", 0};
-        QTest::newRow("from the main window") << WayOut{false, [] { instance()->CloseDlg(); }, "%0,)", 0};
+        QTest::newRow("from the main window")
+            << WayOut{false, [] { instance()->CloseDlg(); }, "%0,)", 0};
         QTest::newRow("time-out") << WayOut{false, [] { instance()->onTimerTimeOut(); }, "%0,)", 0};
         QTest::newRow("ok refused, then cancel") << WayOut{true, clickCancel, "%1,7) %0,)", -1};
         QTest::newRow("ok refused, then title bar") << WayOut{true, close, "%1,7)", -1};
@@ -183,7 +196,8 @@ private slots:
                     modem.status[call] = -1;
                     ok()->click();
                     QCOMPARE(ui.messages.join("\n"),
-                             "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_OK|||1,1,8000000,1|");
+                             "STKPlugin:IDS_STK_MSG_PROMPT|STKPlugin:IDS_STK_MSG_INPUTFAILED|IDS_"
+                             "OK|||1,1,8000000,1|");
                     QVERIFY(window());
                     modem.status[call] = way.error;
                 }
@@ -214,28 +228,32 @@ private slots:
     {
         dialog->CloseDlg();
         QVERIFY(dialog->GetBtnClicked());
-        QVERIFY(takeTrace().contains("Logic Instance/ widget is NULL " FILE_NAME ": onButtonClickCancel: TIME: "));
+        QVERIFY(takeTrace().contains("Logic Instance/ widget is NULL " FILE_NAME
+                                     ": onButtonClickCancel: TIME: "));
         dialog->onButtonClickOk();
         dialog->onTextEdited("x");
         dialog->setInitSetting();
         dialog->SetStkInputUiText();
         dialog->setStkInputObjectName();
         const QStringList trace = takeTrace();
-        for (const char *text : {"Logic Instance/Widget is NULL " FILE_NAME ": onButtonClickOk: TIME: ",
-                                 "Memory is null " FILE_NAME ": onTextEdited: TIME: ",
-                                 "Arg is NULL: TIME: " FILE_NAME ": setInitSetting",
-                                 "UI widget is null  of " FILE_NAME ": SetStkInputUiText: TIME: ",
-                                 "Memory is null  " FILE_NAME ": setStkInputObjectName: TIME: "})
+        for (const char *text :
+             {"Logic Instance/Widget is NULL " FILE_NAME ": onButtonClickOk: TIME: ",
+              "Memory is null " FILE_NAME ": onTextEdited: TIME: ",
+              "Arg is NULL: TIME: " FILE_NAME ": setInitSetting",
+              "UI widget is null  of " FILE_NAME ": SetStkInputUiText: TIME: ",
+              "Memory is null  " FILE_NAME ": setStkInputObjectName: TIME: "})
             QVERIFY2(trace.contains(text), text);
         QCOMPARE(modem.takeCalls(), QStringList());
     }
 
     void aLongPromptScrolls()
     {
-        for (const QString &prompt : {QString("ten chars ").repeated(24), QString(60, QChar('W')), QString("short")}) {
+        for (const QString &prompt :
+             {QString("ten chars ").repeated(24), QString(60, QChar('W')), QString("short")}) {
             dialog->SetInputRequest(StkInKeyRequest{prompt, 0, 0, 0, 1, 0, 9, ""});
             showAnd([prompt] {
-                QAbstractScrollArea *const view = window()->findChild<QAbstractScrollArea *>("STKPlugin_PromptView");
+                QAbstractScrollArea *const view =
+                    window()->findChild<QAbstractScrollArea *>("STKPlugin_PromptView");
                 QCOMPARE(view != nullptr, prompt != "short");
                 if (view)
                     QVERIFY(view->verticalScrollBar()->maximum() > 0 || !prompt.contains(' '));

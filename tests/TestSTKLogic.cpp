@@ -9,13 +9,17 @@ class SignalRecord : public QObject {
 public:
     explicit SignalRecord(STKLogic *logic)
     {
-        for (int i = STKLogic::staticMetaObject.methodOffset(); i < STKLogic::staticMetaObject.methodCount(); ++i)
-            QMetaObject::connect(logic, i, this, QObject::staticMetaObject.methodCount() + i, Qt::DirectConnection);
+        for (int i = STKLogic::staticMetaObject.methodOffset();
+             i < STKLogic::staticMetaObject.methodCount(); ++i)
+            QMetaObject::connect(logic, i, this, QObject::staticMetaObject.methodCount() + i,
+                                 Qt::DirectConnection);
     }
     int qt_metacall(QMetaObject::Call, int id, void **arguments) override
     {
-        const QMetaMethod signal = STKLogic::staticMetaObject.method(id - QObject::staticMetaObject.methodCount());
-        const bool *const value = signal.parameterCount() ? static_cast<bool *>(arguments[1]) : nullptr;
+        const QMetaMethod signal =
+            STKLogic::staticMetaObject.method(id - QObject::staticMetaObject.methodCount());
+        const bool *const value =
+            signal.parameterCount() ? static_cast<bool *>(arguments[1]) : nullptr;
         emitted << signal.name() + (value ? *value ? "(true)" : "(false)" : "");
         return -1;
     }
@@ -71,46 +75,71 @@ private slots:
     void signalsStandInTheirOrder()
     {
         const QMetaObject &meta = STKLogic::staticMetaObject;
-        QCOMPARE(methodsOf(meta),
-                 QString("DevAvailable(bool) STKSetupMenu() STKDisplayText() STKGetInkey() STKGetInput() "
-                         "STKSetupCall() STKPlayTone() STKSelItem() STKRefresh() STKSendSS() STKSendSMS() "
-                         "STKSendUSSD() STKLaunchBrowser() STKSetupIdleModeText() STKEndSession() "
-                         "ShowMainMenu() CloseInputDlg()"));
-        QCOMPARE(meta.method(meta.methodOffset()).parameterNames().first(), QByteArray("isAvaillable"));
+        QCOMPARE(
+            methodsOf(meta),
+            QString(
+                "DevAvailable(bool) STKSetupMenu() STKDisplayText() STKGetInkey() STKGetInput() "
+                "STKSetupCall() STKPlayTone() STKSelItem() STKRefresh() STKSendSS() STKSendSMS() "
+                "STKSendUSSD() STKLaunchBrowser() STKSetupIdleModeText() STKEndSession() "
+                "ShowMainMenu() CloseInputDlg()"));
+        QCOMPARE(meta.method(meta.methodOffset()).parameterNames().first(),
+                 QByteArray("isAvaillable"));
         QCOMPARE(meta.className(), "STKLogic");
     }
 
     void registrationGoesOnAfterAFailure()
     {
         for (const char *name : {"CallBack", "DevMgrCallback"})
-            modem.status[QString("Register") + name] = modem.status[QString("UnRegister") + name] = -1;
+            modem.status[QString("Register") + name] = modem.status[QString("UnRegister") + name] =
+                -1;
         STKLogic::RegisterSTKCB();
         STKLogic::UnresgisterSTKCB();
-        QCOMPARE(modem.takeCalls(), QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()",
-                                                 "UnRegisterCallBack(same)", "UnRegisterDevMgrCallback(same)"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()",
+                              "UnRegisterCallBack(same)", "UnRegisterDevMgrCallback(same)"}));
         const QString line(FILE_NAME ": RegisterSTKCB: LINE: ");
-        QCOMPARE(takeTrace().replaceInStrings(QRegularExpression("RegisterSTKCB: \\d+: $"), "RegisterSTKCB: LINE: "),
-                 lines("RegisterSTKCB",
-                       {"MOVA_STK_RegisterCallBack called " + line, "MOVA_STK_RegisterCallBack failed %",
-                        "MOVA_DevSrv_RegisterDevMgrCallback called " + line,
-                        "MOVA_DevSrv_RegisterDevMgrCallback failed " + line})
-                     + lines("UnresgisterSTKCB", {"MOVA_STK_UnRegisterCallBack failed %",
-                                                  "MOVA_DevSrv_UnRegisterDevMgrCallback failed %"}));
+        QCOMPARE(
+            takeTrace().replaceInStrings(QRegularExpression("RegisterSTKCB: \\d+: $"),
+                                         "RegisterSTKCB: LINE: "),
+            lines("RegisterSTKCB",
+                  {"MOVA_STK_RegisterCallBack called " + line, "MOVA_STK_RegisterCallBack failed %",
+                   "MOVA_DevSrv_RegisterDevMgrCallback called " + line,
+                   "MOVA_DevSrv_RegisterDevMgrCallback failed " + line}) +
+                lines("UnresgisterSTKCB",
+                      {"MOVA_STK_UnRegisterCallBack failed %",
+                       "MOVA_DevSrv_UnRegisterDevMgrCallback failed %"}));
     }
 
     void everyTypeHasItsSignal()
     {
-        const std::pair<int, const char *> rows[] = {
-            {0, "STKSetupMenu"}, {1, "STKDisplayText"}, {2, "STKGetInkey"}, {3, "STKGetInput"}, {4, "STKSetupCall"},
-            {5, "STKPlayTone"}, {6, "STKSelItem"}, {7, "STKRefresh"}, {8, "STKSendSMS"}, {9, "STKSendSMS"},
-            {10, "STKSendUSSD"}, {11, "STKLaunchBrowser"}, {12, "STKSetupIdleModeText"}, {99, "STKEndSession"},
-            {13, ""}, {55, ""}, {98, ""}, {100, ""}, {-1, ""}, {INT_MIN, ""}, {INT_MAX, ""}};
+        const std::pair<int, const char *> rows[] = {{0, "STKSetupMenu"},
+                                                     {1, "STKDisplayText"},
+                                                     {2, "STKGetInkey"},
+                                                     {3, "STKGetInput"},
+                                                     {4, "STKSetupCall"},
+                                                     {5, "STKPlayTone"},
+                                                     {6, "STKSelItem"},
+                                                     {7, "STKRefresh"},
+                                                     {8, "STKSendSMS"},
+                                                     {9, "STKSendSMS"},
+                                                     {10, "STKSendUSSD"},
+                                                     {11, "STKLaunchBrowser"},
+                                                     {12, "STKSetupIdleModeText"},
+                                                     {99, "STKEndSession"},
+                                                     {13, ""},
+                                                     {55, ""},
+                                                     {98, ""},
+                                                     {100, ""},
+                                                     {-1, ""},
+                                                     {INT_MIN, ""},
+                                                     {INT_MAX, ""}};
         for (const auto &row : rows) {
             logic->SetResponseVar(false);
             QCOMPARE(modem.notify(row.first, 4), 0);
             QCOMPARE(emitted().join(" "), QString(row.second));
             QVERIFY(takeTrace().contains(
-                QString("enStkType value is %1,  " FILE_NAME ": stkEventSwitchCase: TIME: ").arg(row.first)));
+                QString("enStkType value is %1,  " FILE_NAME ": stkEventSwitchCase: TIME: ")
+                    .arg(row.first)));
             QVERIFY(logic->GetResponseVar());
         }
         QCOMPARE(modem.takeCalls(), QStringList());
@@ -124,7 +153,8 @@ private slots:
         QCOMPARE(takeTrace(), lines("OnSTKEventCB", {"pNotifyData is null %"}, false));
         QVERIFY(logic->GetResponseVar());
         QCOMPARE(takeTrace().join("|"),
-                 QString("Start of with m_bRespondence  value= 1, " FILE_NAME ": GetResponseVar: TIME: "));
+                 QString("Start of with m_bRespondence  value= 1, " FILE_NAME
+                         ": GetResponseVar: TIME: "));
         QCOMPARE(happened(), QString(""));
     }
 
@@ -134,8 +164,10 @@ private slots:
         takeTrace();
         modem.notify(55, -3);
         QCOMPARE(happened(), QString("ShowMainMenu SendNoDataResponse(-3,55,0)"));
-        const QString dispatched = lines("stkEventSwitchCase", {"enStkType value is 55,  %"}).join("|");
-        QCOMPARE(takeTrace().join("|"), lines("OnSTKEventCB", {dispatched, "m_bRet is false %"}).join("|"));
+        const QString dispatched =
+            lines("stkEventSwitchCase", {"enStkType value is 55,  %"}).join("|");
+        QCOMPARE(takeTrace().join("|"),
+                 lines("OnSTKEventCB", {dispatched, "m_bRet is false %"}).join("|"));
         // A time-out has no verdict; only 1 is one.
         modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 9, 1);
         QCOMPARE(happened(), QString("CloseInputDlg STKSetupMenu"));
@@ -146,7 +178,8 @@ private slots:
         modem.status["SendNoDataResponse"] = -1;
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 32767);
         QCOMPARE(happened(), QString("STKSetupMenu ShowMainMenu SendNoDataResponse(32767,0,0)"));
-        QVERIFY(takeTrace().contains("MOVA_STKSrv_SendNoDataResponse Failed " FILE_NAME ": OnSTKEventCB: TIME: "));
+        QVERIFY(takeTrace().contains("MOVA_STKSrv_SendNoDataResponse Failed " FILE_NAME
+                                     ": OnSTKEventCB: TIME: "));
         logic->UpdateCBReturnVal(true);
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 1);
         QCOMPARE(modem.takeCalls(), QStringList());
@@ -156,7 +189,8 @@ private slots:
     {
         for (int code : {6601, 6602, 6603, 6600, 6604, 0, -1})
             QCOMPARE(modem.device(code), 1);
-        QCOMPARE(emitted(), QStringList({"DevAvailable(false)", "DevAvailable(true)", "DevAvailable(false)"}));
+        QCOMPARE(emitted(),
+                 QStringList({"DevAvailable(false)", "DevAvailable(true)", "DevAvailable(false)"}));
     }
 
     void callbacksWithoutAnInstanceTouchNothing()
@@ -181,7 +215,8 @@ private slots:
         const QStringList calls({function + (sub ? "(21)" : "()"), release + "()"});
         const QString name = "MOVA_STKSrv_" + function;
         QStringList between({"Calling  " + name + "()%", name + "() Returned = 0: %"});
-        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"), whole(256, QChar(0x416)); // no zero at its end
+        const QString smile = QString::fromUtf8("\xF0\x9F\x98\x80"),
+                      whole(256, QChar(0x416)); // no zero at its end
         const QString wholeTitle(sub ? 257 : 256, QChar('t'));
         QList<StkItemClass> list{{1, "old"}};
         StkMenuItems menu{"old", &list};
@@ -193,8 +228,11 @@ private slots:
         takeTrace();
 
         QVERIFY(get());
-        QCOMPARE(takeTrace(), lines(function, between + QStringList({"Calling  MOVA_STKSrv_" + release + "()%",
-                                                                     "MOVA_STKSrv_" + release + "() failed : %"})));
+        QCOMPARE(takeTrace(),
+                 lines(function,
+                       between +
+                           QStringList({"Calling  MOVA_STKSrv_" + release + "()%",
+                                        "MOVA_STKSrv_" + release + "() failed : %"})));
         QCOMPARE(modem.takeCalls(), calls);
         QCOMPARE(menu.strTitle, wholeTitle);
         QCOMPARE(list.size(), 3);
@@ -240,14 +278,16 @@ private slots:
             const QString name = main ? "SelectMenuItem" : "SelectSubMenuItem";
             modem.status[name] = row.status;
             takeTrace();
-            QCOMPARE(main ? logic->SelectMainMenuItem(row.index) : logic->SelectSubMenuItem(row.action, row.index),
+            QCOMPARE(main ? logic->SelectMainMenuItem(row.index)
+                          : logic->SelectSubMenuItem(row.action, row.index),
                      row.status == 0);
             QCOMPARE(modem.takeCalls(), QStringList(row.call));
             QStringList between(QString("Calling  MOVA_STKSrv_%1(%2) %").arg(name).arg(row.index));
             between << QString("MOVA_STKSrv_%1() returned %2: %").arg(name).arg(row.status);
             if (row.status == 0)
                 between << QString("MOVA_STKSrv_%1() success : %").arg(name);
-            QCOMPARE(takeTrace(), lines(main ? "SelectMainMenuItem" : "SelectSubMenuItem", between));
+            QCOMPARE(takeTrace(),
+                     lines(main ? "SelectMainMenuItem" : "SelectSubMenuItem", between));
         }
     }
 
@@ -269,7 +309,8 @@ private slots:
         QCOMPARE(text, whole);
         MOVAPlayToneRequest tone = {0, 0, ""};
         QVERIFY(logic->GetPlayTone(&tone));
-        QCOMPARE(QString("%1 %2 ").arg(tone.nTone).arg(tone.nDuration) + tone.strText, "-8 65535 " + longer);
+        QCOMPARE(QString("%1 %2 ").arg(tone.nTone).arg(tone.nDuration) + tone.strText,
+                 "-8 65535 " + longer);
         StkInKeyRequest key = {"", 0, 0, 0, 77, 78, 79, "kept"};
         QVERIFY(logic->GetInKeyRquest(&key));
         QCOMPARE(fields(key), QString("<GO-BACKWARDS> 3 1 65535 77 78 79 kept"));
@@ -277,8 +318,9 @@ private slots:
         QVERIFY(logic->GetInputRequest(&input));
         QCOMPARE(fields(input), whole + " 2 0 77 1 -1 300 " + whole);
         QVERIFY(logic->GetRefreshInfo());
-        QCOMPARE(modem.takeCalls(), QStringList({"GetIdleModePrompt(33)", "GetPlayTone(33)", "GetInKeyRequest(33)",
-                                                 "GetInputRequest(33)", "GetRefreshInfo(33)"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"GetIdleModePrompt(33)", "GetPlayTone(33)", "GetInKeyRequest(33)",
+                              "GetInputRequest(33)", "GetRefreshInfo(33)"}));
     }
 
     void invalidValuesLeaveTheFieldAlone()
@@ -310,8 +352,9 @@ private slots:
 
     void aFailedGetChangesNothing()
     {
-        for (const char *name : {"GetIdleModePrompt", "GetPlayTone", "GetLaunchBrowser", "GetInKeyRequest",
-                                 "GetInputRequest", "GetPromptText", "GetRefreshInfo"})
+        for (const char *name :
+             {"GetIdleModePrompt", "GetPlayTone", "GetLaunchBrowser", "GetInKeyRequest",
+              "GetInputRequest", "GetPromptText", "GetRefreshInfo"})
             modem.status[name] = -6;
         QString text = "kept", mode = "kept";
         int duration = 42;
@@ -320,11 +363,14 @@ private slots:
         StkInKeyRequest request = {"kept", 42, 42, 42, 42, 42, 42, "kept"};
         takeTrace();
         QVERIFY(!logic->GetPlayTone(&tone));
-        QCOMPARE(takeTrace(), lines("GetPlayTone", {"Calling MOVA_STKSrv_GetPlayTone(): %",
-                                                    "MOVA_STKSrv_GetPlayTone() returned -6: %"}, false));
-        QVERIFY(!logic->GetIdleModePrompt(&text) && !logic->GetLaunchBrowser(&browser)
-                && !logic->GetInKeyRquest(&request) && !logic->GetInputRequest(&request)
-                && !logic->GetPromptText(&text, &mode, &duration) && !logic->GetRefreshInfo());
+        QCOMPARE(takeTrace(),
+                 lines("GetPlayTone",
+                       {"Calling MOVA_STKSrv_GetPlayTone(): %",
+                        "MOVA_STKSrv_GetPlayTone() returned -6: %"},
+                       false));
+        QVERIFY(!logic->GetIdleModePrompt(&text) && !logic->GetLaunchBrowser(&browser) &&
+                !logic->GetInKeyRquest(&request) && !logic->GetInputRequest(&request) &&
+                !logic->GetPromptText(&text, &mode, &duration) && !logic->GetRefreshInfo());
         QCOMPARE(text + mode + tone.strText + browser.strUrl, QString("keptkeptkeptkept"));
         QCOMPARE(duration + tone.nTone + tone.nDuration + browser.nLaunchMode, 4 * 42);
         QCOMPARE(fields(request), QString("kept 42 42 42 42 42 42 kept"));
@@ -336,22 +382,30 @@ private slots:
         takeTrace();
         const QString smile = QString::fromUtf8("a\xF0\x9F\x98\x80");
         QVERIFY(logic->CallStkAnswerInput("STK_TYPE_OK", smile));
-        QCOMPARE(takeTrace(), lines("CallStkAnswerInput", {"Calling MOVA_STKSrv_AnswerInput(" + smile + "): %",
-                                                           "MOVA_STKSrv_AnswerInKey() returned 0: %",
-                                                           "MOVA_STKSrv_AnswerInput() success: %"}));
+        QCOMPARE(takeTrace(),
+                 lines("CallStkAnswerInput",
+                       {"Calling MOVA_STKSrv_AnswerInput(" + smile + "): %",
+                        "MOVA_STKSrv_AnswerInKey() returned 0: %",
+                        "MOVA_STKSrv_AnswerInput() success: %"}));
         QVERIFY(logic->CallStkAnswerInput("stk_type_ok", "x"));
         QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_OK", "1"));
         QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_CANCEL", ""));
         QVERIFY(logic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED));
-        modem.status["AnswerInKey"] = modem.status["AnswerInput"] = modem.status["SendNoDataResponse"] = 1;
-        QVERIFY(!logic->CallStkAnswerInKey("STK_TYPE_OK", "") && !logic->CallStkAnswerInput("STK_TYPE_OK", ""));
+        modem.status["AnswerInKey"] = modem.status["AnswerInput"] =
+            modem.status["SendNoDataResponse"] = 1;
+        QVERIFY(!logic->CallStkAnswerInKey("STK_TYPE_OK", "") &&
+                !logic->CallStkAnswerInput("STK_TYPE_OK", ""));
         takeTrace();
         QVERIFY(!logic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_SUCCESS));
-        QCOMPARE(takeTrace(), lines("SendNoDataResponse", {"Calling MOVA_STKSrv_SendNoDataResponse(): %",
-                                                           "MOVA_STKSrv_SendNoDataResponse() returned 1: %"}, false));
+        QCOMPARE(takeTrace(),
+                 lines("SendNoDataResponse",
+                       {"Calling MOVA_STKSrv_SendNoDataResponse(): %",
+                        "MOVA_STKSrv_SendNoDataResponse() returned 1: %"},
+                       false));
         QCOMPARE(modem.takeCalls(),
-                 QStringList({"AnswerInput(12,1," + smile + ")", "AnswerInput(12,0,x)", "AnswerInKey(12,1,1)",
-                              "AnswerInKey(12,0,)", "SendNoDataResponse(12,4,4)", "AnswerInKey(12,1,)",
+                 QStringList({"AnswerInput(12,1," + smile + ")", "AnswerInput(12,0,x)",
+                              "AnswerInKey(12,1,1)", "AnswerInKey(12,0,)",
+                              "SendNoDataResponse(12,4,4)", "AnswerInKey(12,1,)",
                               "AnswerInput(12,1,)", "SendNoDataResponse(12,1,1)"}));
     }
 };

@@ -9,7 +9,8 @@ class TestSTKPlugin : public PluginTest {
 
     static QStringList starts(const QString &functions)
     {
-        return functions.split(' ').replaceInStrings(QRegularExpression("(.+)"), "Start of " FILE_NAME ": \\1: TIME: ");
+        return functions.split(' ').replaceInStrings(QRegularExpression("(.+)"),
+                                                     "Start of " FILE_NAME ": \\1: TIME: ");
     }
 
 private slots:
@@ -46,10 +47,13 @@ private slots:
         takeTrace();
         IUIPlugin *const ui = &plugin;
         using Operation = int (*)(void *);
-        Operation *entry = *reinterpret_cast<Operation **>(ui) + 2; // behind the pair of destructors
+        Operation *entry =
+            *reinterpret_cast<Operation **>(ui) + 2; // behind the pair of destructors
         // "-" takes arguments or returns an object.
-        for (const QString &name : QString("Release GetLastError Init GetPluginType - GetVersion - IsAllowRelease - - "
-                                           "DoModal Hide - IsReady").split(' ')) {
+        for (const QString &name :
+             QString("Release GetLastError Init GetPluginType - GetVersion - IsAllowRelease - - "
+                     "DoModal Hide - IsReady")
+                 .split(' ')) {
             if (name != "-") {
                 (*entry)(ui);
                 QCOMPARE(takeTrace(), starts(name));
@@ -76,8 +80,11 @@ private slots:
         plugin.FitSize(area);
         plugin.Release();
         plugin.OnDestroy();
-        QCOMPARE(takeTrace(), starts("Init ChangeLang ChangeLang IsReady IsAllowRelease DoModal GetPluginType "
-                                     "GetLastError GetCLSID GetVersion GetPluginName Hide FitSize Release OnDestroy"));
+        QCOMPARE(
+            takeTrace(),
+            starts(
+                "Init ChangeLang ChangeLang IsReady IsAllowRelease DoModal GetPluginType "
+                "GetLastError GetCLSID GetVersion GetPluginName Hide FitSize Release OnDestroy"));
     }
 
     void theWindowThroughThePlugin()
@@ -88,21 +95,25 @@ private slots:
         ui.language = "fr:";
         for (unsigned int code : {0x3FFu, 0x401u, 0u, 0x400u}) {
             QCOMPARE(plugin->Notify(code, 77, 88), 0);
-            QCOMPARE(button("Close")->text(), QString(code == 0x400 ? "fr:" : "") + "STKPlugin:IDS_STK_BTN_CLOSE");
+            QCOMPARE(button("Close")->text(),
+                     QString(code == 0x400 ? "fr:" : "") + "STKPlugin:IDS_STK_BTN_CLOSE");
         }
         modem.takeCalls();
         takeTrace();
         plugin->UnSDKRegisterEvent();
-        QCOMPARE(modem.takeCalls(), QStringList({"UnRegisterCallBack(same)", "UnRegisterDevMgrCallback(same)"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"UnRegisterCallBack(same)", "UnRegisterDevMgrCallback(same)"}));
         const QStringList trace = takeTrace();
         QCOMPARE(trace.first(), QString(FILE_NAME ": UnSDKRegisterEvent called"));
         QCOMPARE(trace.last(), QString(FILE_NAME ": UnSDKRegisterEvent exit"));
         QVERIFY(trace.contains("../../src/STKPlugin/STKDialog: unSDKRegisterEvent called"));
         delete plugin;
         const QString end = FILE_NAME ": ~STKPlugin: TIME: ";
-        QCOMPARE(takeTrace().filter("~STKPlugin"), QStringList({"Start of " + end, "End of " + end}));
+        QCOMPARE(takeTrace().filter("~STKPlugin"),
+                 QStringList({"Start of " + end, "End of " + end}));
         STKPlugin again;
-        QCOMPARE(modem.takeCalls(), QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()"}));
+        QCOMPARE(modem.takeCalls(),
+                 QStringList({"RegisterCallBack()", "RegisterDevMgrCallback()"}));
     }
 };
 

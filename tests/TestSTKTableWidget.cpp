@@ -14,7 +14,8 @@ class TestSTKTableWidget : public PluginTest {
                           QPoint(20, table()->viewport()->height() - 5));
     }
 
-    /* Straight into the handler, so that the event does not travel on to the frame; false when ignored. */
+    /* Straight into the handler, so that the event does not travel on to the frame; false when
+     * ignored. */
     static bool press(STKDialog *dialog, Qt::Key key)
     {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
@@ -44,8 +45,9 @@ private slots:
         STKDialog *const dialog = show();
         clickRow(1);
         QCOMPARE(table()->currentRow(), 1);
-        QCOMPARE(takeTrace(), QStringList({"TIME: " FILE_NAME ": mouseReleaseEvent Start",
-                                           "TIME: " FILE_NAME ": mouseReleaseEvent End "}));
+        QCOMPARE(takeTrace(),
+                 QStringList({"TIME: " FILE_NAME ": mouseReleaseEvent Start",
+                              "TIME: " FILE_NAME ": mouseReleaseEvent End "}));
         button("Back")->setEnabled(true);
         clickBelowTheRows();
         QCOMPARE(table()->currentRow(), -1);

@@ -7,7 +7,8 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKThread"
 
-/* A thread whose end the thread sanitizer sees: QThread::wait orders it inside Qt, out of its sight. */
+/* A thread whose end the thread sanitizer sees: QThread::wait orders it inside Qt, out of its
+ * sight. */
 struct JoinedThread : STKThread {
     void run() override
     {
@@ -51,9 +52,12 @@ private slots:
 
     void theTraceTellsTheTime()
     {
-        const QDateTime start(QDate(2026, 3, 28), QTime(23, 59, 58)); // over midnight and a change of the clocks
-        for (qint64 at = start.toMSecsSinceEpoch(), end = at + 86400000; at < end; at += at % 7 ? 333 : 999983)
-            QCOMPARE(QString(TraceTime(at).constData()), QDateTime::fromMSecsSinceEpoch(at).toString("hh:mm:ss:zzz"));
+        const QDateTime start(QDate(2026, 3, 28),
+                              QTime(23, 59, 58)); // over midnight and a change of the clocks
+        for (qint64 at = start.toMSecsSinceEpoch(), end = at + 86400000; at < end;
+             at += at % 7 ? 333 : 999983)
+            QCOMPARE(QString(TraceTime(at).constData()),
+                     QDateTime::fromMSecsSinceEpoch(at).toString("hh:mm:ss:zzz"));
         const QTime before = QTime::currentTime();
         const QTime now = QTime::fromString(TraceTime().constData(), "hh:mm:ss:zzz");
         QVERIFY(now.isValid());
@@ -68,7 +72,8 @@ private slots:
         QCOMPARE(takeTrace().filter(FILE_NAME),
                  QStringList({FILE_NAME ": STKThread: called",
                               "TIME: " FILE_NAME ": SetTimeOut: Called with TimeOut = 20",
-                              "TIME: " FILE_NAME ": SetTimeOut: Exited", "TIME: " FILE_NAME ": ~STKThread: Called"}));
+                              "TIME: " FILE_NAME ": SetTimeOut: Exited",
+                              "TIME: " FILE_NAME ": ~STKThread: Called"}));
         // It took the shared logic along.
         QVERIFY(!STKLogic::CreateInstance()->GetResponseVar());
         STKLogic::DestroyInst();

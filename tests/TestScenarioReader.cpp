@@ -43,33 +43,47 @@ TEST(ScenarioReader, NamesPlaceExpectedAndFound)
     const std::pair<std::string, std::string> rows[] = {
         {"", "expected a scenario, found an empty file"},
         {"{\n  \"menu\": {\n    oops",
-         "line 3, column 5: not JSON: syntax error while parsing object key - invalid literal; last read: '\"menu\": "
+         "line 3, column 5: not JSON: syntax error while parsing object key - invalid literal; "
+         "last read: '\"menu\": "
          "{<U+000A>    o'; expected string literal"},
         {"{\"name\":\"\xff\"}",
-         "line 1, column 10: not JSON: syntax error while parsing value - invalid string: ill-formed UTF-8 byte; last "
+         "line 1, column 10: not JSON: syntax error while parsing value - invalid string: "
+         "ill-formed UTF-8 byte; last "
          "read: '\"\xef\xbf\xbd'"},
         {std::string(401, '['),
-         "/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0…: "
+         "/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/"
+         "0/0/0/0/0/0…: "
          "nested deeper than 400 levels"},
         {"[]", "/: expected an object, found an empty list"},
         {"{}", "/: expected the key \"menu\" (an object), found none"},
         {R"({"menu":{},"menus":{}})",
          "/menus" + unknown + "name, latency, responseTime, modemTime, menu, unasked, fail"},
-        {withItems(R"({"text":"a"},{"text":"b","text":"c"})"), "/menu/items/1/text: this key stands here twice"},
+        {withItems(R"({"text":"a"},{"text":"b","text":"c"})"),
+         "/menu/items/1/text: this key stands here twice"},
         {withItems(R"({"text":12})"), "/menu/items/0/text: expected a string, found 12"},
-        {R"({"menu":{"title":"M","items":{}}})", "/menu/items: expected a list, found an empty object"},
-        {withItems(R"({"id":32768,"text":"a"})"), "/menu/items/0/id" + number + "-32768 to 32767, found 32768"},
-        {withItems(R"({"id":1.5,"text":"a"})"), "/menu/items/0/id" + number + "-32768 to 32767, found 1.5"},
-        {withItems(R"({"id":2,"text":"a"},{"text":"b"})"), "/menu/items/1/text: another item has the identifier 2 too"},
-        {R"({"latency":0,"menu":{"title":"M","items":[]}})", "/latency" + number + "1 to 86400000, found 0"},
+        {R"({"menu":{"title":"M","items":{}}})",
+         "/menu/items: expected a list, found an empty object"},
+        {withItems(R"({"id":32768,"text":"a"})"),
+         "/menu/items/0/id" + number + "-32768 to 32767, found 32768"},
+        {withItems(R"({"id":1.5,"text":"a"})"),
+         "/menu/items/0/id" + number + "-32768 to 32767, found 1.5"},
+        {withItems(R"({"id":2,"text":"a"},{"text":"b"})"),
+         "/menu/items/1/text: another item has the identifier 2 too"},
+        {R"({"latency":0,"menu":{"title":"M","items":[]}})",
+         "/latency" + number + "1 to 86400000, found 0"},
         {R"({"menu":{"title":"M","items":[]},"fail":{"MOVA_Get":-1}})",
          "/fail/MOVA_Get" + unknown +
-             "MOVA_STK_RegisterCallBack, MOVA_STK_UnRegisterCallBack, MOVA_DevSrv_RegisterDevMgrCallback, "
-             "MOVA_DevSrv_UnRegisterDevMgrCallback, MOVA_STKSrv_GetMainMenu, MOVA_STKSrv_ReleaseMenus, "
+             "MOVA_STK_RegisterCallBack, MOVA_STK_UnRegisterCallBack, "
+             "MOVA_DevSrv_RegisterDevMgrCallback, "
+             "MOVA_DevSrv_UnRegisterDevMgrCallback, MOVA_STKSrv_GetMainMenu, "
+             "MOVA_STKSrv_ReleaseMenus, "
              "MOVA_STKSrv_GetSubMenu, MOVA_STKSrv_ReleaseSubMenus, MOVA_STKSrv_SelectMenuItem, "
-             "MOVA_STKSrv_SelectSubMenuItem, MOVA_STKSrv_GetIdleModePrompt, MOVA_STKSrv_GetPlayTone, "
-             "MOVA_STKSrv_GetLaunchBrowser, MOVA_STKSrv_GetInKeyRequest, MOVA_STKSrv_GetInputRequest, "
-             "MOVA_STKSrv_GetPromptText, MOVA_STKSrv_GetRefreshInfo, MOVA_STKSrv_AnswerInKey, MOVA_STKSrv_AnswerInput, "
+             "MOVA_STKSrv_SelectSubMenuItem, MOVA_STKSrv_GetIdleModePrompt, "
+             "MOVA_STKSrv_GetPlayTone, "
+             "MOVA_STKSrv_GetLaunchBrowser, MOVA_STKSrv_GetInKeyRequest, "
+             "MOVA_STKSrv_GetInputRequest, "
+             "MOVA_STKSrv_GetPromptText, MOVA_STKSrv_GetRefreshInfo, MOVA_STKSrv_AnswerInKey, "
+             "MOVA_STKSrv_AnswerInput, "
              "MOVA_STKSrv_SendNoDataResponse"},
         {R"({"menu":{"title":"M","items":[],"fail":{"MOVA_STKSrv_GetMainMenu":0}}})",
          "/menu/fail/MOVA_STKSrv_GetMainMenu: expected a status other than 0, found 0"},
@@ -81,15 +95,19 @@ TEST(ScenarioReader, NamesPlaceExpectedAndFound)
     const std::pair<std::string, std::string> steps[] = {
         {"7", "0: expected an object, found 7"},
         {"{}",
-         "0: expected a step with one of the keys command, wait, silence, endSession, timeout, goto, modem, found an "
+         "0: expected a step with one of the keys command, wait, silence, endSession, timeout, "
+         "goto, modem, found an "
          "empty object"},
         {R"({"wait":10,"silence":true})", "0/silence" + unknown + "wait"},
         {R"({"silence":false})", "0/silence: expected true, found false"},
         {R"({"command":"beep"})",
-         "0/command: expected one of displayText, getInkey, getInput, launchBrowser, playTone, raw, refresh, "
-         "selectItem, sendShortMessage, sendSs, sendUssd, setUpCall, setUpIdleModeText, setUpMenu, found \"beep\""},
+         "0/command: expected one of displayText, getInkey, getInput, launchBrowser, playTone, "
+         "raw, refresh, "
+         "selectItem, sendShortMessage, sendSs, sendUssd, setUpCall, setUpIdleModeText, setUpMenu, "
+         "found \"beep\""},
         {R"({"command":"displayText","txt":"a"})",
-         "0/txt" + unknown + "command, text, clearMode, duration, label, on, fail, responseTime, unterminated"},
+         "0/txt" + unknown +
+             "command, text, clearMode, duration, label, on, fail, responseTime, unterminated"},
         {R"({"command":"displayText","text":"a","on":{"yes":[]}})",
          "0/on/yes" + unknown + "ok, terminated, notSupported, otherwise"},
         {R"({"command":"getInput","text":"a","on":{"text":{"a/b~":[{"wait":"1"}]}}})",
@@ -101,19 +119,24 @@ TEST(ScenarioReader, NamesPlaceExpectedAndFound)
          "1/label: this label is used twice: \"l\""},
         {R"({"modem":"gone"})", "0/modem: expected \"removed\" or \"ready\", found \"gone\""},
         {R"({"modem":"ready"})", "0: expected the modem removed before it is ready again"},
-        {R"({"modem":"removed"},{"silence":true})", "1: expected a wait or the modem ready, after it was removed"},
+        {R"({"modem":"removed"},{"silence":true})",
+         "1: expected a wait or the modem ready, after it was removed"},
     };
     for (const auto &[content, error] : steps)
-        EXPECT_EQ(errorIn(withItems(R"({"text":"a","do":[)" + content + "]}")), "/menu/items/0/do/" + error);
+        EXPECT_EQ(errorIn(withItems(R"({"text":"a","do":[)" + content + "]}")),
+                  "/menu/items/0/do/" + error);
 }
 
 TEST(ScenarioReader, NamesAFileThatCannotBeRead)
 {
-    EXPECT_EQ(errorOf("/nowhere\n.json"), "/nowhere\\n.json: cannot be read: No such file or directory");
+    EXPECT_EQ(errorOf("/nowhere\n.json"),
+              "/nowhere\\n.json: cannot be read: No such file or directory");
     EXPECT_EQ(errorOf("/proc"), "/proc: expected a scenario file, found a directory");
-    EXPECT_EQ(errorOf("/dev/zero"), "/dev/zero: expected a scenario file, found a device or a pipe");
+    EXPECT_EQ(errorOf("/dev/zero"),
+              "/dev/zero: expected a scenario file, found a device or a pipe");
     EXPECT_EQ(errorOf("/proc/self/mem"), "/proc/self/mem: cannot be read: Input/output error");
-    EXPECT_EQ(errorIn(std::string(16 * 1024 * 1024, ' ') + "{}"), "expected at most 16 MiB, found more");
+    EXPECT_EQ(errorIn(std::string(16 * 1024 * 1024, ' ') + "{}"),
+              "expected at most 16 MiB, found more");
 }
 
 TEST(ScenarioReader, TakesEveryNumberThatTheRecordsHold)
@@ -122,7 +145,8 @@ TEST(ScenarioReader, TakesEveryNumberThatTheRecordsHold)
         "echo":2147483647,"minLength":-32768,"maxLength":32767,"option":2,"responseTime":5})");
     const auto &step = std::get<CommandStep>(script->lists[0].steps[0]);
     const auto &command = std::get<GetInput>(step.command.body);
-    EXPECT_EQ(std::tuple(command.inputType, command.echo, command.option), std::tuple(INT32_MIN, INT32_MAX, 2));
+    EXPECT_EQ(std::tuple(command.inputType, command.echo, command.option),
+              std::tuple(INT32_MIN, INT32_MAX, 2));
     EXPECT_EQ(std::tuple(command.minLength, command.maxLength), std::tuple(INT16_MIN, INT16_MAX));
     EXPECT_EQ(step.command.responseTime, std::chrono::milliseconds(5));
     const auto refresh = readCommand(R"({"command":"refresh","qualifier":4,"files":"013f002fE2"})");

@@ -79,7 +79,8 @@ template <class Menu> std::string shown(Menu menu, int32_t (*release)(Menu *))
 {
     std::string text = toUtf8(menu.szTitle) + ", " + std::to_string(menu.sItemCount);
     for (int i = 0; i < menu.sItemCount; ++i)
-        text += "; " + std::to_string(menu.pItems[i].sItemId) + ' ' + toUtf8(menu.pItems[i].szItemText);
+        text +=
+            "; " + std::to_string(menu.pItems[i].sItemId) + ' ' + toUtf8(menu.pItems[i].szItemText);
     EXPECT_EQ(release(&menu), 0);
     return text;
 }
@@ -132,7 +133,8 @@ Call choose(const Call &menu, int16_t item, int32_t action = MOVA_SUBMENU_ACTION
 
 int32_t respond(const Call &call, int32_t type, int32_t result)
 {
-    return MOVA_STKSrv_SendNoDataResponse(call.id, _MOVA_EN_STKTYPE(type), _STK_UI_EN_TERMINALRESPONSE(result));
+    return MOVA_STKSrv_SendNoDataResponse(call.id, _MOVA_EN_STKTYPE(type),
+                                          _STK_UI_EN_TERMINALRESPONSE(result));
 }
 
 } // namespace
@@ -145,14 +147,15 @@ protected:
         hook();
         ASSERT_EQ(MOVA_STK_RegisterCallBack(onCommand), 0);
         ASSERT_EQ(MOVA_DevSrv_RegisterDevMgrCallback(onDevice), 0);
-        m_listener = CardHost::addTranscriptListener([this](const CardHost::TranscriptEntry &entry) {
-            std::lock_guard<std::mutex> lock(theMutex);
-            m_lines.push_back(entry.text);
-            json fields = json::parse(entry.json);
-            EXPECT_EQ(fields.erase("time"), 1u);
-            m_last[fields["event"]] = fields;
-            theChange.notify_all();
-        });
+        m_listener =
+            CardHost::addTranscriptListener([this](const CardHost::TranscriptEntry &entry) {
+                std::lock_guard<std::mutex> lock(theMutex);
+                m_lines.push_back(entry.text);
+                json fields = json::parse(entry.json);
+                EXPECT_EQ(fields.erase("time"), 1u);
+                m_last[fields["event"]] = fields;
+                theChange.notify_all();
+            });
     }
 
     void TearDown() override
@@ -170,7 +173,8 @@ protected:
     }
 
     // Opens a card that answers at once and waits for its main menu.
-    void open(const std::string &members = Menu, const std::string &times = R"("latency":1,"modemTime":1)")
+    void open(const std::string &members = Menu,
+              const std::string &times = R"("latency":1,"modemTime":1)")
     {
         const std::string file = testing::TempDir() + "card-" + std::to_string(getpid()) + ".json";
         std::ofstream(file) << '{' << times << ',' << members << '}';
@@ -206,7 +210,8 @@ TEST_F(SessionTest, WalksMenus)
     EXPECT_EQ(shownMenu(again), "One, 2; 7 Deeper; 8 Silence");
     EXPECT_EQ(choose(choose(again, 7), -1).type, MOVA_STKTYPE_END_SESSION);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::Ready);
-    EXPECT_EQ(choose(select(3), 0, Back).type, MOVA_STKTYPE_END_SESSION); // nothing above the first sub menu
+    EXPECT_EQ(choose(select(3), 0, Back).type,
+              MOVA_STKTYPE_END_SESSION); // nothing above the first sub menu
 
     const Call left = select(3);
     const Call top = select(3);
@@ -228,12 +233,15 @@ TEST_F(SessionTest, TranscriptTellsWhatPassed)
     MOVA_STKSrv_SelectSubMenuItem(one.id, MOVA_SUBMENU_ACTION_BACK, 0);
 
     const std::string id = R"("id":)" + std::to_string(one.id);
-    const std::string response = R"({"event":"response","command":"SELECT ITEM","result":"ok","item":7,)";
-    const std::string refused = R"({"event":"refused","status":-4,"reason":"no such command in progress",)";
+    const std::string response =
+        R"({"event":"response","command":"SELECT ITEM","result":"ok","item":7,)";
+    const std::string refused =
+        R"({"event":"refused","status":-4,"reason":"no such command in progress",)";
     for (const json &entry : {
              R"({"event":"card","state":"opened","name":"Main"})"_json,
              R"({"event":"selection","item":3,"itemText":"Sub"})"_json,
-             json::parse(response + id + R"(,"itemText":"Deeper","by":"MOVA_STKSrv_SelectSubMenuItem"})"),
+             json::parse(response + id +
+                         R"(,"itemText":"Deeper","by":"MOVA_STKSrv_SelectSubMenuItem"})"),
              json::parse(refused + id + R"(,"call":"MOVA_STKSrv_SelectSubMenuItem"})"),
              json{{"event", "endSession"}, {"id", end.id}},
          })
@@ -289,44 +297,55 @@ TEST_F(SessionTest, CommandsReachTheirRecords)
 
     const Call toneCall = send(R"({"command":"playTone","tone":-2,"duration":65535,"text":"♪"})");
     const auto tone = details(MOVA_STKSrv_GetPlayTone, toneCall);
-    EXPECT_EQ(std::tuple(tone.nTone, tone.usDuration, toUtf8(tone.szText)), std::tuple(-2, 65535, "♪"));
+    EXPECT_EQ(std::tuple(tone.nTone, tone.usDuration, toUtf8(tone.szText)),
+              std::tuple(-2, 65535, "♪"));
 
     const Call browserCall = send(R"({"command":"launchBrowser","launchMode":1,"url":"http://a"})");
     const auto browser = details(MOVA_STKSrv_GetLaunchBrowser, browserCall);
     EXPECT_EQ(std::tuple(browser.nLaunchMode, toUtf8(browser.szUrl)), std::tuple(1, "http://a"));
     EXPECT_EQ(last("overtaken")["id"], toneCall.id);
 
-    const Call keyCall = send(R"({"command":"getInkey","text":"k","inputType":9,"option":2,"duration":7})");
+    const Call keyCall =
+        send(R"({"command":"getInkey","text":"k","inputType":9,"option":2,"duration":7})");
     const auto key = details(MOVA_STKSrv_GetInKeyRequest, keyCall);
-    EXPECT_EQ(std::tuple(toUtf8(key.szText), key.nInputType, key.bOption, key.usDuration), std::tuple("k", 9, 2, 7));
+    EXPECT_EQ(std::tuple(toUtf8(key.szText), key.nInputType, key.bOption, key.usDuration),
+              std::tuple("k", 9, 2, 7));
 
-    const auto input = details(MOVA_STKSrv_GetInputRequest, send(R"({"command":"getInput","text":"i","inputType":2,
+    const auto input =
+        details(MOVA_STKSrv_GetInputRequest, send(R"({"command":"getInput","text":"i","inputType":2,
         "echo":0,"minLength":-1,"maxLength":4,"option":1,"defaultText":"d"})"));
     EXPECT_EQ(toUtf8(input.szText) + toUtf8(input.szDefaultText), "id");
-    EXPECT_EQ(std::tuple(input.nInputType, input.bEcho, input.sMinLen, input.sMaxLen, input.bOption),
-              std::tuple(2, 0, -1, 4, 1));
+    EXPECT_EQ(
+        std::tuple(input.nInputType, input.bEcho, input.sMinLen, input.sMaxLen, input.bOption),
+        std::tuple(2, 0, -1, 4, 1));
 
     const Call text = send(R"({"command":"displayText","text":"p","clearMode":0,"duration":3})");
     const auto prompt = details(MOVA_STKSrv_GetPromptText, text);
-    EXPECT_EQ(std::tuple(toUtf8(prompt.szText), prompt.nClearMode, prompt.usDuration), std::tuple("p", 0, 3));
+    EXPECT_EQ(std::tuple(toUtf8(prompt.szText), prompt.nClearMode, prompt.usDuration),
+              std::tuple("p", 0, 3));
 
     const Call idle = send(R"({"command":"setUpIdleModeText","text":"idle"})");
     EXPECT_EQ(toUtf8(details(MOVA_STKSrv_GetIdleModePrompt, idle).szText), "idle");
 
     const Call files = send(R"({"command":"refresh","qualifier":3,"files":"01FF"})");
     const auto refresh = details(MOVA_STKSrv_GetRefreshInfo, files);
-    EXPECT_EQ(std::tuple(refresh.nQualifier, refresh.abFiles[1], refresh.abFiles[2]), std::tuple(3, 0xff, 0));
+    EXPECT_EQ(std::tuple(refresh.nQualifier, refresh.abFiles[1], refresh.abFiles[2]),
+              std::tuple(3, 0xff, 0));
 }
 
 TEST_F(SessionTest, AnswersTakeTheirBranch)
 {
     open();
-    const char *const branches = R"({"command":"displayText","text":"t","on":{"ok":[@50],"terminated":[@51],
+    const char *const branches =
+        R"({"command":"displayText","text":"t","on":{"ok":[@50],"terminated":[@51],
         "notSupported":[@52],"otherwise":[@53]}})";
-    const char *const input = R"({"command":"getInput","text":"t","on":{"ok":[@50],"cancelled":[@51],
+    const char *const input =
+        R"({"command":"getInput","text":"t","on":{"ok":[@50],"cancelled":[@51],
         "text":{"1":[@54],"*":[@55]}}})";
-    const char *const yesNo = R"({"command":"getInkey","text":"t","inputType":1,"on":{"yes":[@56],"no":[@57]}})";
-    // The answer, of one with text: whether the user accepted; its text; the type of what comes next.
+    const char *const yesNo =
+        R"({"command":"getInkey","text":"t","inputType":1,"on":{"yes":[@56],"no":[@57]}})";
+    // The answer, of one with text: whether the user accepted; its text; the type of what comes
+    // next.
     const std::tuple<const char *, int, uint16_t, int> rows[] = {
         {branches, 1, 0, 50}, {branches, 0, 0, 51},
         {branches, 4, 0, 52}, {branches, 7, 0, 53},
@@ -372,7 +391,8 @@ TEST_F(SessionTest, ResponseTimeRunsOut)
     open();
     const Call call = send(R"({"command":"displayText","text":"t","responseTime":1})");
     const Call late = next();
-    EXPECT_EQ(std::tuple(late.type, late.id, late.timeOut), std::tuple(MOVA_STKTYPE_DISPLAY_TEXT, call.id, true));
+    EXPECT_EQ(std::tuple(late.type, late.id, late.timeOut),
+              std::tuple(MOVA_STKTYPE_DISPLAY_TEXT, call.id, true));
     EXPECT_EQ(respond(call, call.type, STK_UI_TR_SUCCESS), StatusNotInProgress);
     EXPECT_EQ(last("timeout")["id"], call.id);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::Ready);
@@ -408,7 +428,8 @@ TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)
     // Answered, and no next command yet: the details can still be read.
     const Call second = send(R"({"command":"refresh","on":{"ok":[{"silence":true}]}})");
     std::unique_lock<std::mutex> lock(theMutex);
-    ASSERT_TRUE(theChange.wait_for(lock, 10s, [&] { return m_last["response"]["id"] == second.id; }));
+    ASSERT_TRUE(
+        theChange.wait_for(lock, 10s, [&] { return m_last["response"]["id"] == second.id; }));
     lock.unlock();
     EXPECT_EQ(MOVA_STKSrv_GetRefreshInfo(second.id, &info), 0);
     EXPECT_EQ(respond(second, second.type, STK_UI_TR_TERMINATED), StatusNotInProgress);
@@ -417,7 +438,8 @@ TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)
     EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_NOT_READY);
     open(Menu, R"("latency":1,"modemTime":80000)");
     const Call third = send(R"({"command":"refresh"})");
-    EXPECT_EQ(respond(third, third.type, STK_UI_TR_TERMINATED), 0); // before the modem: counts as the answer
+    EXPECT_EQ(respond(third, third.type, STK_UI_TR_TERMINATED),
+              0); // before the modem: counts as the answer
     EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
     EXPECT_EQ(last("response")["result"], "terminated");
 }
@@ -442,7 +464,8 @@ TEST_F(SessionTest, ModemGoesAndComesBack)
     EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_READY);
     EXPECT_EQ(next().type, MOVA_STKTYPE_SETUP_MENU);
 
-    EXPECT_EQ(CardHost::openScenario("/nowhere"), "/nowhere: cannot be read: No such file or directory");
+    EXPECT_EQ(CardHost::openScenario("/nowhere"),
+              "/nowhere: cannot be read: No such file or directory");
     EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_NOT_READY);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::NoCard);
     EXPECT_EQ(MOVA_STKSrv_GetMainMenu(&main), StatusNoCard);
@@ -479,12 +502,14 @@ TEST_F(SessionTest, InjectsFaults)
     EXPECT_EQ(shownMenu(sub), "S, 3; 5 a; 0 ; 0 "); // reported, not there: empty
     EXPECT_EQ(MOVA_STKSrv_SelectSubMenuItem(sub.id, 1, 5), -72);
     EXPECT_EQ(last("refused")["reason"], "the card's fault");
-    const Call negative = send(R"({"command":"selectItem","title":"S","itemCount":-3,"items":[{"text":"a"}]})");
+    const Call negative =
+        send(R"({"command":"selectItem","title":"S","itemCount":-3,"items":[{"text":"a"}]})");
     EXPECT_EQ(shownMenu(negative), "S, -3");
 
     MOVA_STKPlayToneInfo tone;
     EXPECT_EQ(MOVA_STKSrv_GetPlayTone(send(R"({"command":"playTone"})").id, &tone), -70);
-    EXPECT_EQ(CardHost::sendCommand(R"({"command":"beep"})").substr(0, 27), "command: /command: expected");
+    EXPECT_EQ(CardHost::sendCommand(R"({"command":"beep"})").substr(0, 27),
+              "command: /command: expected");
 }
 
 TEST_F(SessionTest, UnregisteringWaitsForTheCallbackOnAnotherThread)
@@ -506,8 +531,9 @@ TEST_F(SessionTest, UnregisteringWaitsForTheCallbackOnAnotherThread)
     });
     CardHost::endSession();
     entered.get_future().wait();
-    auto unregistering =
-        std::async(std::launch::async, [&] { return MOVA_STK_UnRegisterCallBack(onCommand) == 0 && returned; });
+    auto unregistering = std::async(std::launch::async, [&] {
+        return MOVA_STK_UnRegisterCallBack(onCommand) == 0 && returned;
+    });
     EXPECT_EQ(unregistering.wait_for(30ms), std::future_status::timeout);
     release.set_value();
     EXPECT_TRUE(unregistering.get());
@@ -582,7 +608,8 @@ TEST_F(SessionTest, TakesCallsFromManyThreads)
         [] {
             MOVA_STK_UnRegisterCallBack(onCommand);
             MOVA_STK_RegisterCallBack(onCommand);
-            CardHost::removeTranscriptListener(CardHost::addTranscriptListener([](const auto &) {}));
+            CardHost::removeTranscriptListener(
+                CardHost::addTranscriptListener([](const auto &) {}));
         },
     };
     std::vector<std::future<void>> running; // each ends with its thread

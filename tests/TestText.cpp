@@ -49,7 +49,8 @@ TEST(Text, ComesBackFromUtf16)
 
 TEST(Text, StaysOnOneLine)
 {
-    EXPECT_EQ(oneLine("a\nb\tc\x1b[2J\xe2\x80\xa8\xc2\x85 é"), "a\\nb\\tc\\u001b[2J\\u2028\\u0085 é");
+    EXPECT_EQ(oneLine("a\nb\tc\x1b[2J\xe2\x80\xa8\xc2\x85 é"),
+              "a\\nb\\tc\\u001b[2J\\u2028\\u0085 é");
     EXPECT_EQ(shortened("12345", 5), "12345");
     EXPECT_EQ(shortened("123€56", 5), "123…");
 }

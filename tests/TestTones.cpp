@@ -17,7 +17,8 @@ const double pi = std::acos(-1.0);
 struct Expected {
     int number;
     int ms; // all of the tone
-    std::vector<std::pair<int, int>> first; // bursts of one frequency in Hz, or silence (0), and their ms
+    std::vector<std::pair<int, int>>
+        first; // bursts of one frequency in Hz, or silence (0), and their ms
 };
 
 // 1 to 8: 3GPP TS 22.001 annex F.
@@ -85,6 +86,7 @@ TEST(Tones, FollowTheirCadenceAndDoNotClick)
         EXPECT_EQ(samples.front(), 0);
         EXPECT_EQ(samples.back(), 0);
         for (size_t i = 1; i + 1 < samples.size(); ++i)
-            ASSERT_LE(std::abs(samples[i - 1] - 2 * samples[i] + samples[i + 1]), 1.2 * bend + 2) << "at sample " << i;
+            ASSERT_LE(std::abs(samples[i - 1] - 2 * samples[i] + samples[i + 1]), 1.2 * bend + 2)
+                << "at sample " << i;
     }
 }

@@ -97,7 +97,10 @@ struct Log : CardListener {
     {
         tell(command + ": " + result);
     }
-    void noticed(const CardHost::Notice &notice) override { tell((notice.problem ? "! " : "- ") + notice.text); }
+    void noticed(const CardHost::Notice &notice) override
+    {
+        tell((notice.problem ? "! " : "- ") + notice.text);
+    }
     void pinWanted(const CardHost::PinRequest &wanted) override
     {
         request = wanted.id;
@@ -151,7 +154,8 @@ std::string fetch(const std::string &details, const std::string &objects)
 }
 
 // The terminal's response, from the value of the result on.
-std::string respond(const std::string &details, const std::string &result, const std::string &status = "9000")
+std::string respond(const std::string &details, const std::string &result,
+                    const std::string &status = "9000")
 {
     return "80140000" + counted("8103" + details + "82028281 83" + result) + " > " + status + ' ';
 }
@@ -240,7 +244,8 @@ protected:
     void start()
     {
         card.powerOn(now);
-        play("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " + fetch("012500", Menu),
+        play("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " +
+                 fetch("012500", Menu),
              "- Reader: a USIM; SET UP MENU");
         card.respond({}, now);
         play(respond("012500", "0100"), "end");
@@ -289,7 +294,9 @@ TEST(TestApdu, followsTheStatusWords)
         if (!row[3].empty())
             command.expected = static_cast<uint16_t>(std::stoi(row[3]));
         const auto answer = exchange(channel, command, [](const ApduTraffic &) {});
-        const auto status = [&] { return hex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)}); };
+        const auto status = [&] {
+            return hex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)});
+        };
         EXPECT_EQ(answer ? hex(answer->data) + status() : "none", row[5]);
         EXPECT_TRUE(wire.script.empty()) << row[4];
     }
@@ -335,7 +342,8 @@ TEST_F(TestToolkitCard, asksForThePin)
     EXPECT_EQ(log.traffic.back(), "0020000108FFFFFFFFFFFFFFFF>63C1");
     answerPin("12345678");
     play("00200001083132333435363738 > 6C08 READY", // never twice
-         "PIN.; ! Reader: the PIN could not be checked: the card answers 6C08 (another length was expected)");
+         "PIN.; ! Reader: the PIN could not be checked: the card answers 6C08 (another length was "
+         "expected)");
     for (const auto &row : rows(R"(
         0000 | A02000010830303030FFFFFFFF > 9000 PROFILE2G > 9000 | PIN.
         0000 | A02000010830303030FFFFFFFF > 9804                  | PIN.; PIN? 2 wrong
@@ -354,7 +362,8 @@ TEST_F(TestToolkitCard, asksForThePin)
 TEST_F(TestToolkitCard, answersForTheUser)
 {
     start();
-    offer("010400", "", "POLLING OFF: performed; end", respond("010400", "0100")); // nothing comes in between
+    offer("010400", "", "POLLING OFF: performed; end",
+          respond("010400", "0100")); // nothing comes in between
     // The command's details and objects; the user's answer after three seconds; what the card gets.
     for (const auto &row : rows(R"(
         012180 | 8D020441                   | ok           |   | 0100
@@ -444,17 +453,18 @@ TEST_F(TestToolkitCard, pollsAndTellsTimers)
     start();
     play("", "", 29s);
     play("STATUS", "", 1s);
-    select("910F " + fetch("010300", "84020105") + respond("010300", "0100 84020105", "9113") + fetch("012700", timer) +
-               respond("012700", "0100 A40102"),
+    select("910F " + fetch("010300", "84020105") + respond("010300", "0100 84020105", "9113") +
+               fetch("012700", timer) + respond("012700", "0100 A40102"),
            "POLL INTERVAL (5 s): performed; " + started + "; end");
     play("STATUS STATUS " + expired + " STATUS", "", 15s);
     // While the user reads, nothing is asked, and a timer that ran out waits.
-    select("9113 " + fetch("012700", timer) + respond("012700", "0100 A40102", waiting(Text)) + ShowText,
+    select("9113 " + fetch("012700", timer) + respond("012700", "0100 A40102", waiting(Text)) +
+               ShowText,
            started + "; DISPLAY TEXT");
     play("", "", 60s);
     card.respond({}, now);
-    play(respond("012180", "0100", "910B") + fetch("010400", "") + respond("010400", "0100") + expired.substr(0, 38) +
-             " > 9000",
+    play(respond("012180", "0100", "910B") + fetch("010400", "") + respond("010400", "0100") +
+             expired.substr(0, 38) + " > 9000",
          "POLLING OFF: performed; end");
     play("", "", 600s);
 }
@@ -489,7 +499,9 @@ TEST_F(TestToolkitCard, triesAgainWhereTheToolkitIsBusy)
     wire.otherwise = "9300";
     card.selectMenuItem(1, now);
     run(40s);
-    EXPECT_EQ(log.told, "! Reader: the card answers MENU SELECTION with 9300 (the card's toolkit is busy); end");
+    EXPECT_EQ(
+        log.told,
+        "! Reader: the card answers MENU SELECTION with 9300 (the card's toolkit is busy); end");
     EXPECT_LT(wire.transmits, 40);
 }
 
@@ -504,7 +516,8 @@ TEST_F(TestToolkitCard, endsTheSessionOnErrors)
     card.selectMenuItem(1, now);
     wire.add(expanded("SELECT1 910C 801200000C > 9000 ") + respond("000000", "0132", "6F00"));
     run(0ms);
-    EXPECT_NE(log.told.find("command data not understood by terminal; ! Reader: the card answers TERMINAL RESPONSE"),
+    EXPECT_NE(log.told.find("command data not understood by terminal; ! Reader: the card answers "
+                            "TERMINAL RESPONSE"),
               std::string::npos);
     log.told.clear();
     // A selection that comes in between waits for its turn, and the last one counts.
@@ -528,8 +541,10 @@ TEST_F(TestToolkitCard, doesNotWaitForTheReaderOfAnImmediateText)
     offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100"));
     card.respond({Result::Terminated}, now);
     select("9000", "end");
-    // The next command waits until the text is gone, the modem's own as well; a choice takes its place.
-    offer("012180", shown, "DISPLAY TEXT", respond("012180", "0100", waiting(Menu)) + fetch("012500", Menu));
+    // The next command waits until the text is gone, the modem's own as well; a choice takes its
+    // place.
+    offer("012180", shown, "DISPLAY TEXT",
+          respond("012180", "0100", waiting(Menu)) + fetch("012500", Menu));
     card.respond({}, now);
     play("", "SET UP MENU");
     card.respond({}, now);
@@ -568,9 +583,10 @@ TEST_F(TestToolkitCard, refreshes)
 TEST_F(TestToolkitCard, survivesTheCardsRemovalAtEachStep)
 {
     Wire whole;
-    whole.add(expanded("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " + fetch("012500", Menu) +
-                       respond("012500", "0100") + "SELECT1 " + waiting(Text) + ' ' + ShowText +
-                       respond("012180", "0100", "910B") + fetch("010200", "") + respond("010200", "0100")));
+    whole.add(expanded("FIND USIM NOPIN PROFILE > " + waiting(Menu) + " 80F2010C00 > 9000 " +
+                       fetch("012500", Menu) + respond("012500", "0100") + "SELECT1 " +
+                       waiting(Text) + ' ' + ShowText + respond("012180", "0100", "910B") +
+                       fetch("010200", "") + respond("010200", "0100")));
     for (size_t i = 0; i < 2 * whole.script.size(); ++i) {
         const size_t last = i / 2;
         SCOPED_TRACE(std::to_string(last) + ' ' + whole.script[last].first);
@@ -610,8 +626,11 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
     wire.status = {State::Ready, "Reader"};
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 60s);
     wire.present = false; // another one takes its place, that breaks down
-    play("00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent",
-         "ready; ! Reader: the card does not answer; removed; ready; removed; ready; removed; ready; removed", 8s);
+    play("00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > "
+         "silent",
+         "ready; ! Reader: the card does not answer; removed; ready; removed; ready; removed; "
+         "ready; removed",
+         8s);
     wire.present = false;
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 2s);
     card.powerOff();

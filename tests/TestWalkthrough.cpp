@@ -26,7 +26,8 @@ private slots:
 
     void refusesMissingFile()
     {
-        const QString expected = "/absent: expected a walkthrough, found no readable file: No such file or directory";
+        const QString expected =
+            "/absent: expected a walkthrough, found no readable file: No such file or directory";
         QCOMPARE(Walkthrough().load("/absent"), expected);
     }
 
@@ -80,26 +81,36 @@ void TestWalkthrough::refusesBadFiles_data()
     const auto row = [](const QByteArray &text, const QString &error) {
         QTest::newRow(text.isEmpty() ? "empty" : text.constData()) << text << error;
     };
-    const auto wrong = [](const char *field, const QByteArrayList &values, const QString &expected,
-                          const QByteArray &beside = "") {
-        for (const QByteArray &found : values) {
-            const QByteArray text = "[{" + beside + '"' + field + "\":" + found + "}]";
-            QTest::newRow(text) << text << QString("step 1: \"%1\": expected %2, found ").arg(field, expected) + found;
-        }
-    };
-    row("[{\"open\":true},\n  {\"back\" true}]", "line 2, column 12: expected JSON, found: missing name separator");
+    const auto wrong =
+        [](const char *field, const QByteArrayList &values, const QString &expected,
+           const QByteArray &beside = "") {
+            for (const QByteArray &found : values) {
+                const QByteArray text = "[{" + beside + '"' + field + "\":" + found + "}]";
+                QTest::newRow(text)
+                    << text
+                    << QString("step 1: \"%1\": expected %2, found ").arg(field, expected) + found;
+            }
+        };
+    row("[{\"open\":true},\n  {\"back\" true}]",
+        "line 2, column 12: expected JSON, found: missing name separator");
     row("", "line 1, column 1: expected JSON, found: illegal value");
     row(R"({"open":true})", "expected an array of steps, found an object");
     const QString steps =
         "open, expectMenu, select, back, close, escape, key, expectBusy, expectClosed, "
-        "expectMessage, expectCountdown, press, expectInput, type, erase, closeBox, expectPin, confirmPin, enterPin, "
+        "expectMessage, expectCountdown, press, expectInput, type, erase, closeBox, expectPin, "
+        "confirmPin, enterPin, "
         "expectTone, "
-        "expectUrl, expectResponse, modem, timeout, endSession, send, language, wait, screenshot, quit";
+        "expectUrl, expectResponse, modem, timeout, endSession, send, language, wait, screenshot, "
+        "quit";
     row(R"([{"open":true}, 5])", "step 2: expected an object with one of " + steps + ", found 5");
-    row(R"([{"opn":true}])", "step 1: expected an object with one of " + steps + R"(, found {"opn":true})");
-    row(R"([{"back":true, "open":true}])", R"(step 1: expected no field "open" beside "back", found it)");
-    row(R"([{"open":true, "by":"button"}])", R"(step 1: expected no field "by" beside "open", found it)");
-    row(R"([{"modem":"ready", "within":5}])", R"(step 1: expected no field "within" beside "modem", found it)");
+    row(R"([{"opn":true}])",
+        "step 1: expected an object with one of " + steps + R"(, found {"opn":true})");
+    row(R"([{"back":true, "open":true}])",
+        R"(step 1: expected no field "open" beside "back", found it)");
+    row(R"([{"open":true, "by":"button"}])",
+        R"(step 1: expected no field "by" beside "open", found it)");
+    row(R"([{"modem":"ready", "within":5}])",
+        R"(step 1: expected no field "within" beside "modem", found it)");
 
     const QString time = "a whole number of milliseconds from 0 to 600000";
     wrong("by", {"\"mouse\""}, R"("button", "doubleClick" or "return")", R"("select":"a",)");
@@ -110,7 +121,8 @@ void TestWalkthrough::refusesBadFiles_data()
     wrong("select", {"\"\""}, "a text that is not empty");
     wrong("expectMenu", {"{}", R"({"items":["a",1]})", R"({"titel":"a"})"},
           R"(an object with "title" (text), "items" (texts) or "back" (true or false))");
-    wrong("key", {"\"Sideways\"", "\"Up, Down\""}, R"(the name of one key, such as "Down" or "Ctrl+A")");
+    wrong("key", {"\"Sideways\"", "\"Up, Down\""},
+          R"(the name of one key, such as "Down" or "Ctrl+A")");
     wrong("modem", {"\"broken\""}, R"("removed" or "ready")");
     wrong("send", {"\"displayText\""}, "a proactive command as in a card scenario");
     wrong("language", {"\"xx\""}, "a language: en, de, fr, es, zh_CN, ar");
@@ -123,8 +135,9 @@ void TestWalkthrough::refusesBadFiles_data()
         R"(an object with "prompt", "text" (texts), "hidden", "ok" (true or false) or "maxLength" (number), or false)");
     wrong("expectResponse", {R"({"valu":1})", R"({"value":1.5})", R"({"accepted":1})"},
           "an object of fields of a transcript's entry, or false");
-    wrong("expectPin", {"true", R"({"tries":"3"})"},
-          R"(an object with "card" (text), "tries" (number), "wrong" or "ok" (true or false), or false)");
+    wrong(
+        "expectPin", {"true", R"({"tries":"3"})"},
+        R"(an object with "card" (text), "tries" (number), "wrong" or "ok" (true or false), or false)");
     for (const char *pin : {"\"123\"", "\"123456789\"", "\"12a4\"", "1234"})
         row("[{\"enterPin\":" + QByteArray(pin) + "}]",
             R"(step 1: "enterPin": expected a text of four to eight digits, found "***")");

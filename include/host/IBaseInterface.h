@@ -3,10 +3,9 @@
 
 /* What every interface of a plug-in offers.  The host calls through the table of virtual
  * operations: their order here, and in the other files of this folder, is a binary interface. */
-class IBaseInterface
-{
+class IBaseInterface {
 public:
-    virtual ~IBaseInterface() {}
+    virtual ~IBaseInterface() { }
 
     virtual void Release() = 0;
     /* Error code of the last operation, 0 for none. */

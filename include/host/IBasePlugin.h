@@ -8,8 +8,7 @@
 #include "IDestroyEvent.h"
 
 /* Identity and start-up of a plug-in. */
-class IBasePlugin : public IBaseInterface, public IDestroyEvent
-{
+class IBasePlugin : public IBaseInterface, public IDestroyEvent {
 public:
     virtual bool Init() = 0;
     virtual int GetPluginType() = 0;

@@ -2,10 +2,9 @@
 #define IDESTROYEVENT_H
 
 /* How the host announces its end to a plug-in. */
-class IDestroyEvent
-{
+class IDestroyEvent {
 public:
-    virtual ~IDestroyEvent() {}
+    virtual ~IDestroyEvent() { }
 
     virtual void OnDestroy() = 0;
     /* Withdraw every callback from the host's libraries.  Called before the root object is

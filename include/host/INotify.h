@@ -4,10 +4,9 @@
 #include <QObject>
 
 /* How the host tells a plug-in of a change.  Code 0x400: the language changed, translate again. */
-class INotify
-{
+class INotify {
 public:
-    virtual ~INotify() {}
+    virtual ~INotify() { }
 
     virtual int Notify(unsigned int uCode, unsigned int uParam1, unsigned int uParam2) = 0;
 };

@@ -7,8 +7,7 @@ class QRect;
 class QWidget;
 
 /* A plug-in with a window of its own. */
-class IUIPlugin : public IBasePlugin
-{
+class IUIPlugin : public IBasePlugin {
 public:
     /* Shows the plug-in's window over pParent; false when nothing could be shown. */
     virtual bool ShowWindow(QWidget *pParent, QRect &area) = 0;

@@ -6,8 +6,7 @@
 #include "HostUiGlobal.h"
 
 /* Translation of text identifiers into the host's language. */
-class HOSTUI_API Change
-{
+class HOSTUI_API Change {
 public:
     /* The text of the identifier in the context, or the identifier itself where the language has
      * none. */

@@ -8,8 +8,7 @@
 
 /* A message box that lives inside an ExtendDialog and tells it the size that its text wants.
  * The text is plain text. */
-class HOSTUI_API ClipMessageBox : public QMessageBox
-{
+class HOSTUI_API ClipMessageBox : public QMessageBox {
     Q_OBJECT
 
 public:

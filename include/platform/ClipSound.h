@@ -9,8 +9,7 @@
 class ClipSoundPrivate;
 
 /* Plays one sound file, once. */
-class HOSTUI_API ClipSound : public QObject
-{
+class HOSTUI_API ClipSound : public QObject {
     Q_OBJECT
 
 public:

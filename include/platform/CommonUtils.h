@@ -11,8 +11,7 @@ class QThread;
 class QWidget;
 
 /* Services that the host shares with its plug-ins.  GUI thread only. */
-class HOSTUI_API CommonUtils
-{
+class HOSTUI_API CommonUtils {
 public:
     /* The host's main window, null before it exists. */
     static QWidget *GetMainWindow();
@@ -27,10 +26,11 @@ public:
      * are translated, an empty one leaves its button out.  *ppDialog holds the box while it is up
      * and null afterwards; ppDialog may be null.  detail, where it is not empty, stands under the
      * text.  modal: the window of parent waits; centre: the box opens over the middle of parent. */
-    static QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, QWidget *parent, QString title,
-                                                   QString text, QString button1, QString button2,
-                                                   QString button3, bool modal, Qt::WindowFlags flags,
-                                                   QDialog **ppDialog, QString detail, bool centre);
+    static QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, QWidget *parent,
+                                                   QString title, QString text, QString button1,
+                                                   QString button2, QString button3, bool modal,
+                                                   Qt::WindowFlags flags, QDialog **ppDialog,
+                                                   QString detail, bool centre);
     /* Opens the address in the user's browser.  Only http and https; false, with a logged reason,
      * for anything else. */
     static bool OpenUrl(QString url);

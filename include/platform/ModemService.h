@@ -42,7 +42,7 @@ enum { MOVA_TEXT_UNITS = 256, MOVA_LONG_TEXT_UNITS = 257 };
 
 /* Type of a proactive command, as the library reports it (not the type of command byte of
  * ETSI TS 102 223 clause 9.4).  Any 32-bit value may arrive. */
-typedef enum _MOVA_EN_STKTYPE MOVA_ENUM_WIDTH(int32_t) {
+typedef enum _MOVA_EN_STKTYPE MOVA_ENUM_WIDTH(int32_t){
     MOVA_STKTYPE_SETUP_MENU = 0,
     MOVA_STKTYPE_DISPLAY_TEXT = 1,
     MOVA_STKTYPE_GET_INKEY = 2,
@@ -56,16 +56,15 @@ typedef enum _MOVA_EN_STKTYPE MOVA_ENUM_WIDTH(int32_t) {
     MOVA_STKTYPE_SEND_USSD = 10,
     MOVA_STKTYPE_LAUNCH_BROWSER = 11,
     MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT = 12,
-    MOVA_STKTYPE_END_SESSION = 99
-} _MOVA_EN_STKTYPE;
+    MOVA_STKTYPE_END_SESSION = 99} _MOVA_EN_STKTYPE;
 
 /* Type of the command that a terminal response answers: the same numbers. */
 typedef _MOVA_EN_STKTYPE _STK_UI_EN_STKTYPE;
 
 /* Result of a terminal response that carries no data. */
-typedef enum _STK_UI_EN_TERMINALRESPONSE MOVA_ENUM_WIDTH(int32_t) {
-    STK_UI_TR_TERMINATED = 0,   /* the user ended it, or nothing could handle the command */
-    STK_UI_TR_SUCCESS = 1,      /* performed */
+typedef enum _STK_UI_EN_TERMINALRESPONSE MOVA_ENUM_WIDTH(int32_t){
+    STK_UI_TR_TERMINATED = 0, /* the user ended it, or nothing could handle the command */
+    STK_UI_TR_SUCCESS = 1, /* performed */
     STK_UI_TR_NOT_SUPPORTED = 4 /* beyond what this terminal does */
 } _STK_UI_EN_TERMINALRESPONSE;
 
@@ -82,7 +81,7 @@ enum { MOVA_SUBMENU_ACTION_NONE = 0, MOVA_SUBMENU_ACTION_SELECT = 1, MOVA_SUBMEN
 /* Second argument of the command callback. */
 typedef struct MOVA_STKNotifyData {
     _MOVA_EN_STKTYPE enStkType;
-    int16_t sCmdId;   /* identifier of the command; every later call about it passes it back */
+    int16_t sCmdId; /* identifier of the command; every later call about it passes it back */
     int32_t bTimeOut; /* 1: the card's proactive session timed out, the type means nothing */
 } MOVA_STKNotifyData;
 
@@ -112,7 +111,7 @@ typedef struct MOVA_STKSubMenuInfo {
 #pragma pack(pop)
 
 typedef struct MOVA_STKPlayToneInfo {
-    int32_t nTone;       /* tone value of ETSI TS 102 223 clause 8.16 */
+    int32_t nTone; /* tone value of ETSI TS 102 223 clause 8.16 */
     uint16_t usDuration; /* seconds */
     uint16_t szText[MOVA_LONG_TEXT_UNITS];
 } MOVA_STKPlayToneInfo;
@@ -124,24 +123,24 @@ typedef struct MOVA_STKLaunchBrowserInfo {
 
 typedef struct MOVA_STKInKeyInfo {
     uint16_t szText[MOVA_TEXT_UNITS]; /* prompt */
-    int32_t nInputType;               /* 0-3; 1 wants yes or no, 2 digits only */
-    int32_t bOption;                  /* 0 or 1 */
-    uint16_t usDuration;              /* answer time limit, 0 for none */
+    int32_t nInputType; /* 0-3; 1 wants yes or no, 2 digits only */
+    int32_t bOption; /* 0 or 1 */
+    uint16_t usDuration; /* answer time limit, 0 for none */
 } MOVA_STKInKeyInfo;
 
 typedef struct MOVA_STKInputInfo {
     uint16_t szText[MOVA_TEXT_UNITS]; /* prompt */
-    int32_t nInputType;               /* 0-3; 2 wants digits only */
-    int32_t bEcho;                    /* 1 shows what is typed, 0 hides it */
-    int16_t sMinLen;                  /* characters */
-    int16_t sMaxLen;                  /* characters */
-    int32_t bOption;                  /* 0 or 1 */
+    int32_t nInputType; /* 0-3; 2 wants digits only */
+    int32_t bEcho; /* 1 shows what is typed, 0 hides it */
+    int16_t sMinLen; /* characters */
+    int16_t sMaxLen; /* characters */
+    int32_t bOption; /* 0 or 1 */
     uint16_t szDefaultText[MOVA_TEXT_UNITS];
 } MOVA_STKInputInfo;
 
 typedef struct MOVA_STKPromptTextInfo {
     uint16_t szText[MOVA_TEXT_UNITS];
-    int32_t nClearMode;  /* 0: the text clears itself after a delay; other: the user clears it */
+    int32_t nClearMode; /* 0: the text clears itself after a delay; other: the user clears it */
     uint16_t usDuration; /* seconds */
 } MOVA_STKPromptTextInfo;
 
@@ -150,7 +149,7 @@ typedef struct MOVA_STKIdleModeTextInfo {
 } MOVA_STKIdleModeTextInfo;
 
 typedef struct MOVA_STKRefreshInfo {
-    int32_t nQualifier;   /* command qualifier of ETSI TS 102 223 clause 8.6 */
+    int32_t nQualifier; /* command qualifier of ETSI TS 102 223 clause 8.6 */
     uint8_t abFiles[256]; /* file list, ETSI TS 102 223 clause 8.18 */
 } MOVA_STKRefreshInfo;
 

@@ -57,16 +57,18 @@ QString CommonUtils::GetPluginLibraryPath()
     return fakeHostUi.libraryPath;
 }
 
-void CommonUtils::MoveCentre(QWidget *)
-{
-}
+void CommonUtils::MoveCentre(QWidget *) { }
 
-QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon icon, QWidget *parent, QString title, QString text,
-                                                     QString button1, QString button2, QString button3, bool modal,
-                                                     Qt::WindowFlags flags, QDialog **ppDialog, QString detail, bool centre)
+QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon icon, QWidget *parent,
+                                                     QString title, QString text, QString button1,
+                                                     QString button2, QString button3, bool modal,
+                                                     Qt::WindowFlags flags, QDialog **ppDialog,
+                                                     QString detail, bool centre)
 {
-    const QString how = QString("%1,%2,%3,%4").arg(icon).arg(modal).arg(int(flags), 0, 16).arg(centre);
-    fakeHostUi.messages << QStringList({title, text, button1, button2, button3, how, detail}).join("|");
+    const QString how =
+        QString("%1,%2,%3,%4").arg(icon).arg(modal).arg(int(flags), 0, 16).arg(centre);
+    fakeHostUi.messages
+        << QStringList({title, text, button1, button2, button3, how, detail}).join("|");
     if (fakeHostUi.messageAnswer)
         return fakeHostUi.messageAnswer;
     ExtendDialog box(parent, flags, 4);

@@ -17,17 +17,19 @@ struct FakeModemService {
         QString text;
     };
 
-    /* Every call since the last take, in order, as "Name(argument,argument)" without the prefix.  The
-     * four registrations and the releases are recorded too. */
+    /* Every call since the last take, in order, as "Name(argument,argument)" without the prefix.
+     * The four registrations and the releases are recorded too. */
     QStringList takeCalls();
 
-    /* Status of a function, by its name without "MOVA_", "MOVA_STKSrv_" or the like; 0 by default. */
+    /* Status of a function, by its name without "MOVA_", "MOVA_STKSrv_" or the like; 0 by default.
+     */
     QHash<QString, int32_t> status;
 
     QString mainTitle, subTitle;
     std::vector<Item> mainItems, subItems;
     enum { NoOverride = -99999 };
-    int itemCountOverride = NoOverride; /* reported instead of the number of items where it is another */
+    int itemCountOverride =
+        NoOverride; /* reported instead of the number of items where it is another */
     bool nullItems = false;
     int menusOut = 0; /* menus that were handed out and not released */
 
@@ -41,17 +43,17 @@ struct FakeModemService {
     MOVA_STKCallback stkCallback = nullptr;
     MOVA_DevMgrCallback deviceCallback = nullptr;
 
-    /* Each calls the registered callback on a thread of its own, returns when that has returned, and
-     * gives what it returned. */
+    /* Each calls the registered callback on a thread of its own, returns when that has returned,
+     * and gives what it returned. */
     int notify(int type, int cmdId, int timeOut = 0);
     int notifyNull();
     int device(int code);
 
-    template <size_t units>
-    static void put(uint16_t (&array)[units], const QString &text)
+    template <size_t units> static void put(uint16_t (&array)[units], const QString &text)
     {
         for (size_t i = 0; i < units; ++i)
-            array[i] = i < static_cast<size_t>(text.size()) ? text.at(static_cast<int>(i)).unicode() : 0;
+            array[i] =
+                i < static_cast<size_t>(text.size()) ? text.at(static_cast<int>(i)).unicode() : 0;
     }
 };
 

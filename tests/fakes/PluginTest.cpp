@@ -110,7 +110,8 @@ void PluginTest::clickRow(int row)
 
 bool PluginTest::isBusy()
 {
-    return QApplication::overrideCursor() && QApplication::overrideCursor()->shape() == Qt::WaitCursor;
+    return QApplication::overrideCursor() &&
+        QApplication::overrideCursor()->shape() == Qt::WaitCursor;
 }
 
 void PluginTest::send(int type, int cmdId, int timeOut)

@@ -13,8 +13,8 @@
 #include "FakeModemService.h"
 #include "STKDialog.h"
 
-/* What the tests of the plug-in share: clean fakes for every test function, the trace lines that were
- * written, and the toolkit window as a user sees it. */
+/* What the tests of the plug-in share: clean fakes for every test function, the trace lines that
+ * were written, and the toolkit window as a user sees it. */
 class PluginTest : public QObject {
     Q_OBJECT
 
@@ -45,7 +45,10 @@ protected:
 
     static QDialog *frame() { return find<QDialog>("STKPlugin_Stkdialog"); }
     static QTableWidget *table() { return find<QTableWidget>("STKPlugin_TableWidgetMenu"); }
-    static QPushButton *button(const QString &name) { return find<QPushButton>("STKPlugin_PushBtn" + name); }
+    static QPushButton *button(const QString &name)
+    {
+        return find<QPushButton>("STKPlugin_PushBtn" + name);
+    }
     static QStringList rows();
     static void clickRow(int row);
     static void click(QWidget *widget) { QTest::mouseClick(widget, Qt::LeftButton); }
@@ -54,7 +57,10 @@ protected:
     static void deliver() { QCoreApplication::sendPostedEvents(); }
     /* Notifies and delivers. */
     void send(int type, int cmdId, int timeOut = 0);
-    static void deleteClosed() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    static void deleteClosed()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
 protected slots:
     void initTestCase();
@@ -63,8 +69,7 @@ protected slots:
 
 private:
     /* The visible widget of that name. */
-    template <typename Widget>
-    static Widget *find(const QString &name)
+    template <typename Widget> static Widget *find(const QString &name)
     {
         for (QWidget *widget : QApplication::allWidgets()) {
             if (widget->objectName() == name && widget->isVisible())
