@@ -6,7 +6,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "../bench/ReaderTools.h"
+#include "ReaderTools.h"
 #include "CardHost.h"
 #include "Text.h"
 #include "platform/ModemService.h"

@@ -5,12 +5,6 @@ stk_gtest(NAME TestCat SOURCES TestCat.cpp TestCatJson.h LIBS ModemServiceObject
 stk_gtest(NAME TestCatVectors SOURCES TestCatVectors.cpp TestCatJson.h LIBS ModemServiceObjects)
 set_tests_properties(TestCatVectors PROPERTIES SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
 
-# Random bytes, and commands with faults, for a few seconds.
-add_executable(CatFuzz ${PROJECT_SOURCE_DIR}/bench/CatFuzz.cpp)
-target_link_libraries(CatFuzz PRIVATE ModemServiceObjects)
-
-set_target_properties(CatFuzz PROPERTIES
-  AUTOMOC OFF
-  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench BUILD_RPATH ${STK_LIB_DIR} INSTALL_RPATH ${STK_LIB_DIR})
-add_test(NAME CatFuzz COMMAND CatFuzz 5)
-set_tests_properties(CatFuzz PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)
+# Random bytes, and commands with faults.
+stk_random_test(NAME CatFuzz SECONDS 5 SOURCES CatFuzz.cpp LIBS ModemServiceObjects)
+set_target_properties(CatFuzz PROPERTIES AUTOMOC OFF)

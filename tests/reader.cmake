@@ -1,7 +1,16 @@
 # Cards of src/VirtualCard in readers of a smart-card daemon that tests/reader/with-pcscd starts for
 # each test.  Where no such daemon can be started a test is skipped.
 set(with_pcscd ${CMAKE_CURRENT_SOURCE_DIR}/reader/with-pcscd)
-set(reader_tools ${PROJECT_SOURCE_DIR}/bench/ReaderTools.cpp)
+
+# How a program puts cards into those readers, for the tests and for bench/ReaderBench.
+add_library(ReaderTools OBJECT ReaderTools.cpp)
+target_link_libraries(ReaderTools PUBLIC stk_options ModemServiceObjects)
+target_include_directories(ReaderTools PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(ReaderTools
+  PUBLIC STK_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+  PRIVATE VIRTUAL_CARD="$<TARGET_FILE:VirtualCard>")
+set_target_properties(ReaderTools PROPERTIES AUTOMOC OFF)
+add_dependencies(ReaderTools VirtualCard)
 
 function(stk_reader_test name)
   add_test(NAME ${name} COMMAND ${with_pcscd} ${ARGN})
@@ -10,13 +19,9 @@ function(stk_reader_test name)
 endfunction()
 
 function(stk_reader_executable name)
-  add_executable(${name} ${ARGN} ${reader_tools})
-  target_link_libraries(${name} PRIVATE stk_options ModemServiceObjects)
-  target_compile_definitions(${name} PRIVATE
-    STK_SOURCE_DIR="${PROJECT_SOURCE_DIR}" VIRTUAL_CARD="$<TARGET_FILE:VirtualCard>")
-  set_target_properties(${name} PROPERTIES
-    AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  add_dependencies(${name} VirtualCard)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE ReaderTools ModemServiceObjects)
+  set_target_properties(${name} PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 endfunction()
 
 # Every card that has a walkthrough, through the windows of the host.
@@ -31,6 +36,5 @@ stk_reader_executable(ReaderEndToEnd ReaderEndToEnd.cpp)
 target_link_libraries(ReaderEndToEnd PRIVATE GTest::gtest_main)
 stk_reader_test(ReaderEndToEnd $<TARGET_FILE:ReaderEndToEnd>)
 
-stk_reader_executable(ReaderSoak ${PROJECT_SOURCE_DIR}/bench/ReaderSoak.cpp)
-set_target_properties(ReaderSoak PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bench)
+stk_reader_executable(ReaderSoak ReaderSoak.cpp)
 stk_reader_test(ReaderSoak $<TARGET_FILE:ReaderSoak> 10)

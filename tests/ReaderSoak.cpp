@@ -1,7 +1,7 @@
 /* Lets cards that misbehave at random, in the virtual reader of a real smart-card daemon, meet a
  * user who acts at random, for as long as it is told, from a seed that it prints.
  *
- *     tests/reader/with-pcscd build/bench/ReaderSoak [SECONDS [SEED]]
+ *     tests/reader/with-pcscd build/tests/ReaderSoak [SECONDS [SEED]]
  *
  * It ends with exit status 1 when a call waited for the card, when a well-behaved card could not be
  * used afterwards, when memory grew, or when the process could not end within five seconds.  A
