@@ -300,6 +300,16 @@ std::string sendCommand(const std::string &json)
     }
 }
 
+bool hasMenu()
+{
+    return theSession().hasMenu();
+}
+
+void setCommandListener(CommandListener listener)
+{
+    theSession().setCommandListener(std::move(listener));
+}
+
 int addTranscriptListener(TranscriptListener listener)
 {
     return theSession().transcript().addListener(std::move(listener));

@@ -149,6 +149,16 @@ MOVA_API void timeOutSession();
 /// the modem, and then nothing was sent.
 MOVA_API std::string sendCommand(const std::string &json);
 
+/// Whether the card in the modem has a menu for the user to choose from.
+MOVA_API bool hasMenu();
+
+/// Told the type of a proactive command: MOVA_STKTYPE_...
+using CommandListener = std::function<void(int32_t type)>;
+/// In place of the listener before; null for none.  It is called on the session's thread, right
+/// before the terminal hears of the command, and must not call back into this header.  No call of
+/// the listener before runs after this returns.
+MOVA_API void setCommandListener(CommandListener listener);
+
 /// Calls the listener for every entry from now on, one entry at a time and in order, before the
 /// call that caused the entry returns: on its thread, or on another that is telling entries just
 /// then. The listener must not call back into this header.  The result is never 0.

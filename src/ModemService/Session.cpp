@@ -368,6 +368,18 @@ CardHost::ModemState Session::state()
     return m_underWay ? CardHost::ModemState::Busy : CardHost::ModemState::Ready;
 }
 
+bool Session::hasMenu()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_menu && !commandMenu(m_menu->body)->items.empty();
+}
+
+void Session::setCommandListener(CardHost::CommandListener listener)
+{
+    std::lock_guard<std::mutex> lock(m_listenerMutex);
+    m_commandListener = std::move(listener);
+}
+
 void Session::withCard(std::function<void(Card &)> function)
 {
     Guard guard(*this);
@@ -664,12 +676,21 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
     m_running = Running::CommandCallback;
     lock.unlock();
     if (callback) {
+        if (isCommand)
+            tellListener(type);
         MOVA_STKNotifyData data{static_cast<_MOVA_EN_STKTYPE>(type), id, timeOut};
         callback(0, &data);
     }
     lock.lock();
     m_running = Running::None;
     m_returned.notify_all();
+}
+
+void Session::tellListener(int32_t type)
+{
+    std::lock_guard<std::mutex> lock(m_listenerMutex);
+    if (m_commandListener)
+        m_commandListener(type);
 }
 
 bool Session::isCurrent(int16_t id) const

@@ -65,6 +65,9 @@ public:
     void endSession();
     void timeOutSession();
     CardHost::ModemState state();
+    bool hasMenu();
+    /// Heard on the session's thread, right before the command callback is called with a command.
+    void setCommandListener(CardHost::CommandListener listener);
     /// Runs the function with the card that is in the modem now, on the session's thread; never
     /// where there is none or the modem was removed by then.
     void withCard(std::function<void(Card &)> function);
@@ -126,6 +129,7 @@ private:
     void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex> &lock);
     bool isCurrent(int16_t id) const;
     void holdBack(std::unique_lock<std::mutex> &lock);
+    void tellListener(int32_t type);
     void callDevice(int code, std::unique_lock<std::mutex> &lock);
 
     Transcript m_transcript;
@@ -150,6 +154,10 @@ private:
     std::optional<CommandInProgress> m_current;
     int16_t m_lastCommandId = 0;
     std::optional<int16_t> m_lateKeyId; // a yes-no question that ended unanswered
+
+    // Called with its lock held, so that none is running when its successor has been set.
+    std::mutex m_listenerMutex;
+    CardHost::CommandListener m_commandListener;
 
     std::deque<Request> m_requests;
     bool m_stop = false;
