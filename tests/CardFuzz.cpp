@@ -86,8 +86,8 @@ public:
     {
         m_present = !m_chance.once(m_loss / 50);
         if (m_present)
-            return {State::Ready, "Reader"};
-        return {static_cast<State>(m_chance.below(5)), "trouble"};
+            return {State::Ready, "Reader", {}};
+        return {static_cast<State>(m_chance.below(5)), {}, {{}, {}, "trouble", true}};
     }
     void disconnect() override { }
     bool isPresent() override { return m_present = m_present && !m_chance.once(m_loss); }

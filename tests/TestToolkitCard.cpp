@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <fstream>
 #include <map>
+#include <cstring>
 #include <regex>
 #include <sstream>
 
@@ -36,7 +38,7 @@ std::string hex(cat::ByteView data)
 struct Wire {
     std::deque<std::pair<std::string, std::string>> script;
     std::string otherwise; // the answer to everything when the script is over; empty: a failure
-    CardChannel::Status status{CardChannel::State::Ready, "Reader"};
+    CardChannel::Status status{CardChannel::State::Ready, "Reader", {}};
     CardChannel::Protocol protocol = CardChannel::Protocol::T0;
     bool present = true;
     int connects = 0, transmits = 0;
@@ -48,6 +50,11 @@ struct Wire {
             script.push_back({command, answer});
     }
 };
+
+CardChannel::Status trouble(CardChannel::State state, const std::string &text)
+{
+    return {state, {}, {{}, {}, text, true}};
+}
 
 struct FakeChannel : CardChannel {
     explicit FakeChannel(Wire &owner)
@@ -306,6 +313,21 @@ TEST(TestApdu, followsTheStatusWords)
     Apdu command{0, 0xa4, 0, 4, {0x3f, 0}, 256};
     EXPECT_FALSE(isDone(exchange(channel, command, [](const ApduTraffic &) {})->status));
     EXPECT_LT(endless.transmits, 100);
+}
+
+TEST(TestNotices, sayWhatTheEnglishCatalogueSays)
+{
+    std::ifstream file(STK_SOURCE_DIR "/translations/host_en.ts");
+    const std::string all{std::istreambuf_iterator<char>(file), {}};
+    for (int id = 0; id <= static_cast<int>(LastNoticeId); ++id) {
+        const CardHost::Notice notice = noticeOf(static_cast<NoticeId>(id), {"%1", "%2", "%3"});
+        const size_t source = all.find('>' + notice.id + '<');
+        const size_t text = all.find("translation>", source) + std::strlen("translation>");
+        EXPECT_EQ(all.substr(text, all.find('<', text) - text), notice.text) << notice.id;
+    }
+    const auto refused = noticeOf(NoticeId::CardRefuses, {"%3", "A"}, 0x6f00);
+    EXPECT_EQ(refused.text, "%3: the card answers A with 6F00 (technical problem of the card)");
+    EXPECT_EQ(refused.arguments, (std::vector<std::string>{"%3", "A", "6F00"}));
 }
 
 TEST_F(TestToolkitCard, findsTheApplication)
@@ -600,7 +622,7 @@ TEST_F(TestToolkitCard, survivesTheCardsRemovalAtEachStep)
             if (expanded("SELECT1").find(wire.script.front().first) == 0)
                 card.selectMenuItem(1, now);
         }
-        wire.status = {CardChannel::State::NoCard, "no card"};
+        wire.status = trouble(CardChannel::State::NoCard, "no card");
         wire.present = false;
         now += 250ms;
         run(1s);
@@ -608,7 +630,7 @@ TEST_F(TestToolkitCard, survivesTheCardsRemovalAtEachStep)
         const std::string end = "removed; ! no card";
         EXPECT_EQ(log.told.substr(std::max(log.told.size(), end.size()) - end.size()), end);
         log.told.clear();
-        wire.status = {CardChannel::State::Ready, "Reader"};
+        wire.status = {CardChannel::State::Ready, "Reader", {}};
         play(Reset, "ready; - Reader: a USIM", 1s);
         card.powerOff();
     }
@@ -618,12 +640,12 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
 {
     using State = CardChannel::State;
     card.powerOn(now);
-    wire.status = {State::NoDaemon, "no daemon"};
+    wire.status = trouble(State::NoDaemon, "no daemon");
     play("", "! no daemon; removed", 5s);
     EXPECT_EQ(wire.connects, 6);
-    wire.status = {State::InUse, "in use"};
+    wire.status = trouble(State::InUse, "in use");
     play("", "! in use", 5s);
-    wire.status = {State::Ready, "Reader"};
+    wire.status = {State::Ready, "Reader", {}};
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 60s);
     wire.present = false; // another one takes its place, that breaks down
     play("00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > silent 00A40004023F00 > "

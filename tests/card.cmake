@@ -1,5 +1,6 @@
 # Cards in readers, without a reader.
 stk_gtest(NAME TestToolkitCard SOURCES TestToolkitCard.cpp LIBS ModemServiceObjects)
+target_compile_definitions(TestToolkitCard PRIVATE STK_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 
 # Cards that answer anything.
 stk_random_test(NAME CardFuzz SECONDS 5 SOURCES CardFuzz.cpp LIBS ModemServiceObjects)

@@ -369,5 +369,109 @@
         <source>IDS_CM_PIN_CANCEL</source>
         <translation>المتابعة بدون PIN</translation>
     </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_DAEMON</source>
+        <translation>خدمة البطاقات الذكية لا تعمل (pcscd)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_READER</source>
+        <translation>لا يوجد قارئ بطاقات متصل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SUCH_READER</source>
+        <translation>لا يوجد قارئ بطاقات يبدأ اسمه بـ«%1»؛ المتوفر: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_GONE</source>
+        <translation>%1: لم يعد القارئ متصلاً</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_FAILS</source>
+        <translation>%1: أبلغت خدمة البطاقات الذكية: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_CHOSEN</source>
+        <translation>%1: اختير من بين القارئات المتصلة (%2)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_HANGS</source>
+        <translation>%1: القارئ لا يستجيب؛ يمكن فتح بطاقة أخرى</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_ANSWERS</source>
+        <translation>%1: عاد القارئ إلى الاستجابة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_CARD</source>
+        <translation>%1: لا توجد بطاقة في القارئ</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_MUTE</source>
+        <translation>%1: البطاقة لا تستجيب (هل أُدخلت في الاتجاه الصحيح؟)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_IN_USE</source>
+        <translation>%1: يستأثر برنامج آخر بالبطاقة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_SILENT</source>
+        <translation>%1: البطاقة لا تستجيب</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_REFUSES</source>
+        <translation>%1: ردّت البطاقة على %2 بالرمز %3</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_USIM</source>
+        <translation>%1: بطاقة USIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_ISIM</source>
+        <translation>%1: بطاقة ISIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_SIM</source>
+        <translation>%1: بطاقة SIM من الجيل الثاني</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SIM</source>
+        <translation>%1: لا يوجد تطبيق SIM على هذه البطاقة (هل هي بطاقة مصرفية؟)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU</source>
+        <translation>%1: ليس لهذه البطاقة قائمة خدمات SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MENU_LATE</source>
+        <translation>%1: وصلت قائمة خدمات SIM متأخرة</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_BLOCKED</source>
+        <translation>%1: رقم PIN لهذه البطاقة مقفل؛ لا يفيد سوى رقم PUK الخاص بها في هاتف</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_LEFT_OUT</source>
+        <translation>%1: تتابع البطاقة بدون رقم PIN الخاص بها</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_UNCHECKED</source>
+        <translation>%1: تعذّر التحقق من رقم PIN: ردّت البطاقة بالرمز %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED</source>
+        <translation>%1: ليس لهذه البطاقة قائمة خدمات SIM: رقم PIN الخاص بها مقفل؛ لا يفيد سوى رقم PUK في هاتف</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_LEFT_OUT</source>
+        <translation>%1: ليس لهذه البطاقة قائمة خدمات SIM: تتابع بدون رقم PIN الخاص بها</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_UNCHECKED</source>
+        <translation>%1: ليس لهذه البطاقة قائمة خدمات SIM: تعذّر التحقق من رقم PIN الخاص بها: ردّت البطاقة بالرمز %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
+        <translation>%1: تعذّرت كتابة ملف الالتقاط: %2</translation>
+    </message>
 </context>
 </TS>

@@ -369,5 +369,109 @@
         <source>IDS_CM_PIN_CANCEL</source>
         <translation>Ohne PIN weiter</translation>
     </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_DAEMON</source>
+        <translation>Es läuft kein Smartcard-Dienst (pcscd)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_READER</source>
+        <translation>Es ist kein Kartenleser angeschlossen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SUCH_READER</source>
+        <translation>Kein Kartenleser hat einen Namen, der mit „%1“ beginnt; vorhanden: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_GONE</source>
+        <translation>%1: Der Leser ist nicht mehr angeschlossen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_FAILS</source>
+        <translation>%1: Der Smartcard-Dienst meldet: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_CHOSEN</source>
+        <translation>%1: aus %2 Lesern ausgewählt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_HANGS</source>
+        <translation>%1: Der Leser antwortet nicht; eine andere Karte kann geöffnet werden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_ANSWERS</source>
+        <translation>%1: Der Leser antwortet wieder</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_CARD</source>
+        <translation>%1: Im Leser ist keine Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_MUTE</source>
+        <translation>%1: Die Karte antwortet nicht (ist sie richtig herum eingelegt?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_IN_USE</source>
+        <translation>%1: Ein anderes Programm benutzt die Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_SILENT</source>
+        <translation>%1: Die Karte antwortet nicht</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_REFUSES</source>
+        <translation>%1: Die Karte beantwortet %2 mit %3</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_USIM</source>
+        <translation>%1: eine USIM-Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_ISIM</source>
+        <translation>%1: eine ISIM-Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_SIM</source>
+        <translation>%1: eine 2G-SIM-Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SIM</source>
+        <translation>%1: Auf dieser Karte ist keine SIM-Anwendung (eine Bankkarte?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU</source>
+        <translation>%1: Diese Karte hat kein Menü mit SIM-Diensten</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MENU_LATE</source>
+        <translation>%1: Das Menü der SIM-Dienste kam spät</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_BLOCKED</source>
+        <translation>%1: Die PIN dieser Karte ist gesperrt; da hilft nur ihre PUK, in einem Telefon</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_LEFT_OUT</source>
+        <translation>%1: Die Karte macht ohne ihre PIN weiter</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_UNCHECKED</source>
+        <translation>%1: Die PIN konnte nicht geprüft werden: Die Karte antwortet %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED</source>
+        <translation>%1: Diese Karte hat kein Menü mit SIM-Diensten: Ihre PIN ist gesperrt; da hilft nur ihre PUK, in einem Telefon</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_LEFT_OUT</source>
+        <translation>%1: Diese Karte hat kein Menü mit SIM-Diensten: Sie macht ohne ihre PIN weiter</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_UNCHECKED</source>
+        <translation>%1: Diese Karte hat kein Menü mit SIM-Diensten: Ihre PIN konnte nicht geprüft werden: Die Karte antwortet %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
+        <translation>%1: Die Mitschrift kann nicht geschrieben werden: %2</translation>
+    </message>
 </context>
 </TS>

@@ -369,5 +369,109 @@
         <source>IDS_CM_PIN_CANCEL</source>
         <translation>Go on without PIN</translation>
     </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_DAEMON</source>
+        <translation>no smart-card daemon is running (pcscd)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_READER</source>
+        <translation>no smart-card reader is connected</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SUCH_READER</source>
+        <translation>no smart-card reader's name begins with "%1"; there is %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_GONE</source>
+        <translation>%1: the reader is gone</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_FAILS</source>
+        <translation>%1: the smart-card daemon reports: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_CHOSEN</source>
+        <translation>%1: chosen among %2 readers</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_HANGS</source>
+        <translation>%1: the reader does not answer; another card can be opened</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_ANSWERS</source>
+        <translation>%1: the reader answers again</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_CARD</source>
+        <translation>%1: there is no card in the reader</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_MUTE</source>
+        <translation>%1: the card does not answer (is it the right way round?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_IN_USE</source>
+        <translation>%1: another program keeps the card for itself</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_SILENT</source>
+        <translation>%1: the card does not answer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_REFUSES</source>
+        <translation>%1: the card answers %2 with %3</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_USIM</source>
+        <translation>%1: a USIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_ISIM</source>
+        <translation>%1: an ISIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_SIM</source>
+        <translation>%1: a 2G SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SIM</source>
+        <translation>%1: no SIM application on this card (a bank card?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU</source>
+        <translation>%1: this card has no toolkit menu</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MENU_LATE</source>
+        <translation>%1: the toolkit menu came late</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_BLOCKED</source>
+        <translation>%1: the PIN of this card is blocked; only its PUK, in a telephone, helps</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_LEFT_OUT</source>
+        <translation>%1: the card goes on without its PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_UNCHECKED</source>
+        <translation>%1: the PIN could not be checked: the card answers %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED</source>
+        <translation>%1: this card has no toolkit menu: its PIN is blocked; only its PUK, in a telephone, helps</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_LEFT_OUT</source>
+        <translation>%1: this card has no toolkit menu: it goes on without its PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_UNCHECKED</source>
+        <translation>%1: this card has no toolkit menu: its PIN could not be checked: the card answers %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
+        <translation>%1: cannot write the capture: %2</translation>
+    </message>
 </context>
 </TS>

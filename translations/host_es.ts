@@ -369,5 +369,109 @@
         <source>IDS_CM_PIN_CANCEL</source>
         <translation>Continuar sin PIN</translation>
     </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_DAEMON</source>
+        <translation>No hay ningún servicio de tarjetas inteligentes en marcha (pcscd)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_READER</source>
+        <translation>No hay ningún lector de tarjetas conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SUCH_READER</source>
+        <translation>Ningún lector de tarjetas tiene un nombre que empiece por «%1»; disponibles: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_GONE</source>
+        <translation>%1: el lector ya no está conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_FAILS</source>
+        <translation>%1: el servicio de tarjetas inteligentes informa: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_CHOSEN</source>
+        <translation>%1: elegido entre %2 lectores</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_HANGS</source>
+        <translation>%1: el lector no responde; puede abrir otra tarjeta</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_ANSWERS</source>
+        <translation>%1: el lector vuelve a responder</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_CARD</source>
+        <translation>%1: no hay ninguna tarjeta en el lector</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_MUTE</source>
+        <translation>%1: la tarjeta no responde (¿está bien colocada?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_IN_USE</source>
+        <translation>%1: otro programa tiene la tarjeta reservada</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_SILENT</source>
+        <translation>%1: la tarjeta no responde</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_REFUSES</source>
+        <translation>%1: la tarjeta responde a %2 con %3</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_USIM</source>
+        <translation>%1: una tarjeta USIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_ISIM</source>
+        <translation>%1: una tarjeta ISIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_SIM</source>
+        <translation>%1: una tarjeta SIM 2G</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SIM</source>
+        <translation>%1: esta tarjeta no tiene aplicación SIM (¿una tarjeta bancaria?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU</source>
+        <translation>%1: esta tarjeta no tiene menú de servicios SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MENU_LATE</source>
+        <translation>%1: el menú de servicios SIM llegó tarde</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_BLOCKED</source>
+        <translation>%1: el PIN de esta tarjeta está bloqueado; solo sirve su PUK, en un teléfono</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_LEFT_OUT</source>
+        <translation>%1: la tarjeta continúa sin su PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_UNCHECKED</source>
+        <translation>%1: no se pudo comprobar el PIN: la tarjeta responde %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED</source>
+        <translation>%1: esta tarjeta no tiene menú de servicios SIM: su PIN está bloqueado; solo sirve su PUK, en un teléfono</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_LEFT_OUT</source>
+        <translation>%1: esta tarjeta no tiene menú de servicios SIM: continúa sin su PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_UNCHECKED</source>
+        <translation>%1: esta tarjeta no tiene menú de servicios SIM: no se pudo comprobar su PIN: la tarjeta responde %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
+        <translation>%1: no se puede escribir la captura: %2</translation>
+    </message>
 </context>
 </TS>

@@ -369,5 +369,109 @@
         <source>IDS_CM_PIN_CANCEL</source>
         <translation>Continuer sans PIN</translation>
     </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_DAEMON</source>
+        <translation>Aucun service de cartes à puce n’est lancé (pcscd)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_READER</source>
+        <translation>Aucun lecteur de cartes n’est connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SUCH_READER</source>
+        <translation>Aucun lecteur de cartes n’a un nom commençant par « %1 » ; disponibles : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_GONE</source>
+        <translation>%1 : le lecteur n’est plus connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_FAILS</source>
+        <translation>%1 : le service de cartes à puce signale : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_CHOSEN</source>
+        <translation>%1 : choisi parmi %2 lecteurs</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_HANGS</source>
+        <translation>%1 : le lecteur ne répond pas ; une autre carte peut être ouverte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_READER_ANSWERS</source>
+        <translation>%1 : le lecteur répond de nouveau</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_CARD</source>
+        <translation>%1 : il n’y a pas de carte dans le lecteur</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_MUTE</source>
+        <translation>%1 : la carte ne répond pas (est-elle dans le bon sens ?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_IN_USE</source>
+        <translation>%1 : un autre programme se réserve la carte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_SILENT</source>
+        <translation>%1 : la carte ne répond pas</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CARD_REFUSES</source>
+        <translation>%1 : la carte répond à %2 par %3</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_USIM</source>
+        <translation>%1 : une carte USIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_ISIM</source>
+        <translation>%1 : une carte ISIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_SIM</source>
+        <translation>%1 : une carte SIM 2G</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_SIM</source>
+        <translation>%1 : pas d’application SIM sur cette carte (une carte bancaire ?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU</source>
+        <translation>%1 : cette carte n’a pas de menu de services SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MENU_LATE</source>
+        <translation>%1 : le menu des services SIM est arrivé tard</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_BLOCKED</source>
+        <translation>%1 : le code PIN de cette carte est bloqué ; seul son code PUK, dans un téléphone, peut aider</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_LEFT_OUT</source>
+        <translation>%1 : la carte continue sans son code PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_PIN_UNCHECKED</source>
+        <translation>%1 : le code PIN n’a pas pu être vérifié : la carte répond %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED</source>
+        <translation>%1 : cette carte n’a pas de menu de services SIM : son code PIN est bloqué ; seul son code PUK, dans un téléphone, peut aider</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_LEFT_OUT</source>
+        <translation>%1 : cette carte n’a pas de menu de services SIM : elle continue sans son code PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MENU_PIN_UNCHECKED</source>
+        <translation>%1 : cette carte n’a pas de menu de services SIM : son code PIN n’a pas pu être vérifié : la carte répond %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
+        <translation>%1 : impossible d’écrire la capture : %2</translation>
+    </message>
 </context>
 </TS>

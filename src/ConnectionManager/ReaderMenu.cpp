@@ -142,7 +142,8 @@ QString ReaderMenu::lineOf(const Reader &reader) const
 
 QString ReaderMenu::lineOfNone() const
 {
-    const QString problem = QString::fromStdString(m_list.problem);
+    const auto &problem = m_list.problem;
     return text("IDS_CM_NO_READER")
-        .arg(problem.isEmpty() ? text("IDS_CM_READER_NONE") : Languages::leftToRight(problem));
+        .arg(problem ? Languages::leftToRight(QString::fromStdString(problem->text))
+                     : text("IDS_CM_READER_NONE"));
 }

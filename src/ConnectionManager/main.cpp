@@ -68,8 +68,8 @@ int listReaders()
 {
     const CardHost::ReaderList list = CardHost::listReaders();
     if (list.readers.empty()) {
-        Messages::complain(list.problem.empty() ? "no smart-card reader is connected"
-                                                : QString::fromStdString(list.problem));
+        Messages::complain(list.problem ? QString::fromStdString(list.problem->text)
+                                        : "no smart-card reader is connected");
         return 1;
     }
     for (const CardHost::Reader &reader : list.readers)

@@ -55,10 +55,10 @@ public:
         std::unique_lock<std::mutex> lock(m_mutex);
         if (!m_capture || m_capture->write(traffic))
             return;
-        const std::string error = m_capture->error();
+        const CardHost::Notice error = m_capture->error();
         m_capture.reset();
         lock.unlock();
-        noticed({error, true});
+        noticed(error);
     }
     void answeredByModem(const std::string &command, const std::string &result) override
     {
@@ -106,7 +106,7 @@ public:
     {
         auto capture = file.empty() ? nullptr : std::make_unique<ApduCapture>(file);
         if (capture && !capture->isOpen())
-            return capture->error();
+            return capture->error().text;
         std::lock_guard<std::mutex> lock(m_mutex);
         m_capture = std::move(capture);
         return {};

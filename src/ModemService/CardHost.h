@@ -51,9 +51,18 @@ struct Reader {
     State state = State::Empty;
 };
 
+/// What a card in a reader, or the way to it, has to say to people.
+struct Notice {
+    std::string id; ///< of the text in the host's catalogues, "IDS_CM_NOTICE_CARD_SILENT"
+    /// What stands for %1, %2 ... there: names of readers, status words...
+    std::vector<std::string> arguments;
+    std::string text; ///< the same in English with the arguments in it, one line of UTF-8
+    bool problem = false; ///< something is in the way
+};
+
 struct ReaderList {
     std::vector<Reader> readers; ///< in the daemon's order
-    std::string problem; ///< why there can be no readers, one line for people; empty otherwise
+    std::optional<Notice> problem; ///< why there can be no readers
 };
 
 /// Asks the smart-card daemon, and waits for its answer.
@@ -73,11 +82,6 @@ MOVA_API void removeReaderListener(int id);
 /// again until another card is opened.
 MOVA_API void openReader(const std::string &nameStart);
 
-/// What a card in a reader has to say to people: one line of UTF-8.
-struct Notice {
-    std::string text;
-    bool problem = false; ///< something is in the way
-};
 using NoticeListener = std::function<void(const Notice &)>;
 /// In place of the listener before; null for none.  It is called on the session's thread, and must
 /// not call back into this header.

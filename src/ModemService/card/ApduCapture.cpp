@@ -6,6 +6,8 @@
 #include <cstring>
 #include <sys/time.h>
 
+#include "Notices.h"
+
 using cat::Bytes;
 
 namespace {
@@ -77,6 +79,6 @@ bool ApduCapture::flush()
 
 bool ApduCapture::fail()
 {
-    m_error = m_name + ": cannot write the capture: " + std::strerror(errno);
+    m_error = noticeOf(NoticeId::CaptureFailed, {m_name, std::strerror(errno)});
     return false;
 }

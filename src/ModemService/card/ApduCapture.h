@@ -18,8 +18,8 @@ public:
     bool isOpen() const { return m_file != nullptr; }
     /// False where the file takes no more, a full disk most often.
     bool write(const ApduTraffic &traffic);
-    /// Why it failed, one line.
-    const std::string &error() const { return m_error; }
+    /// Why it failed.
+    const CardHost::Notice &error() const { return m_error; }
 
 private:
     bool flush();
@@ -32,7 +32,7 @@ private:
     const std::string m_name;
     std::unique_ptr<pcap_t, Close> m_capture;
     std::unique_ptr<pcap_dumper_t, Close> m_file;
-    std::string m_error;
+    CardHost::Notice m_error;
 };
 
 #endif

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "CardHost.h"
 #include "cat/Bytes.h"
 
 /// The way to one card.
@@ -19,8 +20,8 @@ public:
     };
     struct Status {
         State state = State::NoCard;
-        /// For people, one line: the reader's name where Ready, else what is in the way and where.
-        std::string text;
+        std::string reader; ///< its name, where Ready
+        CardHost::Notice trouble; ///< what is in the way, elsewhere
     };
     /// ISO/IEC 7816-3.
     enum class Protocol { T0, T1 };

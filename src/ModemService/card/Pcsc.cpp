@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <mutex>
 
+#include "Notices.h"
+
 namespace {
 
 std::mutex ownReaderMutex;
@@ -84,7 +86,7 @@ CardHost::ReaderList PcscContext::readers()
     m_seen.clear();
     CardHost::ReaderList list;
     if (!establish()) {
-        list.problem = NoDaemonText;
+        list.problem = noticeOf(NoticeId::NoDaemon);
         return list;
     }
     const std::vector<std::string> names = readerNames();
@@ -98,7 +100,7 @@ CardHost::ReaderList PcscContext::readers()
         m_seen.push_back({name, state.dwEventState});
     }
     if (list.readers.empty())
-        list.problem = NoReaderText;
+        list.problem = noticeOf(NoticeId::NoReader);
     return list;
 }
 

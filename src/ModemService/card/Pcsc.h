@@ -20,6 +20,7 @@ public:
 
     /// Connects where there is no connection that works.  False: there is no daemon.
     bool establish();
+    bool isEstablished() const { return m_established; }
     void release();
     SCARDCONTEXT handle() const { return m_handle; }
 
@@ -42,9 +43,6 @@ private:
     std::vector<Seen> m_seen; // by readers()
     size_t m_count = 0; // of readers then, with those of which nothing could be seen
 };
-
-constexpr const char *NoDaemonText = "no smart-card daemon is running (pcscd)";
-constexpr const char *NoReaderText = "no smart-card reader is connected";
 
 /// Which reader this process keeps for itself; an empty name for none.
 void setOwnReader(const std::string &name);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "Notices.h"
+
 using cat::Bytes;
 
 namespace {
@@ -10,20 +12,17 @@ namespace {
 struct Trouble {
     LONG error;
     CardChannel::State state;
-    const char *text;
+    NoticeId notice;
 };
 
 const Trouble Troubles[] = {
-    {LONG(SCARD_E_NO_SMARTCARD), CardChannel::State::NoCard, "there is no card in the reader"},
-    {LONG(SCARD_W_REMOVED_CARD), CardChannel::State::NoCard, "there is no card in the reader"},
-    {LONG(SCARD_W_UNPOWERED_CARD), CardChannel::State::Mute,
-     "the card does not answer (is it the right way round?)"},
-    {LONG(SCARD_W_UNRESPONSIVE_CARD), CardChannel::State::Mute,
-     "the card does not answer (is it the right way round?)"},
-    {LONG(SCARD_E_SHARING_VIOLATION), CardChannel::State::InUse,
-     "another program keeps the card for itself"},
-    {LONG(SCARD_E_UNKNOWN_READER), CardChannel::State::NoReader, "the reader is gone"},
-    {LONG(SCARD_E_READER_UNAVAILABLE), CardChannel::State::NoReader, "the reader is gone"},
+    {LONG(SCARD_E_NO_SMARTCARD), CardChannel::State::NoCard, NoticeId::NoCard},
+    {LONG(SCARD_W_REMOVED_CARD), CardChannel::State::NoCard, NoticeId::NoCard},
+    {LONG(SCARD_W_UNPOWERED_CARD), CardChannel::State::Mute, NoticeId::CardMute},
+    {LONG(SCARD_W_UNRESPONSIVE_CARD), CardChannel::State::Mute, NoticeId::CardMute},
+    {LONG(SCARD_E_SHARING_VIOLATION), CardChannel::State::InUse, NoticeId::CardInUse},
+    {LONG(SCARD_E_UNKNOWN_READER), CardChannel::State::NoReader, NoticeId::ReaderGone},
+    {LONG(SCARD_E_READER_UNAVAILABLE), CardChannel::State::NoReader, NoticeId::ReaderGone},
 };
 
 // The daemon counts cards that come and go in the upper half of a reader's state.
@@ -67,7 +66,7 @@ CardChannel::Status PcscChannel::connect()
                            SCARD_RESET_CARD, &protocol);
         if (result == SCARD_S_SUCCESS) {
             m_protocol = protocol == SCARD_PROTOCOL_T1 ? Protocol::T1 : Protocol::T0;
-            return {State::Ready, m_reader};
+            return {State::Ready, m_reader, {}};
         }
         giveBack(SCARD_RESET_CARD);
     }
@@ -79,7 +78,7 @@ CardChannel::Status PcscChannel::chooseReader()
 {
     const CardHost::ReaderList list = m_context.readers();
     if (list.readers.empty())
-        return {list.problem == NoDaemonText ? State::NoDaemon : State::NoReader, list.problem};
+        return {m_context.isEstablished() ? State::NoReader : State::NoDaemon, {}, *list.problem};
     const auto begins = [this](const CardHost::Reader &reader) {
         return reader.name.compare(0, m_nameStart.size(), m_nameStart) == 0;
     };
@@ -89,15 +88,15 @@ CardChannel::Status PcscChannel::chooseReader()
     auto chosen = std::find_if(list.readers.begin(), list.readers.end(), begins);
     if (chosen == list.readers.end())
         return {State::NoReader,
-                "no smart-card reader's name begins with \"" + m_nameStart + "\"; there is " +
-                    quotedNames(list.readers)};
+                {},
+                noticeOf(NoticeId::NoSuchReader, {m_nameStart, quotedNames(list.readers)})};
     if (m_nameStart.empty()) {
         chosen = std::find_if(list.readers.begin(), list.readers.end(), hasCard);
         if (chosen == list.readers.end())
             chosen = list.readers.begin();
     }
     m_reader = chosen->name;
-    return {State::Ready, m_reader};
+    return {State::Ready, m_reader, {}};
 }
 
 CardChannel::Status PcscChannel::connectCard()
@@ -109,7 +108,7 @@ CardChannel::Status PcscChannel::connectCard()
     if (result == SCARD_S_SUCCESS && presence(m_context.handle(), m_reader, m_changes)) {
         m_connected = true;
         m_protocol = protocol == SCARD_PROTOCOL_T1 ? Protocol::T1 : Protocol::T0;
-        return {State::Ready, m_reader};
+        return {State::Ready, m_reader, {}};
     }
     if (result == SCARD_S_SUCCESS)
         SCardDisconnect(m_card, SCARD_UNPOWER_CARD);
@@ -117,9 +116,10 @@ CardChannel::Status PcscChannel::connectCard()
     const LONG error = result == SCARD_S_SUCCESS ? LONG(SCARD_W_REMOVED_CARD) : result;
     for (const Trouble &trouble : Troubles) {
         if (trouble.error == error)
-            return {trouble.state, m_reader + ": " + trouble.text};
+            return {trouble.state, {}, noticeOf(trouble.notice, {m_reader})};
     }
-    return {State::Mute, m_reader + ": " + pcsc_stringify_error(error)};
+    return {
+        State::Mute, {}, noticeOf(NoticeId::ReaderFails, {m_reader, pcsc_stringify_error(error)})};
 }
 
 void PcscChannel::disconnect()

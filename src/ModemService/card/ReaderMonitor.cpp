@@ -16,7 +16,10 @@ bool operator==(const CardHost::ReaderList &a, const CardHost::ReaderList &b)
     const auto same = [](const CardHost::Reader &one, const CardHost::Reader &other) {
         return one.name == other.name && one.state == other.state;
     };
-    return a.problem == b.problem &&
+    const auto problem = [](const CardHost::ReaderList &list) {
+        return list.problem ? list.problem->id : std::string();
+    };
+    return problem(a) == problem(b) &&
         std::equal(a.readers.begin(), a.readers.end(), b.readers.begin(), b.readers.end(), same);
 }
 
@@ -59,7 +62,7 @@ void ReaderMonitor::run()
         if (m_stop)
             break;
         const bool failed = !std::exchange(waited, true);
-        if (failed || list.problem == NoDaemonText) {
+        if (failed || !m_context.isEstablished()) {
             m_changed.wait_for(lock, RetryPeriod);
             continue;
         }

@@ -379,7 +379,7 @@ void ToolkitCard::connect(Time now)
 {
     const CardChannel::Status status = m_channel->connect();
     if (status.state == CardChannel::State::Ready) {
-        m_readerName = status.text;
+        m_readerName = status.reader;
         m_lastTrouble.clear();
         m_presenceAt = now + PresencePeriod;
         m_place = m_removalTold ? Place::Announced : Place::InUse;
@@ -387,8 +387,8 @@ void ToolkitCard::connect(Time now)
             m_events.push_back(ModemReady());
         return;
     }
-    if (std::exchange(m_lastTrouble, status.text) != status.text)
-        m_listener.noticed({status.text, true});
+    if (std::exchange(m_lastTrouble, status.trouble.text) != status.trouble.text)
+        m_listener.noticed(status.trouble);
     if (!std::exchange(m_removalTold, true))
         m_events.push_back(ModemRemoved());
     m_retryAt = now + RetryPeriod;
@@ -419,7 +419,7 @@ void ToolkitCard::forgetCard()
 // Not a SIM: whoever needs the card may have it.
 void ToolkitCard::leaveAlone()
 {
-    notice("no SIM application on this card (a bank card?)", true);
+    notice(NoticeId::NoSim);
     forgetCard();
     m_channel->disconnect();
     m_place = Place::NoSim;
@@ -633,7 +633,7 @@ void ToolkitCard::handOut(cat::Command command, Time now)
     }
     if (std::holds_alternative<cat::SetUpMenu>(command.body)) {
         if (m_state.menuChecked && !m_state.menuSeen)
-            notice("the toolkit menu came late", false);
+            notice(NoticeId::MenuLate);
         m_state.menuSeen = true;
     }
     m_state.command = CommandInProgress{std::move(command), proactive->answerCoding, std::nullopt,
@@ -818,9 +818,8 @@ void ToolkitCard::checkMenu(Time now)
         return;
     m_state.menuChecked = true;
     m_failures = 0;
-    const std::string &reason = m_state.withoutPin;
     if (!m_state.menuSeen)
-        notice("this card has no toolkit menu" + (reason.empty() ? "" : ": " + reason), true);
+        notice(m_state.noMenu, m_state.noMenuStatus);
 }
 
 // What the card says to a terminal response, an envelope, or a FETCH that failed.
@@ -829,7 +828,7 @@ void ToolkitCard::takeStatus(const char *what, uint16_t status)
     if (statusKind(status) == StatusKind::ProactiveCommand)
         return; // send() has seen it
     if (!isDone(status))
-        notice(std::string("the card answers ") + what + " with " + statusInWords(status), true);
+        m_listener.noticed(noticeOf(NoticeId::CardRefuses, {m_readerName, what}, status));
     endOfSession();
 }
 
@@ -855,7 +854,7 @@ std::optional<ApduAnswer> ToolkitCard::send(Apdu command, Time now)
     if (!answer) {
         m_failures = m_channel->isPresent() ? m_failures + 1 : 0;
         if (m_failures == 1)
-            notice("the card does not answer", true);
+            notice(NoticeId::CardSilent);
         lose(now);
     } else if (statusKind(answer->status) == StatusKind::ProactiveCommand) {
         m_state.pending = answer->status & 0xff ? answer->status & 0xff : 256;
@@ -868,7 +867,7 @@ Apdu ToolkitCard::toolkitApdu(uint8_t ins, uint8_t p1, uint8_t p2) const
     return {uint8_t(m_state.isUicc ? 0x80 : 0xa0), ins, p1, p2};
 }
 
-void ToolkitCard::notice(const std::string &text, bool problem)
+void ToolkitCard::notice(NoticeId id, std::optional<uint16_t> status)
 {
-    m_listener.noticed({m_readerName + ": " + text, problem});
+    m_listener.noticed(noticeOf(id, {m_readerName}, status));
 }

@@ -13,6 +13,7 @@
 #include "CardChannel.h"
 #include "CardHost.h"
 #include "CardListener.h"
+#include "Notices.h"
 #include "cat/Command.h"
 #include "cat/Response.h"
 
@@ -108,7 +109,8 @@ private:
     void reportInitialised(Time now);
 
     void wantPin(int triesLeft, bool wrong);
-    void goOnWithoutPin(const std::string &why);
+    void goOnWithoutPin(NoticeId why, NoticeId noMenu,
+                        std::optional<uint16_t> status = std::nullopt);
     void passPin();
     void endPinRequest();
 
@@ -142,7 +144,7 @@ private:
     std::optional<ApduAnswer> send(Apdu command, Time now);
     std::optional<ApduAnswer> sendStep(Apdu command, Time now);
     Apdu toolkitApdu(uint8_t ins, uint8_t p1, uint8_t p2) const;
-    void notice(const std::string &text, bool problem);
+    void notice(NoticeId id, std::optional<uint16_t> status = std::nullopt);
     template <class Event> bool forgetEvents();
 
     const std::unique_ptr<CardChannel> m_channel;
@@ -173,7 +175,8 @@ private:
         uint8_t pinKey = 0x01;
         int pinTries = 0;
         CardHost::Pin pin;
-        std::string withoutPin; // why it goes without, where it does
+        NoticeId noMenu = NoticeId::NoMenu; // what a card without a menu has for a reason
+        std::optional<uint16_t> noMenuStatus;
         bool pinSettled = false; // declined, or entered into a 2G card
         bool profileSent = false;
         bool menuSeen = false;

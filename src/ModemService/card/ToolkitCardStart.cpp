@@ -131,7 +131,7 @@ void ToolkitCard::selectUsim(Time now)
         return;
     }
     if (!m_state.profileSent)
-        notice("a USIM", false);
+        notice(NoticeId::Usim);
     const std::optional<uint8_t> pin = readFileParameters(answer->data).pin;
     m_state.pinKey = pin.value_or(0);
     if (pin)
@@ -162,7 +162,7 @@ void ToolkitCard::selectGsm(Time now)
         return;
     }
     if (!m_state.profileSent)
-        notice("a 2G SIM", false);
+        notice(NoticeId::Sim);
     const Chv1 chv1 = readChv1(answer->data);
     if (chv1.enabled)
         wantPin(chv1.triesLeft, false);
@@ -191,7 +191,7 @@ void ToolkitCard::wantPin(int triesLeft, bool wrong)
         return;
     }
     if (triesLeft == 0) {
-        goOnWithoutPin("the PIN of this card is blocked; only its PUK, in a telephone, helps");
+        goOnWithoutPin(NoticeId::PinBlocked, NoticeId::NoMenuPinBlocked);
         return;
     }
     m_state.step = Step::AwaitPin;
@@ -210,7 +210,7 @@ void ToolkitCard::answerPin(int request, const CardHost::Pin &pin, Time)
         return;
     }
     endPinRequest();
-    goOnWithoutPin("the card goes on without its PIN");
+    goOnWithoutPin(NoticeId::PinLeftOut, NoticeId::NoMenuPinLeftOut);
 }
 
 void ToolkitCard::verifyPin(Time now)
@@ -236,14 +236,16 @@ void ToolkitCard::verifyPin(Time now)
         m_state.pinSettled = !m_state.isUicc; // a UICC says itself what it needs
         passPin();
     } else {
-        goOnWithoutPin("the PIN could not be checked: the card answers " + statusInWords(status));
+        goOnWithoutPin(NoticeId::PinUnchecked, NoticeId::NoMenuPinUnchecked, status);
     }
 }
 
-void ToolkitCard::goOnWithoutPin(const std::string &why)
+// The second notice is for a card that then has no menu.
+void ToolkitCard::goOnWithoutPin(NoticeId why, NoticeId noMenu, std::optional<uint16_t> status)
 {
-    notice(why, true);
-    m_state.withoutPin = why;
+    notice(why, status);
+    m_state.noMenu = noMenu;
+    m_state.noMenuStatus = status;
     m_state.pinSettled = true;
     passPin();
 }
