@@ -235,7 +235,7 @@ TEST(CatVectors, ResponsesAreEncoded)
             response.details = command->details;
         paired += command != nullptr;
         const bool complete = assemble(split(bytes), command, response);
-        const std::string encoded = toHex(cat::encode(response));
+        const std::string encoded = toHex(*cat::encode(response));
         EXPECT_EQ(encoded, complete ? toHex(bytes) : toHex(bytes).substr(0, encoded.size()));
         ++(complete ? whole : heads);
     }

@@ -2,6 +2,7 @@
 #define PROACTIVECOMMAND_H
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -175,6 +176,7 @@ struct ProactiveCommand {
     /// How the text that the user enters will be coded; a text that cannot be is refused.  Nothing
     /// where every text is taken.
     std::optional<cat::TextCoding> answerCoding = std::nullopt;
+    size_t answerRoom = SIZE_MAX; ///< bytes of the coded text that the response has room for
 };
 
 int32_t commandType(const CommandBody &body);

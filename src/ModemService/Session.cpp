@@ -245,8 +245,11 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
         return refuse(function, commandId, status);
     const auto &coding = m_current->command.answerCoding;
     const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
-    if (enters && coding && !cat::encodeTextString(*response.text, *coding))
-        return refuse(function, commandId, StatusNotEncodable);
+    if (enters && coding) {
+        const auto value = cat::encodeTextString(*response.text, *coding);
+        if (!value || value->size() > m_current->command.answerRoom)
+            return refuse(function, commandId, StatusNotEncodable);
+    }
     answerCurrent(response, function);
     return StatusSuccess;
 }

@@ -2,6 +2,8 @@
 
 #include <limits>
 
+#include "cat/Response.h"
+
 namespace {
 
 using cat::TextCoding;
@@ -114,6 +116,7 @@ Result convert(const cat::GetInkey &from, const cat::Command &command)
     ProactiveCommand result = forUser(body, time.count() ? time : UserTime);
     result.answerCoding =
         body.inputType == Ucs2Characters ? TextCoding::Ucs2 : TextCoding::Unpacked;
+    result.answerRoom = cat::textRoom(command);
     return result;
 }
 
@@ -132,6 +135,7 @@ Result convert(const cat::GetInput &from, const cat::Command &command)
         result.answerCoding = TextCoding::Ucs2;
     else
         result.answerCoding = has(command, PackedInput) ? TextCoding::Packed : TextCoding::Unpacked;
+    result.answerRoom = cat::textRoom(command);
     return result;
 }
 

@@ -24,7 +24,6 @@ constexpr milliseconds FirstBusyDelay{100}, LastBusyDelay{3200}, BusyTime{30000}
 constexpr int FreeChain = 64;
 constexpr milliseconds ChainStep{10}, LongestChainDelay{1000};
 constexpr size_t MaxEnvelopes = 16;
-constexpr size_t MaxData = 255;
 
 enum RefreshQualifier : uint8_t { // clause 8.6
     FileChange = 0x01,
@@ -258,7 +257,8 @@ cat::Response ToolkitCard::responseTo(const CommandInProgress &current,
             response.item = static_cast<uint8_t>(*answer.item);
         if (answer.text)
             response.text = enteredText(current.command, *answer.text, current.answerCoding);
-        if (answer.text && !response.text)
+        if (answer.text &&
+            (!response.text || response.text->size() > cat::textRoom(current.command)))
             break;
         return response;
     }
@@ -688,8 +688,8 @@ void ToolkitCard::sendResponse(Time now)
         response.duration = elapsed(*inkey->duration, now - m_state.command->since);
 
     Apdu apdu = toolkitApdu(0x14, 0, 0);
-    apdu.data = cat::encode(response);
-    apdu.data.resize(std::min(apdu.data.size(), MaxData));
+    apdu.data =
+        cat::encode(response).value(); // only texts are long, and responseTo() measures them
     // The text is the last object, and its first byte the coding.
     const bool hidden = isHiddenInput(command) && response.text && !response.text->empty();
     if (hidden)

@@ -12,6 +12,8 @@ namespace cat {
 namespace {
 
 constexpr uint8_t ProactiveCommandTag = 0xd0; // clause 9.2
+// Three bytes are of use; more must leave room for the rest of the response that repeats them.
+constexpr size_t LongestDetails = 100;
 
 std::string describe(const DataObject &object)
 {
@@ -116,7 +118,9 @@ void Decoder::checkObjects()
 void Decoder::readHead()
 {
     const auto details = find(Objects::CommandDetails);
-    if (!details || !Objects::CommandDetails.read(details->value, m_command.details)) {
+    const bool readable = details && details->whole.size() <= LongestDetails &&
+        Objects::CommandDetails.read(details->value, m_command.details);
+    if (!readable) {
         report(Problem::DataNotUnderstood,
                describe(Objects::CommandDetails) + (details ? ": malformed" : ": missing"));
         return;

@@ -150,7 +150,7 @@ bool isKnownTag(unsigned tag)
 
 bool readCommandDetails(ByteView bytes, CommandDetails &details)
 {
-    if (bytes.size() != 3)
+    if (bytes.size() < 3)
         return false;
     details.number = bytes[0];
     details.type = bytes[1];

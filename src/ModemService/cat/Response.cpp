@@ -76,7 +76,7 @@ Bytes event(uint8_t code)
 
 } // namespace
 
-Bytes encode(const Response &response)
+std::optional<Bytes> encode(const Response &response)
 {
     Bytes result{response.result};
     result.insert(result.end(), response.additional.begin(), response.additional.end());
@@ -100,7 +100,18 @@ Bytes encode(const Response &response)
         append(bytes, Objects::TimerIdentifier, Bytes{*response.timer});
     if (response.timerValue)
         append(bytes, Objects::TimerValue, timerValue(*response.timerValue));
+    if (bytes.size() > LongestResponse)
+        return std::nullopt;
     return bytes;
+}
+
+size_t textRoom(const Command &command)
+{
+    Response response{command.details};
+    if (const auto *inkey = std::get_if<GetInkey>(&command.body))
+        response.duration = inkey->duration; // told with the answer (clause 6.4.2)
+    constexpr size_t Head = 3; // of a text string of more than 127 bytes
+    return LongestResponse - encode(response)->size() - Head;
 }
 
 Bytes encodeDateTime(const std::tm &local)

@@ -49,8 +49,14 @@ struct Response {
     std::optional<std::string> language = std::nullopt; ///< two letters
 };
 
-/// The data field of TERMINAL RESPONSE.
-Bytes encode(const Response &response);
+/// What the data field of a command to the card takes.
+constexpr size_t LongestResponse = 255;
+
+/// The data field of TERMINAL RESPONSE; nothing where the response is longer than the longest.
+std::optional<Bytes> encode(const Response &response);
+
+/// The longest value of a text string in a response to the command.
+size_t textRoom(const Command &command);
 
 /// Date, time and zone, clause 8.39: seven bytes.  `local.tm_gmtoff` is the zone.
 Bytes encodeDateTime(const std::tm &local);

@@ -10,7 +10,6 @@ namespace cat {
 
 namespace {
 
-constexpr size_t LongestValue = 239; // of a text string in a terminal response
 constexpr char16_t Unknown = u'\ufffd';
 constexpr char16_t Padding = u'\uffff';
 
@@ -172,8 +171,6 @@ std::optional<Bytes> encodeTextString(const std::string &utf8, TextCoding coding
         const Bytes bytes = coding == TextCoding::Packed ? pack(*codes) : *codes;
         value.insert(value.end(), bytes.begin(), bytes.end());
     }
-    if (value.size() > LongestValue)
-        return std::nullopt;
     return value;
 }
 

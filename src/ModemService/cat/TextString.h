@@ -22,7 +22,7 @@ enum class TextCoding : uint8_t {
 std::string decodeTextString(ByteView value);
 
 /// The value of a text string data object; empty for an empty text.  Nothing where the coding lacks
-/// a character of the text, or where the value does not fit a terminal response (239 bytes).
+/// a character of the text.
 std::optional<Bytes> encodeTextString(const std::string &utf8, TextCoding coding);
 
 /// Alpha identifier (ETSI TS 102 221 annex A: GSM default alphabet, or UCS2 coded 0x80, 0x81,
