@@ -14,7 +14,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "KeyboardLoan.h"
+#include "STKKeyboardLoan.h"
 #include "STKInputDlg.h"
 #include "STKThread.h"
 #include "TraceLog.h"
@@ -225,7 +225,6 @@ STKDialog::STKDialog()
     , m_pBtnCancel(nullptr)
     , m_nMsgTicks(0)
     , m_nMsgRemain(0)
-    , m_uTextCommand(0)
 {
     TRACE_START();
     m_pStkLogic = STKLogic::CreateInstance();
@@ -772,7 +771,7 @@ void STKDialog::onSTKDisplayText()
     m_nMsgDuration = 0;
     if (!m_pStkLogic)
         return;
-    m_uTextCommand = m_pStkLogic->CommandInProgress();
+    m_stTextCommand = m_pStkLogic->CommandInProgress();
     if (!m_pStkLogic->GetPromptText(&strText, &strClearMode, &m_nMsgDuration))
         return;
     if (!m_pMsgTimer) {
@@ -796,7 +795,7 @@ void STKDialog::onSTKDisplayText()
         m_pMsgTimer->start(COUNTDOWN_MS);
         m_nMsgRemain = m_nMsgDuration;
     }
-    const uint32_t command = m_uTextCommand;
+    const STKCommand stCommand = m_stTextCommand;
     const QPointer<STKDialog> pThis = this;
     const int nResult = showTimeMessageBox(strText);
     if (!pThis || !m_pStkLogic)
@@ -804,7 +803,7 @@ void STKDialog::onSTKDisplayText()
     const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
     if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
                                          bTerminated ? STK_UI_TR_TERMINATED : STK_UI_TR_SUCCESS,
-                                         command))
+                                         stCommand))
         TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed %s: %s: %s: ");
     m_pStkLogic->UpdateCBReturnVal(true);
     TRACE_END();
@@ -817,9 +816,9 @@ void STKDialog::refuseSecondText()
 {
     if (!m_pStkLogic)
         return;
-    const uint32_t command = m_pStkLogic->CommandInProgress();
-    if (command != m_uTextCommand)
-        m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_TERMINATED, command);
+    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
+    if (!(stCommand == m_stTextCommand))
+        m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_TERMINATED, stCommand);
     m_pStkLogic->UpdateCBReturnVal(true);
 }
 
@@ -856,7 +855,7 @@ int STKDialog::showTimeMessageBox(QString text)
     const QPointer<STKDialog> pThis = this;
     const QPointer<ExtendDialog> pFrame = m_pTimeMsgDlg;
     {
-        KeyboardLoan loan;
+        STKKeyboardLoan loan;
         pFrame->exec();
     }
     if (!pThis) {
@@ -1009,7 +1008,7 @@ void STKDialog::onSTKGetInkey()
         TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
         return;
     }
-    const uint32_t command = m_pStkLogic->CommandInProgress();
+    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
     StkInKeyRequest request = EmptyRequest();
     if (!m_pStkLogic->GetInKeyRquest(&request)) {
         TRACE_FILE_FUNC_TIME("GetInKeyRquest faied %s: %s: %s: ");
@@ -1021,13 +1020,13 @@ void STKDialog::onSTKGetInkey()
             m_pStkLogic->UpdateCBReturnVal(false);
             return;
         }
-        askYesNo(request, command);
+        askYesNo(request, stCommand);
     } else {
         if (!m_pStkInputDlg)
             return;
-        m_pStkInputDlg->CloseOvertakenDlg();
+        closeInputDlg();
         m_pStkInputDlg->SetInKeyRequest(request);
-        showInputDlg(command);
+        showInputDlg(stCommand);
     }
     TRACE_END();
 }
@@ -1039,7 +1038,7 @@ void STKDialog::onSTKGetInput()
         TRACE_FILE_FUNC_TIME("Logic instance is NULL %s: %s: %s: ");
         return;
     }
-    const uint32_t command = m_pStkLogic->CommandInProgress();
+    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
     StkInKeyRequest request = EmptyRequest();
     if (!m_pStkLogic->GetInputRequest(&request)) {
         TRACE_FILE_FUNC_TIME("GetInputRequest failed %s: %s: %s: ");
@@ -1048,27 +1047,27 @@ void STKDialog::onSTKGetInput()
     }
     if (!m_pStkInputDlg)
         return;
-    m_pStkInputDlg->CloseOvertakenDlg();
+    closeInputDlg();
     m_pStkInputDlg->SetInputRequest(request);
-    showInputDlg(command);
+    showInputDlg(stCommand);
     TRACE_END();
 }
 
-void STKDialog::showInputDlg(uint32_t command)
+void STKDialog::showInputDlg(STKCommand stCommand)
 {
     const QPointer<STKDialog> pThis = this;
-    m_pStkInputDlg->ShowStkInputDlg(dialogParent(), command);
+    m_pStkInputDlg->ShowStkInputDlg(dialogParent(), stCommand);
     if (!pThis)
         return;
     // The event loop of the window has run: what the card has sent meanwhile needs no waiting for.
-    const bool bNewer = m_pStkLogic && m_pStkLogic->CommandInProgress() != command;
+    const bool bNewer = m_pStkLogic && !(m_pStkLogic->CommandInProgress() == stCommand);
     if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && !bNewer)
         stkWaitforRespond(WAIT_AFTER_INPUT);
     if (m_pStkLogic)
         m_pStkLogic->UpdateCBReturnVal(true);
 }
 
-void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
+void STKDialog::askYesNo(const StkInKeyRequest &request, STKCommand stCommand)
 {
     m_strTimerType = "STK_MSGBOX_TIMER";
     if (request.nDuration > 0) {
@@ -1079,7 +1078,7 @@ void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
     QString strAnswer = "0";
     const QPointer<STKDialog> pThis = this;
     {
-        KeyboardLoan loan;
+        STKKeyboardLoan loan;
         if (CommonUtils::ShowMessage(QMessageBox::NoIcon, dialogParent(), "", request.strText,
                                      "IDS_YES", "IDS_NO", "", true, Qt::WindowCloseButtonHint,
                                      &m_pMessageBox, QString(), true) == QMessageBox::Ok)
@@ -1087,8 +1086,8 @@ void STKDialog::askYesNo(const StkInKeyRequest &request, uint32_t command)
     }
     if (!pThis || !m_pStkLogic)
         return;
-    const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, command);
-    if (bAnswered && m_pStkLogic->CommandInProgress() == command)
+    const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, stCommand);
+    if (bAnswered && m_pStkLogic->CommandInProgress() == stCommand)
         stkWaitforRespond(WAIT_AFTER_INPUT);
     m_pStkLogic->UpdateCBReturnVal(bAnswered);
 }

@@ -145,8 +145,8 @@ private:
     int itemIdOf(const StkMenuItems &menu, const QString &strText);
     void fetchAndShowMainMenu();
     QWidget *dialogParent() const;
-    void askYesNo(const StkInKeyRequest &request, uint32_t command);
-    void showInputDlg(uint32_t command);
+    void askYesNo(const StkInKeyRequest &request, STKCommand stCommand);
+    void showInputDlg(STKCommand stCommand);
     void refuseSecondText();
     void acceptSilently();
 
@@ -169,7 +169,7 @@ private:
     QPushButton *m_pBtnCancel;
     int m_nMsgTicks;
     int m_nMsgRemain;
-    uint32_t m_uTextCommand; /* the command whose text is up, as STKLogic tells it */
+    STKCommand m_stTextCommand; /* the one whose text is up */
 
     static STKDialog *m_pStkDialogInstance;
     static ClipSound *m_pClipSoundSTK;

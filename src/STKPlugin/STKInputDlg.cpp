@@ -12,7 +12,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "KeyboardLoan.h"
+#include "STKKeyboardLoan.h"
 #include "TraceLog.h"
 #include "platform/Change.h"
 #include "platform/CommonUtils.h"
@@ -97,7 +97,6 @@ STKInputDlg::STKInputDlg()
     , m_nLastError(-1)
     , m_enStkType(MOVA_STKTYPE_GET_INPUT)
     , m_bBtnClicked(false)
-    , m_uCommand(0)
 {
     TRACE_START();
     m_stInKeyRequest.strText = "";
@@ -212,16 +211,11 @@ void STKInputDlg::SetStkInputUiText()
     TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
 }
 
-void STKInputDlg::ShowStkInputDlg(QWidget *parent)
-{
-    ShowStkInputDlg(parent, m_pStkLogic ? m_pStkLogic->CommandInProgress() : 0);
-}
-
-void STKInputDlg::ShowStkInputDlg(QWidget *parent, uint32_t command)
+void STKInputDlg::ShowStkInputDlg(QWidget *parent, STKCommand stCommand)
 {
     TRACE_START();
     AssignNULL();
-    m_uCommand = command;
+    m_stCommand = stCommand;
     m_bBtnClicked = false; // whatever way the window before this one ended
     if (!initUI(parent)) {
         TRACE_FILE_FUNC_TIME("inintialization of UI is failed %s: %s: %s: ");
@@ -273,12 +267,6 @@ void STKInputDlg::fitPrompt()
     pView->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     pView->document()->setDocumentMargin(0);
     pView->setPlainText(m_stInKeyRequest.strText);
-}
-
-void STKInputDlg::CloseOvertakenDlg()
-{
-    if (m_pExtendDlg)
-        CloseDlg();
 }
 
 void STKInputDlg::CloseDlg()
@@ -399,8 +387,8 @@ void STKInputDlg::onTextEdited(QString strText)
 bool STKInputDlg::sendAnswer(const QString &strResult, const QString &strAnswer)
 {
     if (m_enStkType == MOVA_STKTYPE_GET_INKEY)
-        return m_pStkLogic->CallStkAnswerInKey(strResult, strAnswer, m_uCommand);
-    return m_pStkLogic->CallStkAnswerInput(strResult, strAnswer, m_uCommand);
+        return m_pStkLogic->CallStkAnswerInKey(strResult, strAnswer, m_stCommand);
+    return m_pStkLogic->CallStkAnswerInput(strResult, strAnswer, m_stCommand);
 }
 
 void STKInputDlg::onButtonClickOk()
@@ -418,7 +406,7 @@ void STKInputDlg::onButtonClickOk()
     } else {
         m_nLastError = -1;
         QDialog *pMessageBox = nullptr;
-        KeyboardLoan loan;
+        STKKeyboardLoan loan;
         CommonUtils::ShowMessage(QMessageBox::Information, m_pExtendDlg,
                                  tr(QString("IDS_STK_MSG_PROMPT")),
                                  tr(QString("IDS_STK_MSG_INPUTFAILED")), "IDS_OK", "", "", true,

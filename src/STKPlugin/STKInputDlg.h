@@ -41,11 +41,8 @@ public:
     static void DestroyInstance();
 
     bool initUI(QWidget *parent);
-    void ShowStkInputDlg(QWidget *parent);
-    /* The same for a command that need not be the newest one any more. */
-    void ShowStkInputDlg(QWidget *parent, uint32_t command);
-    /* There is one input window: a newer question of the card takes its place. */
-    void CloseOvertakenDlg();
+    /* The answer goes to that command, without one to the newest. */
+    void ShowStkInputDlg(QWidget *parent, STKCommand stCommand = STKCommand());
     /* Answers Cancel and closes the window. */
     void CloseDlg();
     bool IsDialogCreated();
@@ -95,7 +92,7 @@ private:
     int m_nLastError;
     int m_enStkType; /* MOVA_STKTYPE_GET_INKEY or MOVA_STKTYPE_GET_INPUT */
     bool m_bBtnClicked; /* OK or Cancel has answered: the close must not do so again */
-    uint32_t m_uCommand; /* the command that the window was opened for, as STKLogic tells it */
+    STKCommand m_stCommand; /* the one that the window was opened for */
 
     static STKInputDlg *m_pStkInputDlgInstance;
 };

@@ -23,14 +23,12 @@ void CopyIfBetween(int iLowest, int iHighest, int32_t value, int *pTarget)
         *pTarget = value;
 }
 
-uint32_t NextCommand(uint32_t command, int16_t sCmdId)
+STKCommand NextCommand(STKCommand stCommand, int16_t sCmdId)
 {
-    return ((command >> 16) + 1) << 16 | static_cast<uint16_t>(sCmdId);
-}
-
-int16_t CmdIdOf(uint32_t command)
-{
-    return static_cast<int16_t>(command & 0xFFFF);
+    stCommand.sCmdId = sCmdId;
+    if (++stCommand.usNumber == 0)
+        stCommand.usNumber = 1; // 0 is for none
+    return stCommand;
 }
 
 void ClearMenu(StkMenuItems *pMenu)
@@ -79,7 +77,7 @@ STKLogic::STKLogic()
     : m_sCmdId(0)
     , m_bRet(true)
     , m_bRespondence(false)
-    , m_uCommand(0)
+    , m_stCommand(STKCommand())
 {
     TRACE_START();
     TRACE_END();
@@ -91,14 +89,14 @@ STKLogic::~STKLogic()
     TRACE_END();
 }
 
-int16_t STKLogic::CmdId() const
+STKCommand STKLogic::CommandInProgress() const
 {
-    return m_sCmdId.load(std::memory_order_relaxed);
+    return m_stCommand.load(std::memory_order_relaxed);
 }
 
-uint32_t STKLogic::CommandInProgress() const
+int16_t STKLogic::cmdIdOf(STKCommand stCommand) const
 {
-    return m_uCommand.load(std::memory_order_relaxed);
+    return stCommand == STKCommand() ? m_sCmdId.load(std::memory_order_relaxed) : stCommand.sCmdId;
 }
 
 void STKLogic::RegisterSTKCB()
@@ -138,8 +136,8 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
     }
     const MOVA_STKNotifyData &data = *static_cast<const MOVA_STKNotifyData *>(pNotifyData);
     pLogic->m_sCmdId.store(data.sCmdId, std::memory_order_relaxed);
-    pLogic->m_uCommand.store(NextCommand(pLogic->CommandInProgress(), data.sCmdId),
-                             std::memory_order_relaxed);
+    pLogic->m_stCommand.store(NextCommand(pLogic->CommandInProgress(), data.sCmdId),
+                              std::memory_order_relaxed);
     if (data.bTimeOut == 1) {
         TRACE_FILE_FUNC_TIME("STK TimeOut %s: %s: %s: ");
         emit pLogic->CloseInputDlg();
@@ -150,8 +148,7 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
     pLogic->stkEventSwitchCase(data.enStkType);
     if (!pLogic->m_bRet.load(std::memory_order_relaxed)) {
         TRACE_FILE_FUNC_TIME("m_bRet is false %s: %s: %s: ");
-        if (MOVA_STKSrv_SendNoDataResponse(pLogic->CmdId(), data.enStkType, STK_UI_TR_TERMINATED) !=
-            0)
+        if (MOVA_STKSrv_SendNoDataResponse(data.sCmdId, data.enStkType, STK_UI_TR_TERMINATED) != 0)
             TRACE_FILE_FUNC_TIME("MOVA_STKSrv_SendNoDataResponse Failed %s: %s: %s: ");
         emit pLogic->ShowMainMenu();
     }
@@ -265,13 +262,13 @@ bool STKLogic::GetMainMenu(StkMenuItems *pMenu)
     return true;
 }
 
-bool STKLogic::GetSubMenu(StkMenuItems *pMenu)
+bool STKLogic::GetSubMenu(StkMenuItems *pMenu, STKCommand stCommand)
 {
     TRACE_START();
     ClearMenu(pMenu);
     MOVA_STKSubMenuInfo stMenu = {};
     TRACE_FILE_FUNC_TIME("Calling  MOVA_STKSrv_GetSubMenu()%s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetSubMenu(CmdId(), &stMenu);
+    const int32_t status = MOVA_STKSrv_GetSubMenu(cmdIdOf(stCommand), &stMenu);
     TRACE_STATUS("MOVA_STKSrv_GetSubMenu() Returned = %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -296,7 +293,7 @@ bool STKLogic::SelectMainMenuItem(int index)
     return status == 0;
 }
 
-bool STKLogic::SelectSubMenuItem(QString action, int index)
+bool STKLogic::SelectSubMenuItem(QString action, int index, STKCommand stCommand)
 {
     TRACE_START();
     int32_t nAction = MOVA_SUBMENU_ACTION_NONE;
@@ -306,7 +303,7 @@ bool STKLogic::SelectSubMenuItem(QString action, int index)
         nAction = MOVA_SUBMENU_ACTION_BACK;
     TRACE_VALUE_FILE_FUNC_TIME("Calling  MOVA_STKSrv_SelectSubMenuItem(%d) %s: %s: %s: ", index);
     const int32_t status =
-        MOVA_STKSrv_SelectSubMenuItem(CmdId(), nAction, static_cast<int16_t>(index));
+        MOVA_STKSrv_SelectSubMenuItem(cmdIdOf(stCommand), nAction, static_cast<int16_t>(index));
     TRACE_STATUS("MOVA_STKSrv_SelectSubMenuItem() returned %li: %s: %s: %s: ", status);
     if (status == 0)
         TRACE_FILE_FUNC_TIME("MOVA_STKSrv_SelectSubMenuItem() success : %s: %s: %s: ");
@@ -314,12 +311,12 @@ bool STKLogic::SelectSubMenuItem(QString action, int index)
     return status == 0;
 }
 
-bool STKLogic::GetIdleModePrompt(QString *pText)
+bool STKLogic::GetIdleModePrompt(QString *pText, STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKIdleModeTextInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_GetIdleModePrompt(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetIdleModePrompt(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetIdleModePrompt(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetIdleModePrompt() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -329,12 +326,12 @@ bool STKLogic::GetIdleModePrompt(QString *pText)
     return true;
 }
 
-bool STKLogic::GetPlayTone(MOVAPlayToneRequest *pReq)
+bool STKLogic::GetPlayTone(MOVAPlayToneRequest *pReq, STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKPlayToneInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_GetPlayTone(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetPlayTone(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetPlayTone(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetPlayTone() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -346,12 +343,12 @@ bool STKLogic::GetPlayTone(MOVAPlayToneRequest *pReq)
     return true;
 }
 
-bool STKLogic::GetLaunchBrowser(MOVALaunchBrowser *pReq)
+bool STKLogic::GetLaunchBrowser(MOVALaunchBrowser *pReq, STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKLaunchBrowserInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_GetLaunchBrowser(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetLaunchBrowser(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetLaunchBrowser(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetLaunchBrowser() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -364,12 +361,12 @@ bool STKLogic::GetLaunchBrowser(MOVALaunchBrowser *pReq)
     return true;
 }
 
-bool STKLogic::GetInKeyRquest(StkInKeyRequest *pReq)
+bool STKLogic::GetInKeyRquest(StkInKeyRequest *pReq, STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKInKeyInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_GetInKeyRequest(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetInKeyRequest(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetInKeyRequest(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetInKeyRequest() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -382,12 +379,12 @@ bool STKLogic::GetInKeyRquest(StkInKeyRequest *pReq)
     return true;
 }
 
-bool STKLogic::GetInputRequest(StkInKeyRequest *pReq)
+bool STKLogic::GetInputRequest(StkInKeyRequest *pReq, STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKInputInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_GetInputRequest(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetInputRequest(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetInputRequest(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetInputRequest() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -403,12 +400,13 @@ bool STKLogic::GetInputRequest(StkInKeyRequest *pReq)
     return true;
 }
 
-bool STKLogic::GetPromptText(QString *pText, QString *pClearMode, int *pDuration)
+bool STKLogic::GetPromptText(QString *pText, QString *pClearMode, int *pDuration,
+                             STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKPromptTextInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling  MOVA_STKSrv_GetPromptText() %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetPromptText(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetPromptText(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetPromptText() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -424,7 +422,7 @@ bool STKLogic::GetRefreshInfo()
     TRACE_START();
     MOVA_STKRefreshInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling  MOVA_STKSrv_GetRefreshInfo() %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetRefreshInfo(CmdId(), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetRefreshInfo(cmdIdOf(STKCommand()), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetRefreshInfo() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -433,18 +431,13 @@ bool STKLogic::GetRefreshInfo()
     return true;
 }
 
-bool STKLogic::CallStkAnswerInKey(QString result, QString answer)
-{
-    return CallStkAnswerInKey(result, answer, CommandInProgress());
-}
-
-bool STKLogic::CallStkAnswerInKey(QString result, QString answer, uint32_t command)
+bool STKLogic::CallStkAnswerInKey(QString result, QString answer, STKCommand stCommand)
 {
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInKey(%s): %s: %s: %s: ",
                                answer.toUtf8().constData());
-    const int32_t status = MOVA_STKSrv_AnswerInKey(CmdIdOf(command), bAccepted, answer.utf16());
+    const int32_t status = MOVA_STKSrv_AnswerInKey(cmdIdOf(stCommand), bAccepted, answer.utf16());
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;
@@ -453,18 +446,13 @@ bool STKLogic::CallStkAnswerInKey(QString result, QString answer, uint32_t comma
     return true;
 }
 
-bool STKLogic::CallStkAnswerInput(QString result, QString answer)
-{
-    return CallStkAnswerInput(result, answer, CommandInProgress());
-}
-
-bool STKLogic::CallStkAnswerInput(QString result, QString answer, uint32_t command)
+bool STKLogic::CallStkAnswerInput(QString result, QString answer, STKCommand stCommand)
 {
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInput(%s): %s: %s: %s: ",
                                answer.toUtf8().constData());
-    const int32_t status = MOVA_STKSrv_AnswerInput(CmdIdOf(command), bAccepted, answer.utf16());
+    const int32_t status = MOVA_STKSrv_AnswerInput(cmdIdOf(stCommand), bAccepted, answer.utf16());
     // The line shares its text with the key's answer.
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);
     if (status != 0)
@@ -474,17 +462,12 @@ bool STKLogic::CallStkAnswerInput(QString result, QString answer, uint32_t comma
     return true;
 }
 
-bool STKLogic::SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response)
-{
-    return SendNoDataResponse(type, response, CommandInProgress());
-}
-
 bool STKLogic::SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response,
-                                  uint32_t command)
+                                  STKCommand stCommand)
 {
     TRACE_START();
     TRACE_FILE_FUNC_TIME("Calling MOVA_STKSrv_SendNoDataResponse(): %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_SendNoDataResponse(CmdIdOf(command), type, response);
+    const int32_t status = MOVA_STKSrv_SendNoDataResponse(cmdIdOf(stCommand), type, response);
     TRACE_STATUS("MOVA_STKSrv_SendNoDataResponse() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;

@@ -46,6 +46,18 @@ struct StkInKeyRequest {
     QString strDefaultText;
 };
 
+/* One notification of the card: the identifier of its command, and its place among all of them,
+ * since identifiers may come again; 0 for none.  One word, so that threads pass it on whole. */
+struct STKCommand {
+    int16_t sCmdId = 0;
+    uint16_t usNumber = 0;
+
+    bool operator==(STKCommand stOther) const
+    {
+        return sCmdId == stOther.sCmdId && usNumber == stOther.usNumber;
+    }
+};
+
 /* The one object that talks to the modem service.
  *
  * It turns each notification of the card into one signal, keeps the identifier of the command in
@@ -77,40 +89,35 @@ public:
     bool GetResponseVar();
     void SetResponseVar(bool bRespondence);
 
+    /* The newest notification with data.  Whatever opens a window for a command keeps it: further
+     * ones may arrive before the answer. */
+    STKCommand CommandInProgress() const;
+
     /* The rest returns true when the service returned 0; on false, unless said otherwise, nothing
-     * was changed. */
+     * was changed.  Without a command, or with none, they are about the newest. */
 
     /* A failed get leaves the menu empty. */
     bool GetMainMenu(StkMenuItems *pMenu);
-    bool GetSubMenu(StkMenuItems *pMenu);
+    bool GetSubMenu(StkMenuItems *pMenu, STKCommand stCommand = STKCommand());
     bool SelectMainMenuItem(int index);
     /* action: "SUBMENU_ACTION_SELECT_ITEM" or "SUBMENU_ACTION_RETURN_BACK_ITEM". */
-    bool SelectSubMenuItem(QString action, int index);
+    bool SelectSubMenuItem(QString action, int index, STKCommand stCommand = STKCommand());
 
-    bool GetIdleModePrompt(QString *pText);
-    bool GetPlayTone(MOVAPlayToneRequest *pReq);
-    bool GetLaunchBrowser(MOVALaunchBrowser *pReq);
-    bool GetInKeyRquest(StkInKeyRequest *pReq);
-    bool GetInputRequest(StkInKeyRequest *pReq);
+    bool GetIdleModePrompt(QString *pText, STKCommand stCommand = STKCommand());
+    bool GetPlayTone(MOVAPlayToneRequest *pReq, STKCommand stCommand = STKCommand());
+    bool GetLaunchBrowser(MOVALaunchBrowser *pReq, STKCommand stCommand = STKCommand());
+    bool GetInKeyRquest(StkInKeyRequest *pReq, STKCommand stCommand = STKCommand());
+    bool GetInputRequest(StkInKeyRequest *pReq, STKCommand stCommand = STKCommand());
     /* *pClearMode becomes "STK_CLR_MODE_AUTO" or empty, *pDuration seconds. */
-    bool GetPromptText(QString *pText, QString *pClearMode, int *pDuration);
+    bool GetPromptText(QString *pText, QString *pClearMode, int *pDuration,
+                       STKCommand stCommand = STKCommand());
     bool GetRefreshInfo();
 
-    /* The newest notification with data: its identifier, and its place among all of them.  A window
-     * stays open while further commands arrive; what it keeps of this tells its command from
-     * theirs. */
-    uint32_t CommandInProgress() const;
-
-    /* The answers go to the command in progress, or to the one that is named. */
-
     /* result: "STK_TYPE_OK" accepts, anything else cancels. */
-    bool CallStkAnswerInKey(QString result, QString answer);
-    bool CallStkAnswerInKey(QString result, QString answer, uint32_t command);
-    bool CallStkAnswerInput(QString result, QString answer);
-    bool CallStkAnswerInput(QString result, QString answer, uint32_t command);
-    bool SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response);
+    bool CallStkAnswerInKey(QString result, QString answer, STKCommand stCommand = STKCommand());
+    bool CallStkAnswerInput(QString result, QString answer, STKCommand stCommand = STKCommand());
     bool SendNoDataResponse(_STK_UI_EN_STKTYPE type, _STK_UI_EN_TERMINALRESPONSE response,
-                            uint32_t command);
+                            STKCommand stCommand = STKCommand());
 
 signals:
     void DevAvailable(bool isAvaillable);
@@ -135,12 +142,12 @@ private:
     STKLogic();
     ~STKLogic();
 
-    int16_t CmdId() const;
+    int16_t cmdIdOf(STKCommand stCommand) const;
 
     std::atomic<int16_t> m_sCmdId;
     std::atomic<int32_t> m_bRet;
     std::atomic<int32_t> m_bRespondence;
-    std::atomic<uint32_t> m_uCommand; /* a running number above m_sCmdId, in one word */
+    std::atomic<STKCommand> m_stCommand; /* what CommandInProgress tells */
 
     static std::atomic<STKLogic *> m_pStkLogicInst;
 };

@@ -1,27 +1,27 @@
-#ifndef KEYBOARDLOAN_H
-#define KEYBOARDLOAN_H
+#ifndef STKKEYBOARDLOAN_H
+#define STKKEYBOARDLOAN_H
 
 #include <QPointer>
 #include <QWidget>
 
 /* The input line grabs the keyboard.  A box that comes up over it borrows the keys for as long as
  * this lives; otherwise Escape in the box would cancel the input behind it. */
-class KeyboardLoan {
+class STKKeyboardLoan {
 public:
-    KeyboardLoan()
+    STKKeyboardLoan()
         : m_pGrabber(QWidget::keyboardGrabber())
     {
         if (m_pGrabber)
             m_pGrabber->releaseKeyboard();
     }
-    ~KeyboardLoan()
+    ~STKKeyboardLoan()
     {
         if (m_pGrabber && m_pGrabber->isVisible())
             m_pGrabber->grabKeyboard();
     }
 
 private:
-    Q_DISABLE_COPY(KeyboardLoan)
+    Q_DISABLE_COPY(STKKeyboardLoan)
 
     QPointer<QWidget> m_pGrabber;
 };
