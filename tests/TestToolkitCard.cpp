@@ -390,6 +390,11 @@ TEST_F(TestToolkitCard, answersForTheUser)
     for (const auto &row : rows(R"(
         012180 | 8D020441                   | ok           |   | 0100
         012180 | 8D020441 9E020001          | ok           |   | 0104
+        012180 | 8D020441 84020103          | ok           |   | 0112
+        012180 | 8D020441 84020103          | terminated   |   | 0110
+        012180 | 8D020441 84020105          | ok           |   | 0100
+        012180 | 8D020441 84020100          | ok           |   | 0100
+        012100 | 8D020441 84020103          | ok           |   | 0100
         012401 | 8F020943 9F020001          | item         | 9 | 0104 900109
         012180 | 8D020441                   | back         |   | 0111
         012180 | 8D020441                   | cancelled    |   | 0110
@@ -423,7 +428,9 @@ TEST_F(TestToolkitCard, answersForTheUser)
         if (row[2] == "text")
             response.text = row[3];
         card.respond(response, now);
-        play(respond(row[0], row[4]), "end");
+        const bool nobody = row[4] == "0112";
+        play(respond(row[0], row[4]),
+             std::string(nobody ? "DISPLAY TEXT: no response from user; " : "") + "end");
     }
     // The last one was hidden.
     EXPECT_EQ(log.traffic.back(),

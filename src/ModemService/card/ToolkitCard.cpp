@@ -57,6 +57,8 @@ std::string resultInWords(const cat::Response &response)
         return "performed";
     case cat::Result::PerformedWithoutIcon:
         return "performed, but the icon could not be displayed";
+    case cat::Result::NoResponseFromUser:
+        return "no response from user";
     case cat::Result::TerminalUnable:
         return "terminal currently unable to process command";
     case cat::Result::TimerContradiction:
@@ -79,12 +81,27 @@ bool isPerformed(const cat::Response &response)
     return (response.result & 0xf0) == 0;
 }
 
+constexpr uint8_t UserClears = 0x80; // qualifier of DISPLAY TEXT, clause 8.6
+
 // Whether the text stays until somebody clears it.
 bool waitsForUser(const cat::Command &command)
 {
-    constexpr uint8_t UserClears = 0x80; // clause 8.6
     const auto *text = std::get_if<cat::DisplayText>(&command.body);
     return text && !text->duration && (command.details.qualifier & UserClears);
+}
+
+// Whether nobody has cleared in time a text that somebody was to clear (clause 6.4.1).  The window
+// clears it then by itself, and calls that performed.
+bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
+                  Card::Clock::duration time)
+{
+    constexpr milliseconds Tolerance{100}; // of the window's clock
+    const auto *text = std::get_if<cat::DisplayText>(&command.body);
+    if (!text || !text->duration || !(command.details.qualifier & UserClears))
+        return false;
+    const milliseconds limit = text->duration->time();
+    return limit.count() && response.result == TerminalResponse::Result::Performed &&
+        time + Tolerance >= limit;
 }
 
 // Some answers are nobody's: a browser's, a tone's, those of a text that clears itself.
@@ -235,6 +252,11 @@ void ToolkitCard::respond(const TerminalResponse &response, Time now)
     }
 
     CommandInProgress &current = *m_state.command;
+    if (isOverlooked(current.command, response, now - current.since)) {
+        current.response = responseWith(current.command, cat::Result::NoResponseFromUser);
+        m_listener.answeredByModem(current.command.name, resultInWords(*current.response));
+        return;
+    }
     current.response = responseTo(current, response);
     m_state.endQuietly |= !fromUser;
     if (current.modemAnswer || !fromUser)
