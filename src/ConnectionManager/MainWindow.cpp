@@ -90,12 +90,16 @@ QString cardName(const QString &fileName)
     return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
 }
 
-// Every start asks for the menu before the card has sent it, or before there is a card: that is no
-// fault, and is not to look like one.
+// Every start asks for the menu before the card has sent it: that is no fault, and is not to look
+// like one.  Where there is no card, or no modem, it says nothing, and the line is empty.
 QString shownText(const CardHost::TranscriptEntry &entry)
 {
-    static const QRegularExpression asked("refused: MOVA_STKSrv_GetMainMenu: .* \\(-[123]\\)$");
-    return QString::fromStdString(entry.text).replace(asked, "there is no menu yet");
+    static const QRegularExpression asked("refused: MOVA_STKSrv_GetMainMenu: .* \\(-([123])\\)$");
+    QString line = QString::fromStdString(entry.text);
+    const QRegularExpressionMatch match = asked.match(line);
+    if (match.hasMatch() && match.captured(1).toInt() != -StatusNoMenu)
+        return QString();
+    return line.replace(asked, "there is no menu yet");
 }
 
 // Where the layout runs from right to left, the common style turns the alignment of a button's text
@@ -551,7 +555,9 @@ void MainWindow::noteUncodable(const CardHost::TranscriptEntry &entry)
 void MainWindow::appendEntries(const QList<CardHost::TranscriptEntry> &entries)
 {
     for (const CardHost::TranscriptEntry &entry : entries) {
-        m_transcriptView->appendPlainText(shownText(entry));
+        const QString line = shownText(entry);
+        if (!line.isEmpty())
+            m_transcriptView->appendPlainText(line);
         noteUncodable(entry);
     }
     refresh();
