@@ -10,9 +10,11 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <sstream>
 #include <thread>
 
 #include "CardHost.h"
+#include "Service.h"
 #include "ServiceStatus.h"
 #include "Text.h"
 #include "platform/ModemService.h"
@@ -21,6 +23,11 @@ using nlohmann::json;
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr int MainMenu = MOVA_STKTYPE_SETUP_MENU, Item = MOVA_STKTYPE_SELECT_ITEM,
+              Text = MOVA_STKTYPE_DISPLAY_TEXT, Key = MOVA_STKTYPE_GET_INKEY,
+              End = MOVA_STKTYPE_END_SESSION, Ready = MOVA_DEV_EVENT_DEVICE_READY,
+              Removed = MOVA_DEV_EVENT_DEVICE_REMOVED, NotReady = MOVA_DEV_EVENT_DEVICE_NOT_READY;
 
 // What a callback was called with.
 struct Call {
@@ -74,20 +81,37 @@ template <class Record> Record details(int32_t (*get)(int16_t, Record *), const 
     return record;
 }
 
+std::string field(const uint16_t *text)
+{
+    return toUtf8(text);
+}
+
+template <class Number> std::string field(Number number)
+{
+    return std::to_string(number);
+}
+
+// Fields of a record, one behind the other.
+template <class... Fields> std::string joined(const Fields &...fields)
+{
+    std::string text;
+    ((text += (text.empty() ? "" : " ") + field(fields)), ...);
+    return text;
+}
+
 // What a menu shows: its title, the number of items and each of them.
 template <class Menu> std::string shown(Menu menu, int32_t (*release)(Menu *))
 {
     std::string text = toUtf8(menu.szTitle) + ", " + std::to_string(menu.sItemCount);
     for (int i = 0; i < menu.sItemCount; ++i)
-        text +=
-            "; " + std::to_string(menu.pItems[i].sItemId) + ' ' + toUtf8(menu.pItems[i].szItemText);
+        text += "; " + joined(menu.pItems[i].sItemId, menu.pItems[i].szItemText);
     EXPECT_EQ(release(&menu), 0);
     return text;
 }
 
 std::string shownMenu(const Call &call)
 {
-    if (call.type == MOVA_STKTYPE_SELECT_ITEM)
+    if (call.type == Item)
         return shown(details(MOVA_STKSrv_GetSubMenu, call), MOVA_STKSrv_ReleaseSubMenus);
     MOVA_STKMenuInfo menu{};
     EXPECT_EQ(MOVA_STKSrv_GetMainMenu(&menu), 0);
@@ -109,6 +133,17 @@ Call next()
     const Call call = theCalls.front();
     theCalls.pop_front();
     return call;
+}
+
+using Types = std::vector<int>;
+
+// What the callbacks are called with next.
+Types told(size_t count)
+{
+    Types types;
+    while (types.size() < count)
+        types.push_back(next().type);
+    return types;
 }
 
 Call send(const std::string &command)
@@ -137,6 +172,31 @@ int32_t respond(const Call &call, int32_t type, int32_t result)
                                           _STK_UI_EN_TERMINALRESPONSE(result));
 }
 
+// Sends one command, and what it is answered nobody hears.
+class OneCommandCard : public Card {
+public:
+    explicit OneCommandCard(ProactiveCommand command)
+        : m_command(std::move(command))
+    {
+    }
+    CardTraits traits() const override { return {}; }
+    void powerOn(Time) override { }
+    void powerOff() override { }
+    void selectMenuItem(int16_t, Time) override { }
+    void respond(const TerminalResponse &, Time) override { }
+    void endSession() override { }
+    std::optional<CardEvent> nextEvent(Time) override
+    {
+        if (!m_command)
+            return std::nullopt;
+        return *std::exchange(m_command, std::nullopt);
+    }
+    Time wakeUp() const override { return Time::max(); }
+
+private:
+    std::optional<ProactiveCommand> m_command;
+};
+
 } // namespace
 
 class SessionTest : public testing::Test {
@@ -163,7 +223,7 @@ protected:
         hook();
         const bool present = CardHost::state() >= CardHost::ModemState::Ready;
         CardHost::closeCard();
-        for (Call call; present && call.type != MOVA_DEV_EVENT_DEVICE_NOT_READY;) {
+        for (Call call; present && call.type != NotReady;) {
             call = next();
             ASSERT_NE(call.type, -1);
         }
@@ -180,8 +240,7 @@ protected:
         std::ofstream(file) << '{' << times << ',' << members << '}';
         ASSERT_EQ(CardHost::openScenario(file), "");
         std::filesystem::remove(file);
-        ASSERT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_READY);
-        ASSERT_EQ(next().type, MOVA_STKTYPE_SETUP_MENU);
+        ASSERT_EQ(told(2), (Types{Ready, MainMenu}));
     }
 
     // The last transcript entry of that event, without the time.
@@ -189,6 +248,23 @@ protected:
     {
         std::lock_guard<std::mutex> lock(theMutex);
         return m_last[event];
+    }
+
+    bool hearsResponse(int16_t id)
+    {
+        std::unique_lock<std::mutex> lock(theMutex);
+        return theChange.wait_for(lock, 10s, [&] { return m_last["response"]["id"] == id; });
+    }
+
+    // The call is refused with that status, which the transcript tells in one line.
+    void expectRefused(int32_t status, const char *function, int32_t returned)
+    {
+        EXPECT_EQ(returned, status) << function;
+        std::lock_guard<std::mutex> lock(theMutex);
+        const json line = std::exchange(m_last["refused"], {});
+        ASSERT_TRUE(line.is_object()) << function << ' ' << status;
+        EXPECT_EQ(line["status"], status) << function;
+        EXPECT_EQ(line["call"], std::string("MOVA_STK") + function);
     }
 
     int m_listener = 0;
@@ -208,19 +284,16 @@ TEST_F(SessionTest, WalksMenus)
     const Call again = choose(choose(one, 7), 0, Back);
     EXPECT_NE(again.id, one.id);
     EXPECT_EQ(shownMenu(again), "One, 2; 7 Deeper; 8 Silence");
-    EXPECT_EQ(choose(choose(again, 7), -1).type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(choose(choose(again, 7), -1).type, End);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::Ready);
-    EXPECT_EQ(choose(select(3), 0, Back).type,
-              MOVA_STKTYPE_END_SESSION); // nothing above the first sub menu
+    EXPECT_EQ(choose(select(3), 0, Back).type, End); // nothing above the first sub menu
 
     const Call left = select(3);
     const Call top = select(3);
     EXPECT_EQ(last("response")["id"], left.id);
     EXPECT_EQ(last("response")["result"], "terminated");
     MOVA_STKSrv_SelectSubMenuItem(top.id, MOVA_SUBMENU_ACTION_SELECT, 8); // the card falls silent
-    EXPECT_EQ(select(3).type, MOVA_STKTYPE_SELECT_ITEM);
-    EXPECT_EQ(MOVA_STKSrv_SelectMenuItem(1, 4), StatusUnknownItem);
-    EXPECT_EQ(MOVA_STKSrv_SelectMenuItem(2, 3), StatusBadArgument);
+    EXPECT_EQ(select(3).type, Item);
 }
 
 TEST_F(SessionTest, TranscriptTellsWhatPassed)
@@ -261,30 +334,39 @@ TEST_F(SessionTest, TranscriptTellsWhatPassed)
         EXPECT_EQ(m_lines.at(i).substr(14), lines[i]); // behind "hh:mm:ss.zzz  "
 }
 
-TEST_F(SessionTest, RefusesCallsThatDoNotFitTheCommand)
+TEST_F(SessionTest, RefusesCallsThatDoNotFit)
 {
     open();
     const Call call = send(R"({"command":"displayText","text":"t"})");
-    ASSERT_EQ(call.type, MOVA_STKTYPE_DISPLAY_TEXT);
     const Call wrong{call.type, int16_t(call.id + 1)};
     MOVA_STKSubMenuInfo sub{};
     MOVA_STKPromptTextInfo prompt{};
-    EXPECT_EQ(MOVA_STKSrv_AnswerInput(call.id, 1, nullptr), StatusWrongCommand);
-    EXPECT_EQ(MOVA_STKSrv_GetSubMenu(call.id, &sub), StatusWrongCommand);
-    EXPECT_EQ(MOVA_STKSrv_SelectSubMenuItem(call.id, 1, 1), StatusWrongCommand);
-    EXPECT_EQ(respond(call, MOVA_STKTYPE_PLAY_TONE, STK_UI_TR_SUCCESS), StatusWrongCommand);
-    EXPECT_EQ(respond(wrong, call.type, STK_UI_TR_SUCCESS), StatusNotInProgress);
-    EXPECT_EQ(MOVA_STKSrv_GetPromptText(wrong.id, &prompt), StatusNotInProgress);
-    EXPECT_EQ(MOVA_STKSrv_GetPromptText(call.id, nullptr), StatusBadArgument);
+    const auto refuse = [&](int32_t status, const char *function, int32_t returned) {
+        expectRefused(status, function, returned);
+    };
+    refuse(StatusUnknownItem, "Srv_SelectMenuItem", MOVA_STKSrv_SelectMenuItem(1, 4));
+    refuse(StatusBadArgument, "Srv_SelectMenuItem", MOVA_STKSrv_SelectMenuItem(2, 3));
+    refuse(StatusBadArgument, "Srv_GetMainMenu", MOVA_STKSrv_GetMainMenu(nullptr));
+    refuse(StatusBadArgument, "Srv_ReleaseMenus", MOVA_STKSrv_ReleaseMenus(nullptr));
+    refuse(StatusBadArgument, "Srv_GetPromptText", MOVA_STKSrv_GetPromptText(call.id, nullptr));
+    refuse(StatusBadArgument, "_RegisterCallBack", MOVA_STK_RegisterCallBack(nullptr));
+    refuse(StatusNotRegistered, "_UnRegisterCallBack", MOVA_STK_UnRegisterCallBack(nullptr));
+    refuse(StatusWrongCommand, "Srv_AnswerInput", MOVA_STKSrv_AnswerInput(call.id, 1, nullptr));
+    refuse(StatusWrongCommand, "Srv_GetSubMenu", MOVA_STKSrv_GetSubMenu(call.id, &sub));
+    refuse(StatusWrongCommand, "Srv_SelectSubMenuItem",
+           MOVA_STKSrv_SelectSubMenuItem(call.id, 1, 1));
+    refuse(StatusWrongCommand, "Srv_SendNoDataResponse", respond(call, 5, STK_UI_TR_SUCCESS));
+    refuse(StatusNotInProgress, "Srv_SendNoDataResponse", respond(wrong, Text, STK_UI_TR_SUCCESS));
+    refuse(StatusNotInProgress, "Srv_GetPromptText", MOVA_STKSrv_GetPromptText(wrong.id, &prompt));
     EXPECT_EQ(prompt.szText[0], 0); // nothing of it changed anything
     EXPECT_EQ(MOVA_STKSrv_GetPromptText(call.id, &prompt), 0);
-    EXPECT_EQ(respond(call, call.type, STK_UI_TR_SUCCESS), 0);
-    EXPECT_EQ(respond(call, call.type, STK_UI_TR_SUCCESS), StatusNotInProgress);
-    EXPECT_EQ(MOVA_STKSrv_GetPromptText(call.id, &prompt), StatusNotInProgress);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(respond(call, Text, STK_UI_TR_SUCCESS), 0);
+    refuse(StatusNotInProgress, "Srv_SendNoDataResponse", respond(call, Text, STK_UI_TR_SUCCESS));
+    refuse(StatusNotInProgress, "Srv_GetPromptText", MOVA_STKSrv_GetPromptText(call.id, &prompt));
+    EXPECT_EQ(next().type, End);
 
     const Call raw = send(R"({"command":"raw","type":1})"); // the type without the details
-    EXPECT_EQ(MOVA_STKSrv_GetPromptText(raw.id, &prompt), StatusWrongCommand);
+    refuse(StatusWrongCommand, "Srv_GetPromptText", MOVA_STKSrv_GetPromptText(raw.id, &prompt));
     EXPECT_EQ(respond(raw, raw.type, STK_UI_TR_SUCCESS), 0);
 }
 
@@ -297,40 +379,35 @@ TEST_F(SessionTest, CommandsReachTheirRecords)
 
     const Call toneCall = send(R"({"command":"playTone","tone":-2,"duration":65535,"text":"♪"})");
     const auto tone = details(MOVA_STKSrv_GetPlayTone, toneCall);
-    EXPECT_EQ(std::tuple(tone.nTone, tone.usDuration, toUtf8(tone.szText)),
-              std::tuple(-2, 65535, "♪"));
+    EXPECT_EQ(joined(tone.nTone, tone.usDuration, tone.szText), "-2 65535 ♪");
 
     const Call browserCall = send(R"({"command":"launchBrowser","launchMode":1,"url":"http://a"})");
     const auto browser = details(MOVA_STKSrv_GetLaunchBrowser, browserCall);
-    EXPECT_EQ(std::tuple(browser.nLaunchMode, toUtf8(browser.szUrl)), std::tuple(1, "http://a"));
+    EXPECT_EQ(joined(browser.nLaunchMode, browser.szUrl), "1 http://a");
     EXPECT_EQ(last("overtaken")["id"], toneCall.id);
 
-    const Call keyCall =
-        send(R"({"command":"getInkey","text":"k","inputType":9,"option":2,"duration":7})");
-    const auto key = details(MOVA_STKSrv_GetInKeyRequest, keyCall);
-    EXPECT_EQ(std::tuple(toUtf8(key.szText), key.nInputType, key.bOption, key.usDuration),
-              std::tuple("k", 9, 2, 7));
+    const auto key =
+        details(MOVA_STKSrv_GetInKeyRequest,
+                send(R"({"command":"getInkey","text":"k","inputType":9,"option":2,"duration":7})"));
+    EXPECT_EQ(joined(key.szText, key.nInputType, key.bOption, key.usDuration), "k 9 2 7");
 
     const auto input =
         details(MOVA_STKSrv_GetInputRequest, send(R"({"command":"getInput","text":"i","inputType":2,
         "echo":0,"minLength":-1,"maxLength":4,"option":1,"defaultText":"d"})"));
-    EXPECT_EQ(toUtf8(input.szText) + toUtf8(input.szDefaultText), "id");
-    EXPECT_EQ(
-        std::tuple(input.nInputType, input.bEcho, input.sMinLen, input.sMaxLen, input.bOption),
-        std::tuple(2, 0, -1, 4, 1));
+    EXPECT_EQ(joined(input.szText, input.nInputType, input.bEcho, input.sMinLen, input.sMaxLen,
+                     input.bOption, input.szDefaultText),
+              "i 2 0 -1 4 1 d");
 
     const Call text = send(R"({"command":"displayText","text":"p","clearMode":0,"duration":3})");
     const auto prompt = details(MOVA_STKSrv_GetPromptText, text);
-    EXPECT_EQ(std::tuple(toUtf8(prompt.szText), prompt.nClearMode, prompt.usDuration),
-              std::tuple("p", 0, 3));
+    EXPECT_EQ(joined(prompt.szText, prompt.nClearMode, prompt.usDuration), "p 0 3");
 
     const Call idle = send(R"({"command":"setUpIdleModeText","text":"idle"})");
-    EXPECT_EQ(toUtf8(details(MOVA_STKSrv_GetIdleModePrompt, idle).szText), "idle");
+    EXPECT_EQ(joined(details(MOVA_STKSrv_GetIdleModePrompt, idle).szText), "idle");
 
     const Call files = send(R"({"command":"refresh","qualifier":3,"files":"01FF"})");
     const auto refresh = details(MOVA_STKSrv_GetRefreshInfo, files);
-    EXPECT_EQ(std::tuple(refresh.nQualifier, refresh.abFiles[1], refresh.abFiles[2]),
-              std::tuple(3, 0xff, 0));
+    EXPECT_EQ(joined(refresh.nQualifier, refresh.abFiles[1], refresh.abFiles[2]), "3 255 0");
 }
 
 TEST_F(SessionTest, AnswersTakeTheirBranch)
@@ -347,19 +424,17 @@ TEST_F(SessionTest, AnswersTakeTheirBranch)
     // The answer, of one with text: whether the user accepted; its text; the type of what comes
     // next.
     const std::tuple<const char *, int, uint16_t, int> rows[] = {
-        {branches, 1, 0, 50}, {branches, 0, 0, 51},
-        {branches, 4, 0, 52}, {branches, 7, 0, 53},
-        {input, 1, '1', 54},  {input, 1, '2', 55},
-        {input, 0, '1', 51},  {yesNo, 1, '1', 56},
-        {yesNo, 1, '0', 57},  {yesNo, 0, 0, MOVA_STKTYPE_END_SESSION},
+        {branches, 1, 0, 50}, {branches, 0, 0, 51}, {branches, 4, 0, 52}, {branches, 7, 0, 53},
+        {input, 1, '1', 54},  {input, 1, '2', 55},  {input, 0, '1', 51},  {yesNo, 1, '1', 56},
+        {yesNo, 1, '0', 57},  {yesNo, 0, 0, End},
     };
     for (const auto &[command, answer, character, type] : rows) {
         const uint16_t text[] = {character, 0};
         const std::regex raw("@([0-9]+)");
         const Call call = send(std::regex_replace(command, raw, R"({"command":"raw","type":$1})"));
-        if (call.type == MOVA_STKTYPE_DISPLAY_TEXT)
+        if (call.type == Text)
             EXPECT_EQ(respond(call, call.type, answer), 0);
-        else if (call.type == MOVA_STKTYPE_GET_INKEY)
+        else if (call.type == Key)
             EXPECT_EQ(MOVA_STKSrv_AnswerInKey(call.id, answer, text), 0);
         else
             EXPECT_EQ(MOVA_STKSrv_AnswerInput(call.id, answer, text), 0);
@@ -383,7 +458,7 @@ TEST_F(SessionTest, ScriptsJumpAndGoOnBehindABranch)
     EXPECT_EQ(last("command")["title"], "Top");
     EXPECT_EQ(choose(choose(top, 1), 0, Back).type, 50);
     EXPECT_EQ(choose(select(1), 2).type, 51);
-    EXPECT_EQ(choose(select(1), 0, MOVA_SUBMENU_ACTION_NONE).type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(choose(select(1), 0, MOVA_SUBMENU_ACTION_NONE).type, End);
 }
 
 TEST_F(SessionTest, ResponseTimeRunsOut)
@@ -391,9 +466,8 @@ TEST_F(SessionTest, ResponseTimeRunsOut)
     open();
     const Call call = send(R"({"command":"displayText","text":"t","responseTime":1})");
     const Call late = next();
-    EXPECT_EQ(std::tuple(late.type, late.id, late.timeOut),
-              std::tuple(MOVA_STKTYPE_DISPLAY_TEXT, call.id, true));
-    EXPECT_EQ(respond(call, call.type, STK_UI_TR_SUCCESS), StatusNotInProgress);
+    EXPECT_EQ(std::tuple(late.type, late.id, late.timeOut), std::tuple(Text, call.id, true));
+    EXPECT_EQ(respond(call, Text, STK_UI_TR_SUCCESS), StatusNotInProgress);
     EXPECT_EQ(last("timeout")["id"], call.id);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::Ready);
     EXPECT_TRUE(select(9).timeOut); // the script's own
@@ -405,13 +479,13 @@ TEST_F(SessionTest, ResponseTimeRunsOut)
     EXPECT_TRUE(next().timeOut);
     const uint16_t no[] = {'0', 0};
     EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), 0);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(next().type, End);
     EXPECT_EQ(MOVA_STKSrv_AnswerInKey(key.id, 1, no), StatusNotInProgress);
     const Call other = send(R"({"command":"getInkey","text":"t","inputType":1})");
     CardHost::removeModem();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED);
+    EXPECT_EQ(told(2), (Types{End, Removed}));
     EXPECT_EQ(MOVA_STKSrv_AnswerInKey(other.id, 1, no), 0);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
+    EXPECT_EQ(next().type, End);
 }
 
 TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)
@@ -427,21 +501,49 @@ TEST_F(SessionTest, ModemAnswersWhatItCarriesOut)
 
     // Answered, and no next command yet: the details can still be read.
     const Call second = send(R"({"command":"refresh","on":{"ok":[{"silence":true}]}})");
-    std::unique_lock<std::mutex> lock(theMutex);
-    ASSERT_TRUE(
-        theChange.wait_for(lock, 10s, [&] { return m_last["response"]["id"] == second.id; }));
-    lock.unlock();
+    ASSERT_TRUE(hearsResponse(second.id));
     EXPECT_EQ(MOVA_STKSrv_GetRefreshInfo(second.id, &info), 0);
     EXPECT_EQ(respond(second, second.type, STK_UI_TR_TERMINATED), StatusNotInProgress);
 
     CardHost::closeCard();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_NOT_READY);
+    EXPECT_EQ(told(2), (Types{End, NotReady}));
     open(Menu, R"("latency":1,"modemTime":80000)");
     const Call third = send(R"({"command":"refresh"})");
-    EXPECT_EQ(respond(third, third.type, STK_UI_TR_TERMINATED),
-              0); // before the modem: counts as the answer
-    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
+    // Before the modem: counts as the answer.
+    EXPECT_EQ(respond(third, third.type, STK_UI_TR_TERMINATED), 0);
+    EXPECT_EQ(next().type, End);
     EXPECT_EQ(last("response")["result"], "terminated");
+    const Call menu = send(R"({"command":"setUpMenu","title":"M","items":[{"text":"a"}]})");
+    EXPECT_TRUE(hearsResponse(menu.id)); // at once
+}
+
+// Whoever waits for the card hears first that the session is over, and has the time to take note.
+TEST_F(SessionTest, TellsTheEndOfTheSessionBeforeTheCardOrModemIsGone)
+{
+    const auto byCard = [] {
+        theSession().withCard([](Card &card) { card.selectMenuItem(2, {}); });
+    };
+    const std::pair<std::function<void()>, int> ways[] = {
+        {CardHost::removeModem, Removed}, {CardHost::closeCard, NotReady}, {byCard, Removed}};
+    for (const auto &[go, device] : ways) {
+        for (const bool ended : {false, true}) { // by the card, just before
+            open(R"("menu":{"title":"M","items":[{"id":1,"text":"a","do":[{"silence":true}]},
+                {"id":2,"text":"b","do":[{"modem":"removed"},{"modem":"ready","after":90000}]}]})");
+            EXPECT_EQ(MOVA_STKSrv_SelectMenuItem(1, 1), 0);
+            ended ? CardHost::endSession() : go();
+            const Call end = next();
+            if (ended)
+                go();
+            const Call gone = next();
+            EXPECT_EQ(std::tuple(end.type, gone.type), std::tuple(End, device));
+            EXPECT_GE(gone.time - end.time, 150ms);
+            EXPECT_EQ(last("endSession")["id"], end.id);
+            CardHost::closeCard();
+        }
+    }
+    open();
+    CardHost::removeModem(); // without a session
+    EXPECT_EQ(next().type, Removed);
 }
 
 TEST_F(SessionTest, ModemGoesAndComesBack)
@@ -449,24 +551,21 @@ TEST_F(SessionTest, ModemGoesAndComesBack)
     open();
     const Call one = select(3);
     CardHost::removeModem();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED);
     MOVA_STKMenuInfo main{};
     EXPECT_EQ(MOVA_STKSrv_GetMainMenu(&main), StatusModemRemoved);
     EXPECT_EQ(MOVA_STKSrv_SelectMenuItem(1, 3), StatusModemRemoved);
     EXPECT_EQ(MOVA_STKSrv_SelectSubMenuItem(one.id, 1, 7), StatusModemRemoved);
     EXPECT_EQ(CardHost::sendCommand("{}"), "the modem was removed");
     CardHost::insertModem();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_READY);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_SETUP_MENU);
+    EXPECT_EQ(told(4), (Types{End, Removed, Ready, MainMenu}));
     EXPECT_EQ(MOVA_STKSrv_SelectSubMenuItem(one.id, 1, 7), StatusNotInProgress);
 
-    EXPECT_EQ(select(-5).type, MOVA_DEV_EVENT_DEVICE_REMOVED); // by the card's own script
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_READY);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_SETUP_MENU);
+    EXPECT_EQ(select(-5).type, End); // by the card's own script
+    EXPECT_EQ(told(3), (Types{Removed, Ready, MainMenu}));
 
     EXPECT_EQ(CardHost::openScenario("/nowhere"),
               "/nowhere: cannot be read: No such file or directory");
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_NOT_READY);
+    EXPECT_EQ(next().type, NotReady);
     EXPECT_EQ(CardHost::state(), CardHost::ModemState::NoCard);
     EXPECT_EQ(MOVA_STKSrv_GetMainMenu(&main), StatusNoCard);
 }
@@ -477,12 +576,12 @@ TEST_F(SessionTest, CardActsUnasked)
         {"after":40,"send":{"command":"setUpMenu","title":"New","items":[{"text":"x"}]}},
         {"after":20,"send":{"command":"displayText","text":"first"}}])");
     const Call text = next();
-    EXPECT_EQ(text.type, MOVA_STKTYPE_DISPLAY_TEXT);
-    EXPECT_EQ(next().type, MOVA_STKTYPE_SETUP_MENU);
+    EXPECT_EQ(text.type, Text);
+    EXPECT_EQ(next().type, MainMenu);
     EXPECT_EQ(last("overtaken")["id"], text.id);
     EXPECT_EQ(shownMenu({}), "New, 1; 1 x");
-    EXPECT_EQ(next().type, MOVA_STKTYPE_END_SESSION);
-    EXPECT_EQ(select(1).type, MOVA_STKTYPE_END_SESSION); // an item without steps
+    EXPECT_EQ(next().type, End);
+    EXPECT_EQ(select(1).type, End); // an item without steps
 }
 
 TEST_F(SessionTest, InjectsFaults)
@@ -518,7 +617,6 @@ TEST_F(SessionTest, UnregisteringWaitsForTheCallbackOnAnotherThread)
     const MOVA_STKCallback other = [](int, void *) { return 0; };
     EXPECT_EQ(MOVA_STK_RegisterCallBack(onCommand), 0);
     EXPECT_EQ(MOVA_STK_RegisterCallBack(other), StatusRegistered);
-    EXPECT_EQ(MOVA_STK_RegisterCallBack(nullptr), StatusBadArgument);
     EXPECT_EQ(MOVA_STK_UnRegisterCallBack(other), StatusNotRegistered);
 
     std::promise<void> entered, release;
@@ -542,7 +640,7 @@ TEST_F(SessionTest, UnregisteringWaitsForTheCallbackOnAnotherThread)
     next();
     CardHost::endSession();
     CardHost::removeModem();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED); // the end of the session was not told
+    EXPECT_EQ(next().type, Removed); // the end of the session was not told
 }
 
 // Whoever answered has had the time to begin to wait.
@@ -553,7 +651,7 @@ TEST_F(SessionTest, TellsTheCardsWordSomeTimeAfterTheAnswerHasReturned)
     for (auto answer : {+[](int16_t) { return MOVA_STKSrv_SelectMenuItem(1, 3); },
                         +[](int16_t id) { return MOVA_STKSrv_SelectSubMenuItem(id, 1, 7); },
                         +[](int16_t id) {
-                            return respond({0, id}, MOVA_STKTYPE_SELECT_ITEM, STK_UI_TR_SUCCESS);
+                            return respond({0, id}, Item, STK_UI_TR_SUCCESS);
                         }}) {
         EXPECT_EQ(answer(call.id), 0);
         const auto returned = std::chrono::steady_clock::now();
@@ -581,7 +679,7 @@ TEST_F(SessionTest, CallbacksMayCallTheService)
     EXPECT_EQ(unregistered.get_future().get(), 0);
     hook();
     CardHost::removeModem();
-    EXPECT_EQ(next().type, MOVA_DEV_EVENT_DEVICE_REMOVED); // the end of the session was not told
+    EXPECT_EQ(next().type, Removed); // the end of the session was not told
     EXPECT_EQ(last("response")["result"], "terminated");
 }
 

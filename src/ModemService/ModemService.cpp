@@ -33,7 +33,7 @@ template <class Record> void fillMenu(const CommandMenu &menu, Record &record)
 template <class Record> int32_t releaseMenu(ServiceFunction function, Record *record)
 {
     if (!record)
-        return StatusBadArgument;
+        return theSession().refuseArgument(function);
     delete[] record->pItems;
     record->pItems = nullptr;
     record->sItemCount = 0;
@@ -102,7 +102,7 @@ template <class Command, class Record>
 int32_t fetch(ServiceFunction function, int16_t commandId, Record *record)
 {
     if (!record)
-        return StatusBadArgument;
+        return theSession().refuseArgument(function, commandId);
     CommandBody body;
     const int32_t status = theSession().details(function, commandId, Command::Type, body);
     if (status == StatusSuccess)
@@ -159,7 +159,7 @@ int32_t MOVA_DevSrv_UnRegisterDevMgrCallback(MOVA_DevMgrCallback pfnCallback)
 int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo *pMenu)
 {
     if (!pMenu)
-        return StatusBadArgument;
+        return theSession().refuseArgument(ServiceFunction::GetMainMenu);
     CommandMenu menu;
     const int32_t status = theSession().mainMenu(menu);
     if (status == StatusSuccess)
@@ -184,7 +184,8 @@ int32_t MOVA_STKSrv_ReleaseSubMenus(MOVA_STKSubMenuInfo *pMenu)
 
 int32_t MOVA_STKSrv_SelectMenuItem(int16_t sMenu, int16_t sItemId)
 {
-    return sMenu == TheMainMenu ? theSession().selectMenuItem(sItemId) : StatusBadArgument;
+    return sMenu == TheMainMenu ? theSession().selectMenuItem(sItemId)
+                                : theSession().refuseArgument(ServiceFunction::SelectMenuItem);
 }
 
 int32_t MOVA_STKSrv_SelectSubMenuItem(int16_t sCmdId, int32_t nAction, int16_t sItemId)

@@ -17,6 +17,9 @@ constexpr Card::Time Never = Card::Time::max();
 constexpr std::chrono::milliseconds HoldBack{20};
 // Whoever answers without a pause does not keep the card's word from others for ever.
 constexpr std::chrono::milliseconds LongestHoldBack = 10 * HoldBack;
+// A terminal that waits for the card's next word sees within 100 ms that there is one, and closes
+// nothing until then.  So much time it gets before the card or the modem is told to be gone.
+constexpr std::chrono::milliseconds BeforeGone = LongestHoldBack;
 
 int32_t faultStatus(const Faults &faults, ServiceFunction function)
 {
@@ -68,7 +71,7 @@ public:
             return;
         std::lock_guard<std::mutex> lock(m_session.m_mutex);
         --m_session.m_answering;
-        m_session.m_heldUntil = Card::Clock::now() + HoldBack;
+        m_session.m_heldUntil = std::max(m_session.m_heldUntil, Card::Clock::now() + HoldBack);
         m_session.m_wake.notify_one();
     }
     Answering(const Answering &) = delete;
@@ -254,6 +257,12 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
     return StatusSuccess;
 }
 
+int32_t Session::refuseArgument(ServiceFunction function, std::optional<int16_t> commandId)
+{
+    Guard guard(*this);
+    return refuse(function, commandId, StatusBadArgument);
+}
+
 int32_t Session::releaseStatus(ServiceFunction function)
 {
     Guard guard(*this);
@@ -270,34 +279,26 @@ int32_t Session::releaseStatus(ServiceFunction function)
 void Session::insertCard(std::unique_ptr<Card> card)
 {
     Guard guard(*this);
+    if (!m_card && !card)
+        return;
     const bool wasReady = m_card && !m_removed;
-    const bool wasUnderWay = m_underWay;
+    forgetSession();
     if (m_card) {
         m_transcript.cardClosed();
         m_oldCards.push_back(std::move(m_card));
-    } else if (!card) {
-        return;
     }
-    forgetSession();
     m_menu.reset();
     m_removed = false;
     m_card = std::move(card);
     m_traits = m_card ? m_card->traits() : CardTraits();
     if (m_card)
         m_transcript.cardOpened(m_traits.name);
-
-    post([this, inserted = m_card, wasReady, wasUnderWay] {
-        Lock lock(m_mutex);
-        if (inserted && wasUnderWay)
-            callCommand(MOVA_STKTYPE_END_SESSION, newCommandId(), false, lock);
-        if (inserted && !wasReady)
-            callDevice(MOVA_DEV_EVENT_DEVICE_READY, lock);
-        if (!inserted && wasReady)
-            callDevice(MOVA_DEV_EVENT_DEVICE_NOT_READY, lock);
-        lock.unlock();
-        if (inserted)
-            inserted->powerOn(Card::Clock::now());
-    });
+    if (!m_card && wasReady)
+        postDevice(MOVA_DEV_EVENT_DEVICE_NOT_READY);
+    if (m_card && !wasReady)
+        postDevice(MOVA_DEV_EVENT_DEVICE_READY);
+    if (m_card)
+        post([inserted = m_card] { inserted->powerOn(Card::Clock::now()); });
 }
 
 void Session::removeModem()
@@ -305,15 +306,8 @@ void Session::removeModem()
     Guard guard(*this);
     if (!m_card || m_removed)
         return;
-    forgetSession();
-    m_menu.reset();
-    m_removed = true;
-    m_transcript.device(false);
-    post([this, card = m_card] {
-        card->powerOff();
-        Lock lock(m_mutex);
-        callDevice(MOVA_DEV_EVENT_DEVICE_REMOVED, lock);
-    });
+    post([card = m_card] { card->powerOff(); });
+    loseModem();
 }
 
 void Session::insertModem()
@@ -324,13 +318,8 @@ void Session::insertModem()
     forgetSession();
     m_removed = false;
     m_transcript.device(true);
-    post([this, card = m_card] {
-        {
-            Lock lock(m_mutex);
-            callDevice(MOVA_DEV_EVENT_DEVICE_READY, lock);
-        }
-        card->powerOn(Card::Clock::now());
-    });
+    postDevice(MOVA_DEV_EVENT_DEVICE_READY);
+    post([card = m_card] { card->powerOn(Card::Clock::now()); });
 }
 
 void Session::endSession()
@@ -475,12 +464,37 @@ std::optional<TerminalResponse> Session::closeCurrent()
     return response;
 }
 
-// What the card was about to do, and what it was to be told, no longer counts.
+// What the card was about to do, and what it was to be told, does not count any more.  Whoever
+// waits for its next word hears that there is none.
 void Session::forgetSession()
 {
     ++m_epoch;
     dropCurrent();
-    m_underWay = false;
+    if (!std::exchange(m_underWay, false))
+        return;
+    const int16_t id = newCommandId();
+    m_transcript.endOfSession(id);
+    post([this, id] {
+        Lock lock(m_mutex);
+        callCommand(MOVA_STKTYPE_END_SESSION, id, false, lock);
+    });
+}
+
+void Session::loseModem()
+{
+    forgetSession();
+    m_menu.reset();
+    m_removed = true;
+    m_transcript.device(false);
+    postDevice(MOVA_DEV_EVENT_DEVICE_REMOVED);
+}
+
+void Session::postDevice(int code)
+{
+    post([this, code] {
+        Lock lock(m_mutex);
+        callDevice(code, lock);
+    });
 }
 
 void Session::dropCurrent()
@@ -613,11 +627,7 @@ void Session::handle(CardEvent &event, Lock &lock)
     } else if (std::holds_alternative<SessionTimeOut>(event)) {
         reportTimeOut(lock);
     } else if (std::holds_alternative<ModemRemoved>(event) && !m_removed) {
-        forgetSession();
-        m_menu.reset();
-        m_removed = true;
-        m_transcript.device(false);
-        callDevice(MOVA_DEV_EVENT_DEVICE_REMOVED, lock);
+        loseModem();
     } else if (std::holds_alternative<ModemReady>(event) && m_removed) {
         lock.unlock();
         insertModem();
@@ -632,13 +642,16 @@ void Session::announce(ProactiveCommand command, Lock &lock)
     const int16_t id = newCommandId();
     const int32_t type = commandType(command.body);
     m_transcript.command(id, command.body);
-    if (std::holds_alternative<SetUpMenu>(command.body))
+    const bool isMenu = std::holds_alternative<SetUpMenu>(command.body);
+    if (isMenu)
         m_menu = command;
     else
         m_underWay = true;
 
+    // To keep a menu takes the modem no time.
     const bool byModem = isAnsweredByModem(command.body);
-    const std::chrono::milliseconds time = byModem ? m_traits.modemTime : command.responseTime;
+    const auto modemTime = isMenu ? std::chrono::milliseconds(0) : m_traits.modemTime;
+    const std::chrono::milliseconds time = byModem ? modemTime : command.responseTime;
     const bool forEver = !byModem && time.count() == 0;
     const Card::Time deadline = forEver ? Never : Card::Clock::now() + time;
     dropCurrent();
@@ -685,6 +698,8 @@ void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
         callback(0, &data);
     }
     lock.lock();
+    if (callback)
+        m_toldAt = Card::Clock::now();
     m_running = Running::None;
     m_returned.notify_all();
 }
@@ -717,6 +732,10 @@ void Session::holdBack(Lock &lock)
 
 void Session::callDevice(int code, Lock &lock)
 {
+    if (code != MOVA_DEV_EVENT_DEVICE_READY) {
+        m_heldUntil = std::max(m_heldUntil, m_toldAt + BeforeGone);
+        holdBack(lock);
+    }
     const MOVA_DevMgrCallback callback = m_deviceCallback;
     m_running = Running::DeviceCallback;
     lock.unlock();

@@ -53,6 +53,9 @@ public:
     /// Answers the command in progress, which must be of the given type.
     int32_t answer(ServiceFunction function, int16_t commandId, int32_t type,
                    const TerminalResponse &response);
+    /// The status of a call with a null pointer or a number without a meaning.
+    int32_t refuseArgument(ServiceFunction function,
+                           std::optional<int16_t> commandId = std::nullopt);
     /// The status of a menu's release: what the card's faults say of it.
     int32_t releaseStatus(ServiceFunction function);
 
@@ -112,6 +115,8 @@ private:
     void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
     std::optional<TerminalResponse> closeCurrent();
     void forgetSession();
+    void loseModem();
+    void postDevice(int code);
     void dropCurrent();
     bool isLate(int16_t keyId);
     int16_t newCommandId();
@@ -143,6 +148,7 @@ private:
     int m_selections = 0; // that the card has not heard of yet
     int m_answering = 0; // calls under way that answer, on other threads than the session's
     Card::Time m_heldUntil; // since the last one returned
+    Card::Time m_toldAt; // when the command callback has last returned
 
     std::shared_ptr<Card> m_card;
     std::vector<std::shared_ptr<Card>> m_oldCards; // to be destroyed on the session's thread
