@@ -181,6 +181,7 @@ std::string waiting(const std::string &objects) // the status that announces suc
 const std::map<std::string, std::string> Names = {
     {"FIND", "00A40004023F00 > 9000 00A40004022F00 > 6A82"},
     {"USIM", "00A4040407A0000000871002 >"},
+    {"ISIM", "00A4040407A0000000871004 >"},
     {"GSM", "A0A40000023F00 > 9000 A0A40000027F20 >"},
     {"CHV", std::string(36, '0') + "839000"}, // enabled, three tries
     {"NOCHV", std::string(26, '0') + "8000000000839000"},
@@ -291,6 +292,14 @@ TEST(TestApdu, followsTheStatusWords)
         T0 | 80C20000 | 01   | 256 | 80C200000101 > 6100 00C0000000 > 6C02 00C0000002 > 01029105      | 01029105
         T0 | A0A40000 | 7F20 | 256 | A0A40000027F20 > 9F02 A0C0000002 > 01029000                      | 01029000
         T0 | 00B20104 |      | 5   | 00B2010405 > 6C03 00B2010403 > 6C04                              | 6C04
+        T0 | A0F20000 |      | 22  | A0F2000016 > 6702 A0F2000002 > 01029000                          | 01029000
+        T0 | A0F20000 |      | 22  | A0F2000016 > 6700                                                | 6700
+        T0 | 80F20000 |      | 22  | 80F2000016 > 6702                                                | 6702
+        T0 | 00A40004 | 3F00 | 256 | 00A40004023F00 > 6283 00C0000000 > 6C02 00C0000002 > 01029000    | 01026283
+        T0 | 80C20000 | 01   | 256 | 80C200000101 > 6200 00C0000000 > 6D00                            | 6200
+        T0 | 80C20000 | 01   | 256 | 80C200000101 > 6300 00C0000000 > 9105                            | 9105
+        T0 | 00200001 | 01   |     | 002000010101 > 63C2                                              | 63C2
+        T1 | 80C20000 | 01   | 256 | 80C20000010100 > 6200                                            | 6200
         T0 | 00B20104 |      | 5   | 00B2010405 > 90                                                  | none)")) {
         Wire wire;
         wire.protocol = row[0] == "T1" ? CardChannel::Protocol::T1 : CardChannel::Protocol::T0;
@@ -337,13 +346,20 @@ TEST_F(TestToolkitCard, findsTheApplication)
         00A40004023F00 > 9000 00A40004022F00 > 620782054221000C019000 00B201040C > 9000 USIM NOPIN READY | - Reader: a USIM
         00A40004023F00 > 9000 00A40004022F00 > 9000 00B2010400 > 6A83 USIM NOPIN READY | - Reader: a USIM
         00A40004023F00 > 6E00 GSM NOCHV PROFILE2G > 9000 | - Reader: a 2G SIM
-        FIND USIM 6A82 GSM NOCHV PROFILE2G > 9000        | - Reader: a 2G SIM
+        FIND USIM 6A82 ISIM 6A82 GSM NOCHV PROFILE2G > 9000 | - Reader: a 2G SIM
         00A40004023F00 > 6D00 GSM CHV                    | - Reader: a 2G SIM; PIN? 3
         00A40004023F00 > 6A82 A0A40000023F00 > 6E00      | ! Reader: no SIM application on this card (a bank card?); removed
-        FIND USIM 6A82 GSM 9404                          | ! Reader: no SIM application on this card (a bank card?); removed
+        FIND USIM 6A82 ISIM 6A82 A0A40000023F00 > 6E00 00A40004027F20 > 6A82 00A40004022FE2 > 6A82 | ! Reader: no SIM application on this card (a bank card?); removed
+        FIND USIM 6A82 ISIM 6A82 GSM 9404 00A40004027F20 > NOPIN READY | - Reader: a 2G SIM
+        FIND USIM 6A82 ISIM 6A82 A0A40000023F00 > 6E00 00A40004027F20 > 6A82 00A40004022FE2 > 9000 0020000100 > 9000 READY | - Reader: a UICC without a USIM
+        FIND USIM 6A82 ISIM NOPIN READY                  | - Reader: an ISIM
+        00A40004023F00 > 9000 00A40004022F00 > 620782054221000C019000 00B201040C > 610A4F08A0000000871004019000 USIM 6A82 00A4040408A000000087100401 > NOPIN READY | - Reader: an ISIM
         FIND USIM PIN 0020000100 > 9000 READY            | - Reader: a USIM
         00A40004023F00 > 9300 FIND USIM 9300 USIM NOPIN READY | - Reader: a USIM
         FIND USIM 620EC60C90014083010183011183018190009000 0020001100 > 63C3 | - Reader: a USIM; PIN? 3
+        FIND USIM 6211C60F9001408301019501088301118301819000 0020001100 > 63C3 | - Reader: a USIM; PIN? 3
+        FIND USIM 6211C60F9001408301019501008301118301819000 READY | - Reader: a USIM
+        FIND USIM PIN 0020000100 > 6700                  | - Reader: a USIM; PIN? 0
         FIND USIM PIN 0020000100 > 6983 READY            | - Reader: a USIM; ! Reader: the PIN of this card is blocked; only its PUK, in a telephone, helps)")) {
         card.powerOn(now);
         play(row[0], row[1], 1s);
@@ -379,6 +395,7 @@ TEST_F(TestToolkitCard, asksForThePin)
         answerPin(row[0]);
         play(row[1], row[2]);
     }
+    EXPECT_EQ(log.traffic.back(), "A020000108FFFFFFFFFFFFFFFF>"); // the last one without an answer
 }
 
 TEST_F(TestToolkitCard, answersForTheUser)
@@ -476,6 +493,12 @@ TEST_F(TestToolkitCard, answersForTheModem)
 
 TEST_F(TestToolkitCard, pollsAndTellsTimers)
 {
+    const std::string status = std::string(48, '0') + "9000 "; // of a 2G card, and its length
+    card.powerOn(now);
+    play("00A40004023F00 > 6E00 GSM NOCHV PROFILE2G > 9000 A0F2000016 > 6718 A0F2000018 > " +
+             status + "A0F2000018 > " + status,
+         "- Reader: a 2G SIM; ! Reader: this card has no toolkit menu", 60s);
+    card.powerOff();
     const std::string timer = "A40102A503000021"; // 12 s
     const std::string started = "TIMER MANAGEMENT (timer 2, 12 s): performed";
     const std::string expired = envelope("D70C82028281" + timer);
@@ -539,7 +562,7 @@ TEST_F(TestToolkitCard, endsTheSessionOnErrors)
     start();
     for (const auto &row : rows(R"(
         6F00                     | ! Reader: the card answers MENU SELECTION with 6F00 (technical problem of the card); end
-        6200                     | end
+        6200 00C0000000 > 6900   | end
         910C 801200000C > 6D00   | ! Reader: the card answers FETCH with 6D00 (the card does not know the command); end)"))
         select(row[0], row[1]);
     card.selectMenuItem(1, now);

@@ -434,6 +434,10 @@
         <translation>%1: بطاقة SIM من الجيل الثاني</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1: بطاقة UICC بدون USIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1: لا يوجد تطبيق SIM على هذه البطاقة (هل هي بطاقة مصرفية؟)</translation>
     </message>

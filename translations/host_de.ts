@@ -434,6 +434,10 @@
         <translation>%1: eine 2G-SIM-Karte</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1: eine UICC ohne USIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1: Auf dieser Karte ist keine SIM-Anwendung (eine Bankkarte?)</translation>
     </message>

@@ -434,6 +434,10 @@
         <translation>%1: a 2G SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1: a UICC without a USIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1: no SIM application on this card (a bank card?)</translation>
     </message>

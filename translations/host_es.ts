@@ -434,6 +434,10 @@
         <translation>%1: una tarjeta SIM 2G</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1: una tarjeta UICC sin USIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1: esta tarjeta no tiene aplicación SIM (¿una tarjeta bancaria?)</translation>
     </message>

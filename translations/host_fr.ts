@@ -434,6 +434,10 @@
         <translation>%1 : une carte SIM 2G</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1 : une carte UICC sans USIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1 : pas d’application SIM sur cette carte (une carte bancaire ?)</translation>
     </message>

@@ -434,6 +434,10 @@
         <translation>%1：2G SIM 卡</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_UICC</source>
+        <translation>%1：不含 USIM 的 UICC 卡</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_SIM</source>
         <translation>%1：此卡上没有 SIM 应用（是银行卡吗？）</translation>
     </message>

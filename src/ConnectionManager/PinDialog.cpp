@@ -58,7 +58,8 @@ PinDialog::PinDialog(const CardHost::PinRequest &request, QWidget *parent)
     m_fieldLabel->setBuddy(m_field);
     column->addWidget(m_field);
     m_tries = addLabel(column);
-    if (m_request.triesLeft <= 1)
+    m_tries->setVisible(m_request.triesLeft > 0);
+    if (m_request.triesLeft == 1)
         column->addWidget(createLastTryWarning());
     column->addSpacing(8);
     column->addLayout(createButtons());

@@ -111,7 +111,7 @@ private:
 struct PinRequest {
     int id = 0; ///< for the answer
     std::string card; ///< for people
-    int triesLeft = 0; ///< at least 1; after the last one the card is blocked
+    int triesLeft = 0; ///< after the last one the card is blocked; 0: the card does not tell
     bool wrong = false; ///< the PIN before this request was wrong
 };
 /// Gets a request, or nothing when the one before is over: answered, or the card is gone.

@@ -357,7 +357,7 @@ void Transcript::apdu(cat::ByteView command, cat::ByteView response)
     if (!hasListeners())
         return;
     append({Wire,
-            hex(command) + " → " + hex(response),
+            hex(command) + " → " + (response.empty() ? "no answer" : hex(response)),
             {{"event", "apdu"}, {"command", hex(command)}, {"response", hex(response)}}});
 }
 

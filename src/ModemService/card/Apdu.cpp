@@ -106,9 +106,9 @@ std::optional<ApduAnswer> exchangeOnce(CardChannel &channel, const Apdu &command
         const auto end = wire.begin() + 5 + static_cast<ptrdiff_t>(command.data.size());
         std::fill(end - static_cast<ptrdiff_t>(command.secret), end, uint8_t(0xff));
     }
+    tell({std::move(wire), received.value_or(Bytes())});
     if (!received || received->size() < 2)
         return std::nullopt;
-    tell({std::move(wire), *received});
 
     ApduAnswer answer;
     const size_t size = received->size() - 2;
@@ -116,6 +116,23 @@ std::optional<ApduAnswer> exchangeOnce(CardChannel &channel, const Apdu &command
     received->resize(size);
     answer.data = std::move(*received);
     return answer;
+}
+
+// Whether the card names another length than the command's: 6Cxx, and 67xx on a 2G card (3GPP TS
+// 51.011 clause 9.4.6).
+bool namesLength(const Apdu &command, uint16_t status)
+{
+    const bool is2g = command.cla == 0xa0 && (status & 0xff00) == 0x6700 && (status & 0xff);
+    return statusKind(status) == StatusKind::OtherLength ||
+        (is2g && command.data.empty() && command.expected);
+}
+
+// A card may give a warning in place of the announcement of its data, for T=0 (ISO/IEC 7816-3
+// clause 12.2.4).
+bool isWarnedOfData(const Apdu &command, CardChannel::Protocol protocol, const ApduAnswer &answer)
+{
+    return protocol == CardChannel::Protocol::T0 && !command.data.empty() && command.expected &&
+        answer.data.empty() && statusKind(answer.status) == StatusKind::Warning;
 }
 
 // 00 stands for 256.
@@ -131,7 +148,7 @@ std::optional<ApduAnswer> exchange(CardChannel &channel, Apdu &command, const Ap
 {
     std::optional<ApduAnswer> answer = exchangeOnce(channel, command, tell);
     // A secret is sent once: a PIN presented twice may cost two tries.
-    if (answer && statusKind(answer->status) == StatusKind::OtherLength && command.secret == 0) {
+    if (answer && namesLength(command, answer->status) && command.secret == 0) {
         command.expected = lengthIn(answer->status);
         answer = exchangeOnce(channel, command, tell);
     }
@@ -142,17 +159,24 @@ std::optional<ApduAnswer> exchange(CardChannel &channel, Apdu &command, const Ap
     // 10.1.1).
     Apdu getResponse{uint8_t(command.cla == 0xa0 ? 0xa0 : 0x00), 0xc0, 0, 0};
     Bytes data;
+    std::optional<uint16_t> warning; // which is what the command ends with
     for (int round = 0; answer && round < MaxRounds; ++round) {
         data.insert(data.end(), answer->data.begin(), answer->data.end());
         const StatusKind kind = statusKind(answer->status);
         const bool repeat = kind == StatusKind::OtherLength && round > 0;
-        if ((kind != StatusKind::MoreData && !repeat) || data.size() > MaxData)
+        const bool warned = round == 0 && isWarnedOfData(command, channel.protocol(), *answer);
+        if (warned)
+            warning = answer->status;
+        if ((kind != StatusKind::MoreData && !repeat && !warned) || data.size() > MaxData)
             break;
-        getResponse.expected = lengthIn(answer->status);
+        getResponse.expected = warned ? uint16_t(256) : lengthIn(answer->status);
         answer = exchangeOnce(channel, getResponse, tell);
     }
-    if (answer)
-        answer->data = std::move(data);
+    if (!answer)
+        return answer;
+    answer->data = std::move(data);
+    if (warning && statusKind(answer->status) != StatusKind::ProactiveCommand)
+        answer->status = *warning;
     return answer;
 }
 

@@ -31,9 +31,10 @@ struct ApduAnswer {
 
 using ApduTeller = std::function<void(const ApduTraffic &)>;
 
-/// Sends the command, fetches what the card announces (61xx, 9Fxx), repeats it where the card names
-/// another length (6Cxx), each a bounded number of times.  All other status words are the result's.
-/// Every single exchange is told.  Nothing: the card is gone.
+/// Sends the command, fetches what the card announces (61xx, 9Fxx, a warning for T=0), repeats it
+/// where the card names another length (6Cxx, 67xx of a 2G card), each a bounded number of times.
+/// All other status words are the result's.  Every single exchange is told, without an answer where
+/// there was none.  Nothing: the card is gone.
 std::optional<ApduAnswer> exchange(CardChannel &channel, Apdu &command, const ApduTeller &tell);
 
 enum class StatusKind {

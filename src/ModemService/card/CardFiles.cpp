@@ -1,5 +1,7 @@
 #include "CardFiles.h"
 
+#include <utility>
+
 using cat::ByteView;
 
 namespace {
@@ -35,19 +37,25 @@ ByteView findObject(ByteView bytes, uint8_t tag)
 }
 
 // PIN status template (ETSI TS 102 221 clause 11.1.1.4.10 and 9.5.2): a bit for each key reference
-// behind it, the highest first, says whether that PIN is in use.
+// behind it, the highest first, says whether that PIN is in use; a usage qualifier before a key
+// reference, whether the user is to be asked for it at all.
 std::optional<uint8_t> pinInUse(ByteView pinStatus)
 {
     constexpr uint8_t LastApplicationPin = 0x08;
     constexpr uint8_t UniversalPin = 0x11;
+    constexpr uint8_t UseForVerification = 0x08;
     const ByteView enabled = findObject(pinStatus, 0x90);
     size_t bit = 0;
     bool universal = false;
+    bool wanted = true; // by the qualifier that came last
     while (const auto object = takeObject(pinStatus)) {
+        if (object->tag == 0x95)
+            wanted = !object->value.empty() && (object->value[0] & UseForVerification);
         if (object->tag != 0x83)
             continue;
         const uint8_t key = object->value.empty() ? 0 : object->value[0];
-        const bool used = bit / 8 < enabled.size() && (enabled[bit / 8] & (0x80 >> (bit % 8)));
+        const bool used = std::exchange(wanted, true) && bit / 8 < enabled.size() &&
+            (enabled[bit / 8] & (0x80 >> (bit % 8)));
         ++bit;
         if (used && key >= 1 && key <= LastApplicationPin)
             return key;

@@ -6,8 +6,8 @@
 #include "CardHost.h"
 #include "cat/Bytes.h"
 
-/// One command to the card and what it answered, status words last.  What must not be written down
-/// is blanked out.
+/// One command to the card and what it answered, status words last; empty where it did not.  What
+/// must not be written down is blanked out.
 struct ApduTraffic {
     cat::Bytes command;
     cat::Bytes response;

@@ -37,6 +37,7 @@ constexpr NoticeRow NoticeRows[] = {
     {NoticeId::Usim, false, "IDS_CM_NOTICE_USIM", "%1: a USIM"},
     {NoticeId::Isim, false, "IDS_CM_NOTICE_ISIM", "%1: an ISIM"},
     {NoticeId::Sim, false, "IDS_CM_NOTICE_SIM", "%1: a 2G SIM"},
+    {NoticeId::Uicc, false, "IDS_CM_NOTICE_UICC", "%1: a UICC without a USIM"},
     {NoticeId::NoSim, true, "IDS_CM_NOTICE_NO_SIM",
      "%1: no SIM application on this card (a bank card?)"},
     {NoticeId::NoMenu, true, "IDS_CM_NOTICE_NO_MENU", "%1: this card has no toolkit menu"},

@@ -27,6 +27,7 @@ enum class NoticeId {
     Usim,
     Isim,
     Sim,
+    Uicc,
     NoSim,
     NoMenu,
     MenuLate,

@@ -726,7 +726,7 @@ void ToolkitCard::sendResponse(Time now)
     m_state.restAt = now + RestTime;
     takeStatus("TERMINAL RESPONSE", answer->status);
     if (refreshes && qualifier != FileChange)
-        m_state.step = m_state.isUicc ? Step::SelectUsim : Step::SelectGsm;
+        m_state.step = m_state.isUicc ? Step::SelectApplication : Step::SelectGsm;
 }
 
 // A new start from the beginning, the session being over.
@@ -817,8 +817,10 @@ void ToolkitCard::poll(Time now)
     m_state.pollAt = now + *m_state.pollInterval;
     Apdu apdu = toolkitApdu(0xf2, 0, m_state.isUicc ? 0x0c : 0);
     if (!m_state.isUicc)
-        apdu.expected = 0x16; // the shortest answer, 3GPP TS 51.011 clause 9.2.2
-    send(std::move(apdu), now);
+        apdu.expected = m_state.statusLength;
+    const auto answer = send(std::move(apdu), now);
+    if (answer && !answer->data.empty())
+        m_state.statusLength = static_cast<uint16_t>(std::min<size_t>(answer->data.size(), 256));
 }
 
 void ToolkitCard::passTimers(Time now)

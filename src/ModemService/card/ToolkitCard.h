@@ -59,9 +59,10 @@ private:
         SelectMasterFile,
         SelectDirectory,
         ReadDirectory,
-        SelectUsim,
+        SelectApplication,
         SelectMasterFile2g,
         SelectGsm,
+        SelectUnderUiccClass,
         ReadPinState,
         AwaitPin,
         VerifyPin,
@@ -100,15 +101,18 @@ private:
     void selectMasterFile(Time now);
     void selectDirectory(Time now);
     void readDirectory(Time now);
-    void selectUsim(Time now);
+    void selectApplication(Time now);
     void selectMasterFile2g(Time now);
     void selectGsm(Time now);
+    void selectUnderUiccClass(Time now);
+    void takeApplication(NoticeId kind, cat::ByteView selectAnswer);
+    void leaveClass2g();
     void readPinState(Time now);
     void verifyPin(Time now);
     void sendProfile(Time now);
     void reportInitialised(Time now);
 
-    void wantPin(int triesLeft, bool wrong);
+    void wantPin(std::optional<int> triesLeft, bool wrong);
     void goOnWithoutPin(NoticeId why, NoticeId noMenu,
                         std::optional<uint16_t> status = std::nullopt);
     void passPin();
@@ -171,7 +175,10 @@ private:
         uint8_t record = 1; // of EF_DIR, to be read next
         uint8_t records = 0;
         uint8_t recordLength = 0;
-        cat::Bytes application; // identifier of the USIM, or its beginning
+        bool answersAsUicc = false; // whatever its applications are
+        bool isIsim = false;
+        cat::Bytes application; // its identifier, or the beginning of that
+        cat::Bytes isim; // the same, where the card has no USIM
         uint8_t pinKey = 0x01;
         int pinTries = 0;
         CardHost::Pin pin;
@@ -204,6 +211,8 @@ private:
         std::optional<std::chrono::milliseconds> pollInterval =
             std::chrono::seconds(30); // until the card asks for another, or for none
         Time pollAt;
+        // Of the answer to STATUS, at first the shortest there is (3GPP TS 51.011 clause 9.2.2).
+        uint16_t statusLength = 0x16;
         std::array<Timer, 8> timers;
         cat::Bytes eventList;
         int chain = 0; // commands since the person had a part in it

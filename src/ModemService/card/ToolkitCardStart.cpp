@@ -16,12 +16,15 @@ constexpr uint8_t MaxRecords = 32;
 const Bytes MasterFile{0x3f, 0x00};
 const Bytes ApplicationDirectory{0x2f, 0x00}; // EF_DIR, ETSI TS 102 221 clause 13.1
 const Bytes DirectoryGsm{0x7f, 0x20}; // 3GPP TS 51.011 clause 10.3
-const Bytes UsimBeginning{0xa0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02}; // ETSI TS 101 220 annex E
+const Bytes Identification{0x2f, 0xe2}; // EF_ICCID, ETSI TS 102 221 clause 13.2
+// ETSI TS 101 220 annex E.
+const Bytes UsimBeginning{0xa0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x02};
+const Bytes IsimBeginning{0xa0, 0x00, 0x00, 0x00, 0x87, 0x10, 0x04};
 
-bool isUsim(const Bytes &application)
+bool begins(const Bytes &application, const Bytes &beginning)
 {
-    return application.size() >= UsimBeginning.size() && application.size() <= 16 &&
-        std::equal(UsimBeginning.begin(), UsimBeginning.end(), application.begin());
+    return application.size() >= beginning.size() && application.size() <= 16 &&
+        std::equal(beginning.begin(), beginning.end(), application.begin());
 }
 
 // By file identifier, or by the beginning of an application identifier (ETSI TS 102 221 clause
@@ -31,7 +34,7 @@ Apdu selectFile(const Bytes &file)
     return {0x00, 0xa4, 0x00, 0x04, file, 256};
 }
 
-Apdu selectApplication(const Bytes &identifier)
+Apdu selectByName(const Bytes &identifier)
 {
     return {0x00, 0xa4, 0x04, 0x04, identifier, 256};
 }
@@ -59,12 +62,14 @@ void ToolkitCard::takeStep(Time now)
         return selectDirectory(now);
     case Step::ReadDirectory:
         return readDirectory(now);
-    case Step::SelectUsim:
-        return selectUsim(now);
+    case Step::SelectApplication:
+        return selectApplication(now);
     case Step::SelectMasterFile2g:
         return selectMasterFile2g(now);
     case Step::SelectGsm:
         return selectGsm(now);
+    case Step::SelectUnderUiccClass:
+        return selectUnderUiccClass(now);
     case Step::ReadPinState:
         return readPinState(now);
     case Step::VerifyPin:
@@ -90,8 +95,11 @@ std::optional<ApduAnswer> ToolkitCard::sendStep(Apdu command, Time now)
 
 void ToolkitCard::selectMasterFile(Time now)
 {
-    if (const auto answer = sendStep(selectFile(MasterFile), now))
-        m_state.step = isDone(answer->status) ? Step::SelectDirectory : Step::SelectMasterFile2g;
+    const auto answer = sendStep(selectFile(MasterFile), now);
+    if (!answer)
+        return;
+    m_state.answersAsUicc = isDone(answer->status);
+    m_state.step = m_state.answersAsUicc ? Step::SelectDirectory : Step::SelectMasterFile2g;
 }
 
 void ToolkitCard::selectDirectory(Time now)
@@ -101,9 +109,10 @@ void ToolkitCard::selectDirectory(Time now)
         return;
     const FileParameters file = readFileParameters(answer->data);
     m_state.application = UsimBeginning;
+    m_state.isim = IsimBeginning;
     m_state.recordLength = file.recordLength;
     m_state.records = file.records ? std::min(file.records, MaxRecords) : MaxRecords;
-    m_state.step = isDone(answer->status) ? Step::ReadDirectory : Step::SelectUsim;
+    m_state.step = isDone(answer->status) ? Step::ReadDirectory : Step::SelectApplication;
 }
 
 void ToolkitCard::readDirectory(Time now)
@@ -114,25 +123,34 @@ void ToolkitCard::readDirectory(Time now)
     if (!answer)
         return;
     const Bytes application = applicationIdentifier(answer->data);
-    const bool found = isUsim(application);
+    const bool found = begins(application, UsimBeginning);
     if (found)
         m_state.application = application;
+    if (begins(application, IsimBeginning))
+        m_state.isim = application;
     if (found || !isDone(answer->status) || m_state.record++ >= m_state.records)
-        m_state.step = Step::SelectUsim;
+        m_state.step = Step::SelectApplication;
 }
 
-void ToolkitCard::selectUsim(Time now)
+void ToolkitCard::selectApplication(Time now)
 {
-    const auto answer = sendStep(selectApplication(m_state.application), now);
+    const auto answer = sendStep(selectByName(m_state.application), now);
     if (!answer)
         return;
-    if (!isDone(answer->status)) {
+    if (isDone(answer->status)) {
+        takeApplication(m_state.isIsim ? NoticeId::Isim : NoticeId::Usim, answer->data);
+    } else if (std::exchange(m_state.isIsim, true)) {
         m_state.step = Step::SelectMasterFile2g;
-        return;
+    } else {
+        m_state.application = m_state.isim;
     }
+}
+
+void ToolkitCard::takeApplication(NoticeId kind, cat::ByteView selectAnswer)
+{
     if (!m_state.profileSent)
-        notice(NoticeId::Usim);
-    const std::optional<uint8_t> pin = readFileParameters(answer->data).pin;
+        notice(kind);
+    const std::optional<uint8_t> pin = readFileParameters(selectAnswer).pin;
     m_state.pinKey = pin.value_or(0);
     if (pin)
         m_state.step = Step::ReadPinState;
@@ -149,6 +167,33 @@ void ToolkitCard::selectMasterFile2g(Time now)
     if (isDone(answer->status))
         m_state.step = Step::SelectGsm;
     else
+        leaveClass2g();
+}
+
+// What knows the other class alone may be a SIM card all the same.
+void ToolkitCard::leaveClass2g()
+{
+    if (!m_state.answersAsUicc) {
+        leaveAlone();
+        return;
+    }
+    m_state.isUicc = true;
+    m_state.application = DirectoryGsm;
+    m_state.step = Step::SelectUnderUiccClass;
+}
+
+// The directory of a 2G SIM, or else what every card of a network operator has, and no bank's.
+void ToolkitCard::selectUnderUiccClass(Time now)
+{
+    const auto answer = sendStep(selectFile(m_state.application), now);
+    if (!answer)
+        return;
+    const bool isDirectory = m_state.application == DirectoryGsm;
+    if (isDone(answer->status))
+        takeApplication(isDirectory ? NoticeId::Sim : NoticeId::Uicc, answer->data);
+    else if (isDirectory)
+        m_state.application = Identification;
+    else
         leaveAlone();
 }
 
@@ -158,7 +203,7 @@ void ToolkitCard::selectGsm(Time now)
     if (!answer)
         return;
     if (!isDone(answer->status)) {
-        leaveAlone();
+        leaveClass2g();
         return;
     }
     if (!m_state.profileSent)
@@ -170,7 +215,8 @@ void ToolkitCard::selectGsm(Time now)
         passPin();
 }
 
-// An empty VERIFY tells how many tries are left, and uses none (ETSI TS 102 221 clause 11.1.9).
+// An empty VERIFY tells how many tries are left, and uses none (ETSI TS 102 221 clause 11.1.9); a
+// card that does not know it may want its PIN all the same.
 void ToolkitCard::readPinState(Time now)
 {
     const auto answer = sendStep({0x00, 0x20, 0x00, m_state.pinKey}, now);
@@ -180,11 +226,13 @@ void ToolkitCard::readPinState(Time now)
         wantPin(answer->status & 0x0f, false);
     else if (answer->status == 0x6983)
         wantPin(0, false);
+    else if ((answer->status & 0xff00) == 0x6700)
+        wantPin(std::nullopt, false);
     else
         passPin();
 }
 
-void ToolkitCard::wantPin(int triesLeft, bool wrong)
+void ToolkitCard::wantPin(std::optional<int> triesLeft, bool wrong)
 {
     if (m_state.pinSettled) {
         passPin();
@@ -195,9 +243,9 @@ void ToolkitCard::wantPin(int triesLeft, bool wrong)
         return;
     }
     m_state.step = Step::AwaitPin;
-    m_state.pinTries = triesLeft;
+    m_state.pinTries = triesLeft.value_or(0);
     m_pinRequest = newPinRequest();
-    m_listener.pinWanted({*m_pinRequest, m_readerName, triesLeft, wrong});
+    m_listener.pinWanted({*m_pinRequest, m_readerName, m_state.pinTries, wrong});
 }
 
 void ToolkitCard::answerPin(int request, const CardHost::Pin &pin, Time)
