@@ -55,6 +55,8 @@ private slots:
         row({"--language", "tlh"},
             "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
         row({"--card", "/absent.json"}, "/absent.json: no such card scenario");
+        row({"--walkthrough", "/absent"},
+            "/absent: expected a walkthrough, found no readable file: No such file or directory");
         row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
             ".*/bad.json: step 1: \"open\": expected true, found 1");
         const QString quit = write("quit.json", "[{\"wait\":50},{\"quit\":true}]");

@@ -12,23 +12,18 @@ private slots:
     {
         QTest::addColumn<QString>("keys"); // < is Backspace, v is Ctrl+V, a is Ctrl+A
         QTest::addColumn<QString>("pin"); // empty for none that is valid
-        QTest::newRow("too short") << "123"
-                                   << "";
-        QTest::newRow("shortest") << "1234"
-                                  << "1234";
-        QTest::newRow("no more than eight") << "1234567890"
-                                            << "12345678";
-        QTest::newRow("nothing but digits") << "1x2 3-4"
-                                            << "1234";
-        QTest::newRow("digits of another script") << QString::fromUtf8("١٢٣٤") << "1234";
-        QTest::newRow("last one erased") << "12345<<6"
-                                         << "1236";
-        QTest::newRow("erased beyond the start") << "1<<<2345"
-                                                 << "2345";
-        QTest::newRow("all erased") << "12345678a<4321"
-                                    << "4321";
-        QTest::newRow("nothing pasted") << "v123v"
-                                        << "";
+        const auto row = [](const char *what, const char *keys, const char *pin) {
+            QTest::newRow(what) << QString::fromUtf8(keys) << QString(pin);
+        };
+        row("too short", "123", "");
+        row("shortest", "1234", "1234");
+        row("no more than eight", "1234567890", "12345678");
+        row("nothing but digits", "1x2 3-4", "1234");
+        row("digits of another script", "١٢٣٤", "1234");
+        row("last one erased", "12345<<6", "1236");
+        row("erased beyond the start", "1<<<2345", "2345");
+        row("all erased", "12345678a<4321", "4321");
+        row("nothing pasted", "v123v", "");
     }
 
     void keepsDigitsToItself()

@@ -13,17 +13,19 @@ private slots:
         QTest::addColumn<QString>("start"); // what was asked for
         QTest::addColumn<QStringList>("lists"); // one after the other
         QTest::addColumn<QString>("checked"); // reader in use after the last
-        const QString none = "";
-        QTest::newRow("first with a card") << "" << QStringList{"a=0 b=1 c=1"} << "b";
-        QTest::newRow("first without any card") << "" << QStringList{"a=0 b=0"} << "a";
-        QTest::newRow("stays with a card") << "" << QStringList{"a=0 b=1", "a=1 b=1"} << "b";
-        QTest::newRow("goes on when it is pulled")
-            << "" << QStringList{"a=1 b=1", "a=0 b=1"} << "b";
-        QTest::newRow("goes on when it is unplugged") << "" << QStringList{"a=1 b=1", "b=1"} << "b";
-        QTest::newRow("named, though empty") << "b" << QStringList{"a=1 b=0"} << "b";
-        QTest::newRow("named by its start") << "be" << QStringList{"b=1 beta=1"} << "beta";
-        QTest::newRow("named, not there") << "x" << QStringList{"a=1"} << none;
-        QTest::newRow("no readers") << "" << QStringList{"a=1", ""} << none;
+        const auto row = [](const char *what, const char *start, const QStringList &lists,
+                            const char *checked) {
+            QTest::newRow(what) << QString(start) << lists << QString(checked);
+        };
+        row("first with a card", "", {"a=0 b=1 c=1"}, "b");
+        row("first without any card", "", {"a=0 b=0"}, "a");
+        row("stays with a card", "", {"a=0 b=1", "a=1 b=1"}, "b");
+        row("goes on when it is pulled", "", {"a=1 b=1", "a=0 b=1"}, "b");
+        row("goes on when it is unplugged", "", {"a=1 b=1", "b=1"}, "b");
+        row("named, though empty", "b", {"a=1 b=0"}, "b");
+        row("named by its start", "be", {"b=1 beta=1"}, "beta");
+        row("named, not there", "x", {"a=1"}, "");
+        row("no readers", "", {"a=1", ""}, "");
     }
 
     void followsReaders()

@@ -11,6 +11,7 @@ add_dependencies(TestHostUi translations)
 
 stk_qtest(NAME TestWalkthrough SOURCES TestWalkthrough.cpp LIBS ConnectionManagerObjects)
 stk_qtest(NAME TestPinField SOURCES TestPinField.cpp LIBS ConnectionManagerObjects)
+stk_qtest(NAME TestUrlBar SOURCES TestUrlBar.cpp LIBS ConnectionManagerObjects)
 stk_qtest(NAME TestReaderMenu SOURCES TestReaderMenu.cpp LIBS ConnectionManagerObjects)
 
 stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)

@@ -477,5 +477,29 @@
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: تعذّرت كتابة ملف الالتقاط: %2</translation>
     </message>
+    <message>
+        <source>IDS_CM_URL_ASK</source>
+        <translation>تريد البطاقة فتح صفحة من هذا الموقع:</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPEN</source>
+        <translation>فتح</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS</source>
+        <translation>دائمًا لهذا الموقع</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS_HINT</source>
+        <translation>يفتحها، ويفتح صفحات هذا الموقع دون سؤال إلى أن يُغلق مدير الاتصال</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NOT_NOW</source>
+        <translation>ليس الآن</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MENU</source>
+        <translation>لا توجد قائمة في البطاقة</translation>
+    </message>
 </context>
 </TS>

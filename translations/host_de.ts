@@ -477,5 +477,29 @@
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: Die Mitschrift kann nicht geschrieben werden: %2</translation>
     </message>
+    <message>
+        <source>IDS_CM_URL_ASK</source>
+        <translation>Die Karte möchte eine Seite dieser Website öffnen:</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPEN</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS</source>
+        <translation>Immer für diese Website</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS_HINT</source>
+        <translation>Öffnet sie, und Seiten dieser Website ohne Nachfrage, bis der Verbindungsmanager geschlossen wird</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NOT_NOW</source>
+        <translation>Nicht jetzt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MENU</source>
+        <translation>Die Karte hat kein Menü</translation>
+    </message>
 </context>
 </TS>

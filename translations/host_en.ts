@@ -477,5 +477,29 @@
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: cannot write the capture: %2</translation>
     </message>
+    <message>
+        <source>IDS_CM_URL_ASK</source>
+        <translation>The card wants to open a page of this site:</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPEN</source>
+        <translation>Open</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS</source>
+        <translation>Always for this site</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS_HINT</source>
+        <translation>Opens it, and pages of this site without asking until the connection manager is closed</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NOT_NOW</source>
+        <translation>Not now</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MENU</source>
+        <translation>The card offers no menu</translation>
+    </message>
 </context>
 </TS>

@@ -477,5 +477,29 @@
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: no se puede escribir la captura: %2</translation>
     </message>
+    <message>
+        <source>IDS_CM_URL_ASK</source>
+        <translation>La tarjeta quiere abrir una página de este sitio:</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPEN</source>
+        <translation>Abrir</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS</source>
+        <translation>Siempre para este sitio</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS_HINT</source>
+        <translation>La abre, y las páginas de este sitio sin preguntar hasta que se cierre el gestor de conexión</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NOT_NOW</source>
+        <translation>Ahora no</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MENU</source>
+        <translation>La tarjeta no tiene menú</translation>
+    </message>
 </context>
 </TS>

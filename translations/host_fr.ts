@@ -477,5 +477,29 @@
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1 : impossible d’écrire la capture : %2</translation>
     </message>
+    <message>
+        <source>IDS_CM_URL_ASK</source>
+        <translation>La carte veut ouvrir une page de ce site :</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_OPEN</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS</source>
+        <translation>Toujours pour ce site</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_ALWAYS_HINT</source>
+        <translation>L’ouvre, puis les pages de ce site sans demander, jusqu’à la fermeture du gestionnaire de connexion</translation>
+    </message>
+    <message>
+        <source>IDS_CM_URL_NOT_NOW</source>
+        <translation>Pas maintenant</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MENU</source>
+        <translation>La carte n’a pas de menu</translation>
+    </message>
 </context>
 </TS>

@@ -26,7 +26,9 @@
 #include "ReaderEvents.h"
 #include "ReaderMenu.h"
 #include "ServiceStatus.h"
+#include "ToolkitWindows.h"
 #include "Transcript.h"
+#include "UrlBar.h"
 #include "platform/CommonUtils.h"
 
 using CardHost::ModemState;
@@ -73,6 +75,13 @@ QString shortened(const QString &address)
 {
     constexpr int Longest = 60;
     return leftToRight(address.size() <= Longest ? address : address.left(Longest - 1) + "…");
+}
+
+// Whether somebody has to see or to answer the command.
+bool wantsUser(int type)
+{
+    return type == MOVA_STKTYPE_SELECT_ITEM || type == MOVA_STKTYPE_DISPLAY_TEXT ||
+        type == MOVA_STKTYPE_GET_INKEY || type == MOVA_STKTYPE_GET_INPUT;
 }
 
 bool hasToolkit(ModemState state)
@@ -136,6 +145,7 @@ void dropCoveredCursors()
 
 MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents &readers)
     : m_plugin(plugin)
+    , m_urls([this](const QUrl &url) { openUrl(url); })
 {
     setObjectName("ConnectionManager_MainWindow");
     setWindowIcon(ModemIcon::simCard());
@@ -144,7 +154,7 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents 
     createContent();
     m_panel = std::make_unique<NetworkPanel>(
         QList<QAction *>{m_remove, m_insert, m_endSession, m_timeOutSession}, m_cardMenu,
-        m_languageMenu);
+        m_languageMenu, m_urls);
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
     connect(&transcript, &Transcript::entriesAdded, this, &MainWindow::appendEntries);
@@ -153,6 +163,8 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents 
                 m_readers->setReaders(list);
                 refreshTexts();
             });
+    connect(&readers, &ReaderEvents::commandComes, this, &MainWindow::meetCommand);
+    connect(&m_urls, &UrlRequests::changed, this, &MainWindow::offerUrlPanel);
     connect(&readers, &ReaderEvents::noticed, this, &MainWindow::showNotice);
     connect(&readers, &ReaderEvents::pinRequestChanged, this, &MainWindow::askPin);
     connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
@@ -164,6 +176,7 @@ MainWindow::~MainWindow() = default;
 QString MainWindow::openCard(const QString &file)
 {
     m_readers->useNone();
+    m_urls.decline(); // it was the card before that asked
     const QString error =
         QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
     m_cardName = error.isEmpty() ? cardName(file) : QString();
@@ -175,6 +188,7 @@ QString MainWindow::openCard(const QString &file)
 void MainWindow::openReader(const QString &nameStart)
 {
     m_readers->use(nameStart);
+    m_urls.decline();
     m_cardName.clear();
     showError({});
     CardHost::openReader(nameStart.toStdString());
@@ -196,10 +210,30 @@ void MainWindow::showNote(const QString &text)
     statusBar()->showMessage(text);
 }
 
-void MainWindow::noteOpenedUrl(const QUrl &url, bool isOpened)
+void MainWindow::openUrl(const QUrl &url)
 {
-    const char *const words = isOpened ? "IDS_CM_URL_OPENED" : "IDS_CM_URL_NO_BROWSER";
-    showNote(text(words).arg(shortened(url.toDisplayString())));
+    const char *const words = m_browser(url) ? "IDS_CM_URL_OPENED" : "IDS_CM_URL_NO_BROWSER";
+    showNote(text(words).arg(shortened(url.toString(QUrl::FullyEncoded))));
+}
+
+void MainWindow::offerUrlPanel()
+{
+    if (ToolkitWindows::toolkit() && !m_urls.waiting().isEmpty())
+        m_panel->showBeside(this);
+}
+
+UrlBar *MainWindow::urlBar() const
+{
+    return QApplication::activeModalWidget() ? m_panel->urlBar() : m_urlBar;
+}
+
+// Before the plug-in hears of it: what it draws needs its window.
+void MainWindow::meetCommand(int type)
+{
+    if (type == MOVA_STKTYPE_SELECT_ITEM)
+        openToolkit();
+    if (wantsUser(type) && (isMinimized() || !QApplication::activeWindow()))
+        QApplication::alert(this);
 }
 
 void MainWindow::noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason)
@@ -209,7 +243,7 @@ void MainWindow::noteRefusedUrl(const QString &address, HostUi::UrlRefusal reaso
 
 void MainWindow::openToolkit()
 {
-    if (m_plugin.isWindowOpen())
+    if (ToolkitWindows::toolkit())
         return;
     if (!m_plugin.showWindow(this)) {
         showNote(text("IDS_CM_TOOLKIT_FAILED"));
@@ -349,6 +383,8 @@ void MainWindow::createContent()
     m_transcriptView->setLayoutDirection(Qt::LeftToRight);
     layout->addWidget(m_transcriptView, 1);
     followTranscript();
+    m_urlBar = new UrlBar(m_urls, QBoxLayout::LeftToRight, content);
+    layout->addWidget(m_urlBar);
     setCentralWidget(content);
     statusBar()->addPermanentWidget(new QLabel(m_plugin.description(), this));
 }
@@ -433,20 +469,20 @@ void MainWindow::retranslate()
         entry.first->setTitle(text(entry.second));
     for (QAction *action : qAsConst(m_languageActions))
         action->setChecked(action->data().toString() == m_language);
-    m_toolkitButton->setText(text("IDS_CM_TOOLKIT"));
     m_transcriptLabel->setText(text("IDS_CM_TRANSCRIPT"));
     m_transcriptView->setPlaceholderText(text("IDS_CM_TRANSCRIPT_EMPTY"));
     m_panel->retranslate();
     if (m_pinDialog)
         m_pinDialog->retranslate();
     m_readers->retranslate();
+    m_urlBar->retranslate();
     statusBar()->clearMessage();
     refreshTexts();
 }
 
 void MainWindow::refresh()
 {
-    if (m_state != CardHost::state())
+    if (m_state != CardHost::state() || m_hasMenu != CardHost::hasMenu())
         refreshTexts();
     if (!m_plugin.isWindowOpen())
         dropCoveredCursors();
@@ -462,8 +498,11 @@ void MainWindow::refreshTexts()
     m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
     m_readers->setAnswering(toolkit);
     m_cardLabel->setText(cardLine());
-    m_toolkit->setEnabled(toolkit);
-    m_toolkitButton->setEnabled(toolkit);
+    m_hasMenu = CardHost::hasMenu();
+    m_toolkit->setEnabled(toolkit && m_hasMenu);
+    m_toolkitButton->setEnabled(toolkit && m_hasMenu);
+    const QString reason = toolkit && !m_hasMenu ? '\n' + text("IDS_CM_NO_MENU") : QString();
+    m_toolkitButton->setText(text("IDS_CM_TOOLKIT") + reason);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
     m_commandActions->setEnabled(toolkit &&

@@ -14,12 +14,14 @@
 #include "CardHost.h"
 #include "HostUi.h"
 #include "NetworkPanel.h"
+#include "UrlRequests.h"
 
 class PinDialog;
 class PluginHost;
 class ReaderEvents;
 class ReaderMenu;
 class Transcript;
+class UrlBar;
 
 /// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
 /// transcript, and the menus that play the network side.
@@ -42,14 +44,20 @@ public:
     void setLanguage(const QString &code);
     /// A remark for the person at the screen, in the status bar.
     void showNote(const QString &text);
-    /// Remarks that the card asked for the address, and what became of that.
-    void noteOpenedUrl(const QUrl &url, bool isOpened);
+    /// Asks whether an address that the card wants opened is to be opened, and waits for nothing.
+    void askUrl(const QUrl &url) { m_urls.ask(url); }
+    /// What opens it then, in place of the user's browser.
+    void setBrowser(const HostUi::UrlOpener &browser) { m_browser = browser; }
+    /// Remarks that the card asked for the address.
     void noteRefusedUrl(const QString &address, HostUi::UrlRefusal reason);
     /// Opens the SIM toolkit window, or brings it to the front.
     void openToolkit();
 
     /// What opens the SIM toolkit.
     QPushButton *toolkitButton() const { return m_toolkitButton; }
+    /// What asks about an address, where it can be reached: the toolkit's windows keep this one
+    /// from being used.
+    UrlBar *urlBar() const;
     /// What asks for the PIN of the card; null while nothing does.
     PinDialog *pinDialog() const;
 
@@ -71,6 +79,9 @@ private:
     QString cardLine() const;
     void chooseCard();
     void showNotice(const CardHost::Notice &notice);
+    void meetCommand(int type);
+    void openUrl(const QUrl &url);
+    void offerUrlPanel();
     void askPin(const std::optional<CardHost::PinRequest> &request);
     void showAbout();
     void showError(const QString &line);
@@ -82,6 +93,9 @@ private:
     QString m_language;
     QString m_cardName;
     CardHost::ModemState m_state = CardHost::ModemState::NoCard;
+    bool m_hasMenu = false;
+    HostUi::UrlOpener m_browser = HostUi::openInBrowser;
+    UrlRequests m_urls;
     QTimer m_refreshTimer;
 
     // Everything whose text is a plain identifier, with that identifier.
@@ -111,6 +125,7 @@ private:
     QLabel *m_errorLabel = nullptr;
     QLabel *m_transcriptLabel = nullptr;
     QPlainTextEdit *m_transcriptView = nullptr;
+    UrlBar *m_urlBar = nullptr;
     std::unique_ptr<NetworkPanel> m_panel;
     std::unique_ptr<PinDialog> m_pinDialog;
     bool m_panelOffered = false;

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "Languages.h"
+#include "UrlBar.h"
 
 namespace {
 
@@ -15,8 +16,10 @@ constexpr int TitleBar = 32; // what a window manager adds, which is known only 
 
 } // namespace
 
-NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *commands, QMenu *languages)
+NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *commands, QMenu *languages,
+                           UrlRequests &urls)
     : m_hint(new QLabel(this))
+    , m_urlBar(new UrlBar(urls, QBoxLayout::TopToBottom, this))
 {
     setObjectName("ConnectionManager_NetworkPanel");
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -31,6 +34,7 @@ NetworkPanel::NetworkPanel(const QList<QAction *> &actions, QMenu *commands, QMe
         addButton()->setDefaultAction(action);
     layout->addSpacing(6);
     m_languages = addButton(languages);
+    layout->addWidget(m_urlBar);
     layout->addStretch();
     setFixedWidth(Width);
     retranslate();
@@ -59,6 +63,7 @@ void NetworkPanel::retranslate()
     m_hint->setText(Languages::text("IDS_CM_NETWORK_HINT"));
     m_commands->setText(Languages::text("IDS_CM_SEND_COMMAND"));
     m_languages->setText(Languages::text("IDS_CM_LANGUAGE"));
+    m_urlBar->retranslate();
 }
 
 void NetworkPanel::showBeside(const QWidget *window)

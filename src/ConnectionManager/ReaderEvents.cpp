@@ -10,6 +10,9 @@ ReaderEvents::ReaderEvents()
     CardHost::setNoticeListener([this](const CardHost::Notice &notice) {
         add([&](Pending &pending) { pending.notices << notice; });
     });
+    // The plug-in hears of a command through the GUI thread's queue, and so behind this.
+    CardHost::setCommandListener(
+        [this](int type) { add([&](Pending &pending) { pending.commands << type; }); });
     CardHost::setPinListener([this](const std::optional<CardHost::PinRequest> &request) {
         add([&](Pending &pending) { pending.pin = request; });
     });
@@ -20,6 +23,7 @@ ReaderEvents::~ReaderEvents()
     CardHost::removeReaderListener(m_listener);
     CardHost::setNoticeListener(nullptr);
     CardHost::setPinListener(nullptr);
+    CardHost::setCommandListener(nullptr);
 }
 
 template <class Change> void ReaderEvents::add(Change change)
@@ -42,6 +46,8 @@ void ReaderEvents::deliver()
         emit readersChanged(*pending.readers);
     for (const CardHost::Notice &notice : qAsConst(pending.notices))
         emit noticed(notice);
+    for (const int type : qAsConst(pending.commands))
+        emit commandComes(type);
     if (pending.pin)
         emit pinRequestChanged(*pending.pin);
 }

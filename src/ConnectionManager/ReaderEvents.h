@@ -9,8 +9,8 @@
 
 #include "CardHost.h"
 
-/// What the modem service tells of card readers and of the cards in them.  It comes from the
-/// service's threads and is handed to the GUI thread.
+/// What the modem service tells of card readers, of the cards in them, and of the commands of any
+/// card.  It comes from the service's threads and is handed to the GUI thread.
 class ReaderEvents : public QObject {
     Q_OBJECT
 
@@ -22,6 +22,8 @@ signals:
     // Emitted on the GUI thread.
     void readersChanged(const CardHost::ReaderList &list);
     void noticed(const CardHost::Notice &notice);
+    /// A command of this type (MOVA_STKTYPE_...) is about to reach the plug-in.
+    void commandComes(int type);
     /// The request that waits for its answer now, if any.
     void pinRequestChanged(const std::optional<CardHost::PinRequest> &request);
 
@@ -29,6 +31,7 @@ private:
     struct Pending {
         std::optional<CardHost::ReaderList> readers;
         QList<CardHost::Notice> notices;
+        QList<int> commands;
         std::optional<std::optional<CardHost::PinRequest>> pin;
         bool isAnnounced = false;
     };

@@ -176,6 +176,10 @@ const ValueRule Entry = {"an object of fields of a transcript's entry, or false"
 const ValueRule Number = {"a whole number from 0", isNaturalNumber};
 const ValueRule Address = {"an address, or false",
                            [](const QJsonValue &value) { return isText(value) || isFalse(value); }};
+const ValueRule UrlAnswer = {
+    "\"open\", \"always\" or \"notNow\"", [](const QJsonValue &value) {
+        return QStringList{"open", "always", "notNow"}.contains(value.toString());
+    }};
 const ValueRule Button = {
     "\"OK\", \"Cancel\", \"Yes\" or \"No\"", [](const QJsonValue &value) {
         return QStringList{"OK", "Cancel", "Yes", "No"}.contains(value.toString());
@@ -221,6 +225,7 @@ const StepRule Rules[] = {
     {"enterPin", Pin, true},
     {"expectTone", Number, true},
     {"expectUrl", Address, true},
+    {"answerUrl", UrlAnswer, true},
     {"expectResponse", Entry, true},
     {"modem", ModemState, false},
     {"timeout", True, false},

@@ -18,6 +18,7 @@
 #include "PinDialog.h"
 #include "Screenshot.h"
 #include "ToolkitWindows.h"
+#include "UrlBar.h"
 
 using namespace ToolkitWindows;
 
@@ -99,6 +100,7 @@ WalkthroughPlayer::Play WalkthroughPlayer::playerOf(const QString &name)
         {"enterPin", &WalkthroughPlayer::enterPin},
         {"expectTone", &WalkthroughPlayer::expectTone},
         {"expectUrl", &WalkthroughPlayer::expectUrl},
+        {"answerUrl", &WalkthroughPlayer::answerUrl},
         {"expectResponse", &WalkthroughPlayer::expectResponse},
         {"modem", &WalkthroughPlayer::modem},
         {"timeout", &WalkthroughPlayer::timeOut},
@@ -436,6 +438,21 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectUrl(const Walkthrough::Step 
     if (m_log.takeUrl(step.value.toString()))
         return {Outcome::Done, {}, {}};
     return {Outcome::NotYet, "the address " + step.value.toString(), seen};
+}
+
+WalkthroughPlayer::Outcome WalkthroughPlayer::answerUrl(const Walkthrough::Step &step)
+{
+    const UrlBar *bar = m_window.urlBar();
+    const QString expected = "a question about an address to answer";
+    if (!bar->isVisible())
+        return {Outcome::NotYet, expected, "none"};
+    QPushButton *button = step.value == QJsonValue("open") ? bar->openButton()
+        : step.value == QJsonValue("always")               ? bar->alwaysButton()
+                                                           : bar->declineButton();
+    if (!button->isEnabled())
+        return {Outcome::NotYet, expected, "the button is disabled"};
+    clickAt(button, button->rect().center());
+    return {Outcome::Done, {}, {}};
 }
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::expectResponse(const Walkthrough::Step &step)

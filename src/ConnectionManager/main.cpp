@@ -122,9 +122,8 @@ QString pluginsFolder(const CommandLine &line)
 void noteAddresses(MainWindow &window)
 {
     HostUi::setUrlOpener([&window](const QUrl &url) {
-        const bool isOpened = HostUi::openInBrowser(url);
-        window.noteOpenedUrl(url, isOpened);
-        return isOpened;
+        window.askUrl(url);
+        return true;
     });
     HostUi::setUrlRefusalListener([&window](const QString &address, HostUi::UrlRefusal reason) {
         window.noteRefusedUrl(address, reason);
@@ -136,10 +135,11 @@ void noteForWalkthrough(MainWindow &window, Transcript &transcript, WalkthroughP
 {
     TerminalLog &log = player.log();
     HostUi::setUrlOpener([&window, &log](const QUrl &url) {
-        window.noteOpenedUrl(url, true);
         log.addUrl(url);
+        window.askUrl(url);
         return true;
     });
+    window.setBrowser([](const QUrl &) { return true; });
     HostUi::setSoundListener([&log](const QString &fileName) { log.addSound(fileName); });
     QObject::connect(
         &transcript, &Transcript::entriesAdded, &player,
