@@ -211,7 +211,7 @@ void EndToEnd::endsWalkthrough_data()
     row(open, "expectClosed", "true", "no SIM toolkit window, seen one titled \"T\"");
     row("", "key", "\"Up\"", "a window of the SIM toolkit for the key, seen none");
     const QString removed = R"({"modem":"removed"},{"wait":300},)";
-    row(removed, "open", "true", "a modem with a toolkit, seen the SIM toolkit button is disabled");
+    row(removed, "open", "true", "a card with a menu, seen the SIM toolkit button is disabled");
 
     const QString box =
         R"({"send":{"command":"displayText","text":"x"}},{"expectMessage":{"text":"x"}},)";

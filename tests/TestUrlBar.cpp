@@ -20,7 +20,7 @@ private slots:
         row("http://bank.example/", "bank.example", "http://bank.example@evil.example/", true);
         row("https://a.example/", "a.example", "http://a.example/", true);
         row("http://a.example:81/", "a.example", "http://a.example/", true);
-        row("http://аррӏе.com/", "xn--80ak6aa92e.com", "http://apple.com/", true);
+        row("http://bücher.example/", "xn--bcher-kva.example", "http://bucher.example/", true);
     }
 
     void namesTheHost()
@@ -44,7 +44,7 @@ private slots:
         QTRY_VERIFY(bar.alwaysButton()->isEnabled());
         QTest::mouseClick(bar.alwaysButton(), Qt::LeftButton);
         QCOMPARE(opened.size(), 1);
-        QVERIFY(opened[0].toString().endsWith("<b>") && !bar.isVisible());
+        QVERIFY(opened[0].path().endsWith("<b>") && !bar.isVisible());
         requests.ask(QUrl(next));
         QCOMPARE(opened.size(), asks ? 1 : 2);
         requests.decline();

@@ -80,3 +80,22 @@ QString Languages::text(const char *id)
 {
     return Change::tr(id, "ConnectionManager");
 }
+
+// In one pass: what stands in an argument is no place for another.
+QString Languages::text(const CardHost::Notice &notice)
+{
+    const QString pattern = text(notice.id.c_str());
+    if (pattern == QString::fromStdString(notice.id))
+        return QString::fromStdString(notice.text);
+    QString result;
+    for (int at = 0; at < pattern.size(); ++at) {
+        const int number = pattern.at(at) == '%' ? pattern.mid(at + 1, 1).toInt() : 0;
+        if (number < 1 || size_t(number) > notice.arguments.size()) {
+            result += pattern.at(at);
+            continue;
+        }
+        result += leftToRight(QString::fromStdString(notice.arguments[size_t(number) - 1]));
+        ++at;
+    }
+    return result;
+}

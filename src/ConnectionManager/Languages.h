@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "CardHost.h"
+
 /// The languages of the user interface.
 namespace Languages {
 
@@ -26,6 +28,8 @@ QString leftToRight(const QString &text);
 
 /// The host's text for the identifier, in the current language.
 QString text(const char *id);
+/// The same for what the modem service has to say; English where there is none.
+QString text(const CardHost::Notice &notice);
 
 } // namespace Languages
 

@@ -12,7 +12,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenuBar>
-#include <QProxyStyle>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -26,6 +25,7 @@
 #include "ReaderEvents.h"
 #include "ReaderMenu.h"
 #include "ServiceStatus.h"
+#include "ToolkitButton.h"
 #include "ToolkitWindows.h"
 #include "Transcript.h"
 #include "UrlBar.h"
@@ -110,18 +110,6 @@ QString shownText(const CardHost::TranscriptEntry &entry)
         return QString();
     return line.replace(asked, "there is no menu yet");
 }
-
-// Where the layout runs from right to left, the common style turns the alignment of a button's text
-// round twice, and the text leaves the icon for the border.
-class IconBesideText : public QProxyStyle {
-public:
-    void drawItemText(QPainter *painter, const QRect &place, int alignment, const QPalette &palette,
-                      bool isEnabled, const QString &text, QPalette::ColorRole role) const override
-    {
-        QProxyStyle::drawItemText(painter, place, alignment | Qt::AlignAbsolute, palette, isEnabled,
-                                  text, role);
-    }
-};
 
 // For buttons, which take no key; Chinese puts the key behind the text, in parentheses.
 QString withoutMnemonic(QString text)
@@ -208,6 +196,11 @@ void MainWindow::setLanguage(const QString &code)
 void MainWindow::showNote(const QString &text)
 {
     statusBar()->showMessage(text);
+}
+
+QString MainWindow::note() const
+{
+    return m_errorLabel->isHidden() ? statusBar()->currentMessage() : m_errorLabel->text();
 }
 
 void MainWindow::openUrl(const QUrl &url)
@@ -430,13 +423,7 @@ QWidget *MainWindow::createHeader()
     texts->addStretch();
     row->addLayout(texts, 1);
 
-    m_toolkitButton = new QPushButton(ModemIcon::simCard(), QString(), header);
-    m_toolkitButton->setObjectName("ConnectionManager_ToolkitButton");
-    m_toolkitButton->setIconSize({32, 32});
-    m_toolkitButton->setMinimumSize(170, 52);
-    auto *style = new IconBesideText;
-    style->setParent(m_toolkitButton);
-    m_toolkitButton->setStyle(style);
+    m_toolkitButton = new ToolkitButton(header);
     connect(m_toolkitButton, &QPushButton::clicked, this, &MainWindow::openToolkit);
     row->addWidget(m_toolkitButton);
     return header;
@@ -477,6 +464,8 @@ void MainWindow::retranslate()
     m_readers->retranslate();
     m_urlBar->retranslate();
     statusBar()->clearMessage();
+    if (m_notice)
+        tellNotice();
     refreshTexts();
 }
 
@@ -500,9 +489,7 @@ void MainWindow::refreshTexts()
     m_cardLabel->setText(cardLine());
     m_hasMenu = CardHost::hasMenu();
     m_toolkit->setEnabled(toolkit && m_hasMenu);
-    m_toolkitButton->setEnabled(toolkit && m_hasMenu);
-    const QString reason = toolkit && !m_hasMenu ? '\n' + text("IDS_CM_NO_MENU") : QString();
-    m_toolkitButton->setText(text("IDS_CM_TOOLKIT") + reason);
+    m_toolkitButton->follow(toolkit, m_hasMenu);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
     m_commandActions->setEnabled(toolkit &&
@@ -545,12 +532,18 @@ void MainWindow::showNotice(const CardHost::Notice &notice)
 {
     if (!m_readers->isUsed()) // it is about the card before
         return;
-    const QString line = QString::fromStdString(notice.text);
-    showError(notice.problem ? line : QString());
-    showNote(notice.problem ? QString() : line);
+    m_notice = notice;
+    tellNotice();
     refreshTexts();
     if (notice.problem)
-        Messages::complain(line);
+        Messages::complain(QString::fromStdString(notice.text));
+}
+
+void MainWindow::tellNotice()
+{
+    const QString line = text(*m_notice);
+    setError(m_notice->problem ? line : QString());
+    statusBar()->showMessage(m_notice->problem ? QString() : line);
 }
 
 // The request before is over: its dialog goes without answering.
@@ -570,6 +563,12 @@ void MainWindow::askPin(const std::optional<CardHost::PinRequest> &request)
 }
 
 void MainWindow::showError(const QString &line)
+{
+    m_notice.reset();
+    setError(line);
+}
+
+void MainWindow::setError(const QString &line)
 {
     m_errorLabel->setText(line);
     m_errorLabel->setVisible(!line.isEmpty());

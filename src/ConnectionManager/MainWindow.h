@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
 
@@ -20,6 +19,7 @@ class PinDialog;
 class PluginHost;
 class ReaderEvents;
 class ReaderMenu;
+class ToolkitButton;
 class Transcript;
 class UrlBar;
 
@@ -54,7 +54,9 @@ public:
     void openToolkit();
 
     /// What opens the SIM toolkit.
-    QPushButton *toolkitButton() const { return m_toolkitButton; }
+    ToolkitButton *toolkitButton() const { return m_toolkitButton; }
+    /// What the window tells the person at the screen: its error or, without one, its remark.
+    QString note() const;
     /// What asks about an address, where it can be reached: the toolkit's windows keep this one
     /// from being used.
     UrlBar *urlBar() const;
@@ -79,12 +81,14 @@ private:
     QString cardLine() const;
     void chooseCard();
     void showNotice(const CardHost::Notice &notice);
+    void tellNotice();
     void meetCommand(int type);
     void openUrl(const QUrl &url);
     void offerUrlPanel();
     void askPin(const std::optional<CardHost::PinRequest> &request);
     void showAbout();
     void showError(const QString &line);
+    void setError(const QString &line);
     void sendCommand(const char *json);
     void noteUncodable(const CardHost::TranscriptEntry &entry);
     void appendEntries(const QList<CardHost::TranscriptEntry> &entries);
@@ -94,6 +98,7 @@ private:
     QString m_cardName;
     CardHost::ModemState m_state = CardHost::ModemState::NoCard;
     bool m_hasMenu = false;
+    std::optional<CardHost::Notice> m_notice; // the last, if it is of the card that is in
     HostUi::UrlOpener m_browser = HostUi::openInBrowser;
     UrlRequests m_urls;
     QTimer m_refreshTimer;
@@ -121,7 +126,7 @@ private:
     QLabel *m_icon = nullptr;
     QLabel *m_stateLabel = nullptr;
     QLabel *m_cardLabel = nullptr;
-    QPushButton *m_toolkitButton = nullptr;
+    ToolkitButton *m_toolkitButton = nullptr;
     QLabel *m_errorLabel = nullptr;
     QLabel *m_transcriptLabel = nullptr;
     QPlainTextEdit *m_transcriptView = nullptr;

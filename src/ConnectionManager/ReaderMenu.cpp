@@ -142,8 +142,6 @@ QString ReaderMenu::lineOf(const Reader &reader) const
 
 QString ReaderMenu::lineOfNone() const
 {
-    const auto &problem = m_list.problem;
     return text("IDS_CM_NO_READER")
-        .arg(problem ? Languages::leftToRight(QString::fromStdString(problem->text))
-                     : text("IDS_CM_READER_NONE"));
+        .arg(m_list.problem ? text(*m_list.problem) : text("IDS_CM_READER_NONE"));
 }

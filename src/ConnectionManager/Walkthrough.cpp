@@ -225,6 +225,7 @@ const StepRule Rules[] = {
     {"enterPin", Pin, true},
     {"expectTone", Number, true},
     {"expectUrl", Address, true},
+    {"expectNote", Text, true},
     {"answerUrl", UrlAnswer, true},
     {"expectResponse", Entry, true},
     {"modem", ModemState, false},

@@ -8,6 +8,7 @@
 #include <QKeySequence>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTableWidget>
 #include <QThread>
 #include <QTimer>
@@ -17,6 +18,7 @@
 #include "Messages.h"
 #include "PinDialog.h"
 #include "Screenshot.h"
+#include "ToolkitButton.h"
 #include "ToolkitWindows.h"
 #include "UrlBar.h"
 
@@ -100,6 +102,7 @@ WalkthroughPlayer::Play WalkthroughPlayer::playerOf(const QString &name)
         {"enterPin", &WalkthroughPlayer::enterPin},
         {"expectTone", &WalkthroughPlayer::expectTone},
         {"expectUrl", &WalkthroughPlayer::expectUrl},
+        {"expectNote", &WalkthroughPlayer::expectNote},
         {"answerUrl", &WalkthroughPlayer::answerUrl},
         {"expectResponse", &WalkthroughPlayer::expectResponse},
         {"modem", &WalkthroughPlayer::modem},
@@ -184,9 +187,9 @@ void WalkthroughPlayer::fail(const Outcome &outcome)
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::open(const Walkthrough::Step &)
 {
-    QPushButton *button = m_window.toolkitButton();
+    ToolkitButton *button = m_window.toolkitButton();
     if (!button->isEnabled())
-        return {Outcome::NotYet, "a modem with a toolkit", "the SIM toolkit button is disabled"};
+        return {Outcome::NotYet, "a card with a menu", "the SIM toolkit button is disabled"};
     clickAt(button, button->rect().center());
     return {Outcome::Done, {}, {}};
 }
@@ -438,6 +441,15 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectUrl(const Walkthrough::Step 
     if (m_log.takeUrl(step.value.toString()))
         return {Outcome::Done, {}, {}};
     return {Outcome::NotYet, "the address " + step.value.toString(), seen};
+}
+
+// Marks that isolate a direction of writing are not seen.
+WalkthroughPlayer::Outcome WalkthroughPlayer::expectNote(const Walkthrough::Step &step)
+{
+    static const QRegularExpression marks("[\\x{2066}-\\x{2069}]");
+    const QString seen = m_window.note().remove(marks), expected = step.value.toString();
+    return {seen == expected ? Outcome::Done : Outcome::NotYet, json({{"note", expected}}),
+            json({{"note", seen}})};
 }
 
 WalkthroughPlayer::Outcome WalkthroughPlayer::answerUrl(const Walkthrough::Step &step)

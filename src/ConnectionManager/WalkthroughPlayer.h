@@ -67,6 +67,7 @@ private:
     Outcome enterPin(const Walkthrough::Step &step);
     Outcome expectTone(const Walkthrough::Step &step);
     Outcome expectUrl(const Walkthrough::Step &step);
+    Outcome expectNote(const Walkthrough::Step &step);
     Outcome answerUrl(const Walkthrough::Step &step);
     Outcome expectResponse(const Walkthrough::Step &step);
     Outcome modem(const Walkthrough::Step &step);
