@@ -60,6 +60,10 @@ private slots:
         row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
             ".*/bad.json: step 1: \"open\": expected true, found 1");
         const QString quit = write("quit.json", "[{\"wait\":50},{\"quit\":true}]");
+        row({"--card", "pcsc", "--walkthrough", write("notes.json", R"([
+            {"expectNote": "no smart-card daemon is running (pcscd)"}, {"language": "de"},
+            {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])")},
+            "no smart-card daemon is running \\(pcscd\\)", 0);
         const QString broken = write("broken.json", "{\"menu\": 5}");
         row({"--card", broken, "--walkthrough", quit}, "/.*/broken.json: .*");
         row({"--card", broken}, "/.*/broken.json: .*");
@@ -115,6 +119,7 @@ private slots:
         QTest::addColumn<QStringList>("errors");
         const char *const refused =
             "OpenUrl: refused \"tel:+800100200\": only http and https are opened";
+        QTest::newRow("by-itself") << QStringList();
         QTest::newRow("demo") << QStringList();
         QTest::newRow("every-command") << QStringList(refused);
     }
@@ -169,6 +174,7 @@ private:
         environment.insert("QT_QPA_PLATFORM", platform);
         environment.insert("DISPLAY", ":4711");
         environment.insert("XDG_RUNTIME_DIR", m_folder.path());
+        environment.insert("PCSCLITE_CSOCK_NAME", m_folder.filePath("no-daemon"));
         // The host unloads the plug-in, so that a leak checker could no longer name what the
         // plug-in keeps on purpose; the plug-in's own tests check for leaks.
         environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
