@@ -17,6 +17,7 @@ stk_qtest(NAME TestReaderMenu SOURCES TestReaderMenu.cpp LIBS ConnectionManagerO
 stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})
 add_dependencies(EndToEnd ConnectionManager STKPlugin tones)
+set_tests_properties(EndToEnd PROPERTIES COST 90) # long, so it starts early
 
 # Plug-ins that the host must refuse.
 foreach(kind NewerQt OlderQt NoVerification NoInterfaces)

@@ -35,6 +35,8 @@ endforeach()
 stk_reader_executable(ReaderEndToEnd ReaderEndToEnd.cpp)
 target_link_libraries(ReaderEndToEnd PRIVATE GTest::gtest_main)
 stk_reader_test(ReaderEndToEnd $<TARGET_FILE:ReaderEndToEnd>)
+set_tests_properties(ReaderEndToEnd PROPERTIES COST 100) # the longest of all starts first
 
 stk_reader_executable(ReaderSoak ReaderSoak.cpp)
 stk_reader_test(ReaderSoak $<TARGET_FILE:ReaderSoak> 10)
+set_tests_properties(ReaderSoak PROPERTIES RESOURCE_LOCK processor COST 10)
