@@ -446,6 +446,25 @@ TEST_F(SessionTest, AnswersTakeTheirBranch)
     EXPECT_EQ(response["result"], "cancelled");
 }
 
+// What the answer's coding cannot carry, or its response has no room for, the user may enter anew.
+TEST_F(SessionTest, RefusesTextsThatTheCardCannotTake)
+{
+    ProactiveCommand command{GetInput()};
+    command.answerCoding = cat::TextCoding::Unpacked;
+    command.answerRoom = 5; // a byte of it names the coding
+    theSession().insertCard(std::make_unique<OneCommandCard>(command));
+    EXPECT_EQ(next().type, Ready);
+    const Call call = next();
+    const std::pair<const char16_t *, int32_t> rows[] = {
+        {u"ル", StatusNotEncodable}, {u"12345", StatusTooLong}, {u"123€", StatusTooLong}};
+    const auto answer = [&](const char16_t *text) {
+        return MOVA_STKSrv_AnswerInput(call.id, 1, reinterpret_cast<const uint16_t *>(text));
+    };
+    for (const auto &[text, status] : rows)
+        expectRefused(status, "Srv_AnswerInput", answer(text));
+    EXPECT_EQ(answer(u"1234"), 0);
+}
+
 TEST_F(SessionTest, ScriptsJumpAndGoOnBehindABranch)
 {
     open(R"("menu":{"title":"M","items":[{"text":"a","do":[

@@ -25,6 +25,8 @@ const char *statusText(int32_t status)
         return "not registered";
     case StatusNotEncodable:
         return "the card's coding cannot carry the text";
+    case StatusTooLong:
+        return "the text is longer than a terminal response takes";
     default:
         return "";
     }

@@ -16,7 +16,8 @@ enum ServiceStatus : int32_t {
     StatusBadArgument = -7, ///< a null pointer, or a number without a meaning here
     StatusRegistered = -8, ///< another callback is registered
     StatusNotRegistered = -9, ///< this callback is not the registered one
-    StatusNotEncodable = -10 ///< the card's coding cannot carry the text
+    StatusNotEncodable = -10, ///< the card's coding cannot carry the text
+    StatusTooLong = -11 ///< a terminal response has no room for the text
 };
 
 /// The same in words, for the transcript; empty for a number that is not in the list.

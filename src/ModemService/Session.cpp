@@ -250,8 +250,10 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
     const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
     if (enters && coding) {
         const auto value = cat::encodeTextString(*response.text, *coding);
-        if (!value || value->size() > m_current->command.answerRoom)
+        if (!value)
             return refuse(function, commandId, StatusNotEncodable);
+        if (value->size() > m_current->command.answerRoom)
+            return refuse(function, commandId, StatusTooLong);
     }
     answerCurrent(response, function);
     return StatusSuccess;
