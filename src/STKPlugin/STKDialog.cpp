@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -31,7 +32,6 @@ const int FRAME_WIDGET_TYPE = 1, MESSAGE_WIDGET_TYPE = 4;
 const int FRAME_WIDTH = 380, FRAME_HEIGHT = 357;
 const int TABLE_WIDTH = 345, TABLE_HEIGHT = 250;
 const int ROW_HEIGHT = 17;
-const int LONG_ITEM_LENGTH = 40; /* characters; a longer text may not fit its row */
 const int DEVICE_TIMER_MS = 100;
 const int THREAD_STOP_SECONDS = 5;
 const int WAIT_AFTER_MENU_CHOICE = 20,
@@ -39,6 +39,7 @@ const int WAIT_AFTER_MENU_CHOICE = 20,
 const int COUNTDOWN_MS = 1000, DEFAULT_TEXT_SECONDS = 3;
 const int INPUT_TYPE_YES_NO = 1;
 const int FALLBACK_TONE = 8; /* ringing, ETSI TS 102 223 clause 8.16 */
+const char STK_TIMER_NAME[] = "STKTimer", TONE_TIMER_NAME[] = "STKPlayToneTimer";
 const char HOST_CONTEXT[] = "LuminePlugin"; /* where the host keeps the texts of its own buttons */
 
 /* A tool tip takes what looks like markup for markup, unless all of it is. */
@@ -48,6 +49,36 @@ QString PlainToolTip(QString strText)
     return "<qt>" + strText + "</qt>";
 }
 
+/* Whether a row shows the whole text, with the scroll bar beside it. */
+bool FitsRow(const QTableWidget *pTable, const QString &strText)
+{
+    const int nMargin = pTable->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
+    const int nBesides =
+        2 * (pTable->frameWidth() + nMargin) + pTable->verticalScrollBar()->sizeHint().width();
+    return !strText.contains('\n') &&
+        pTable->fontMetrics().boundingRect(strText).width() + nBesides <= TABLE_WIDTH;
+}
+
+/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any.
+ */
+int ItemIdOf(const StkMenuItems &stMenu, const QString &strText)
+{
+    int nItemId = 0;
+    for (int i = 0; i < stMenu.itemList->count(); ++i) {
+        const StkItemClass &item = stMenu.itemList->at(i);
+        qDebug("Item name = %s, Index=%d", TraceText(item.strItemText).constData(), item.nItemId);
+        if (item.strItemText == strText)
+            nItemId = item.nItemId;
+    }
+    return nItemId;
+}
+
+QString ToneFile(int nTone)
+{
+    return CommonUtils::GetPluginLibraryPath() + "/plugins/STKPlugin/tone_" +
+        QString::number(nTone, 10);
+}
+
 StkInKeyRequest EmptyRequest()
 {
     StkInKeyRequest request = {"", 0, 0, 0, 0, 0, 0, ""};
@@ -55,6 +86,1031 @@ StkInKeyRequest EmptyRequest()
 }
 
 } // namespace
+
+/* ---- Life ---- */
+
+STKDialog *STKDialog::m_pStkDialogInstance = nullptr;
+ClipSound *STKDialog::m_pClipSoundSTK = nullptr;
+QDialog *STKDialog::m_pMessageBox = nullptr;
+
+STKDialog *STKDialog::Instance()
+{
+    TRACE_START();
+    if (!m_pStkDialogInstance)
+        m_pStkDialogInstance = new STKDialog;
+    TRACE_END();
+    return m_pStkDialogInstance;
+}
+
+void STKDialog::Destroy()
+{
+    TRACE_START();
+    if (m_pStkDialogInstance) {
+        delete m_pStkDialogInstance;
+        m_pStkDialogInstance = nullptr;
+    }
+    TRACE_END();
+}
+
+STKDialog::STKDialog()
+    : m_pStkThread(nullptr)
+    , m_bEnterPressed(false)
+    , m_strMenuState("STK_UNKNOWN")
+    , m_pStkTimer(nullptr)
+    , m_pPlayToneTimer(nullptr)
+    , m_pMsgTimer(nullptr)
+    , m_nMsgDuration(0)
+    , m_pBtnOk(nullptr)
+    , m_pBtnCancel(nullptr)
+    , m_nMsgTicks(0)
+    , m_nMsgRemain(0)
+    , m_nQuestions(0)
+{
+    TRACE_START();
+    m_pStkLogic = STKLogic::CreateInstance();
+    m_pStkThread = new STKThread;
+    m_pStkInputDlg = STKInputDlg::StkInputDlgInstance();
+    if (m_pStkLogic) {
+        m_pStkLogic->RegisterSTKCB();
+        connectLogic();
+    }
+    if (m_pStkThread)
+        connect(m_pStkThread, SIGNAL(ChangeCursor()), this, SLOT(onChangeCursor()));
+    m_strTitle = "";
+    m_stMainMenu.strTitle = "";
+    m_stMainMenu.itemList = new QList<StkItemClass>;
+    m_stSubMenu.strTitle = "";
+    m_stSubMenu.itemList = new QList<StkItemClass>;
+    TRACE_END();
+}
+
+/* The logic emits on the service's thread and this object lives on the GUI thread, so every one of
+ * these is delivered queued. */
+void STKDialog::connectLogic()
+{
+    connect(m_pStkLogic, SIGNAL(DevAvailable(bool)), this, SLOT(onDeviceAvailable(bool)));
+    connect(m_pStkLogic, SIGNAL(STKSetupMenu()), this, SLOT(onSTKSetupMenu()));
+    connect(m_pStkLogic, SIGNAL(STKDisplayText()), this, SLOT(onSTKDisplayText()));
+    connect(m_pStkLogic, SIGNAL(STKGetInkey()), this, SLOT(onSTKGetInkey()));
+    connect(m_pStkLogic, SIGNAL(STKGetInput()), this, SLOT(onSTKGetInput()));
+    connect(m_pStkLogic, SIGNAL(STKSetupCall()), this, SLOT(onSTKSetupCall()));
+    connect(m_pStkLogic, SIGNAL(STKPlayTone()), this, SLOT(onSTKPlayTone()));
+    connect(m_pStkLogic, SIGNAL(STKSelItem()), this, SLOT(onSTKSelItem()));
+    connect(m_pStkLogic, SIGNAL(STKRefresh()), this, SLOT(onSTKRefresh()));
+    connect(m_pStkLogic, SIGNAL(STKSendSS()), this, SLOT(onSTKSendSS()));
+    connect(m_pStkLogic, SIGNAL(STKSendSMS()), this, SLOT(onSTKSendSMS()));
+    connect(m_pStkLogic, SIGNAL(STKSendUSSD()), this, SLOT(onSTKSendUSSD()));
+    connect(m_pStkLogic, SIGNAL(STKLaunchBrowser()), this, SLOT(onSTKLaunchBrowser()));
+    connect(m_pStkLogic, SIGNAL(STKSetupIdleModeText()), this, SLOT(onSTKSetupIdleModeText()));
+    connect(m_pStkLogic, SIGNAL(STKEndSession()), this, SLOT(onSTKEndSession()));
+    connect(m_pStkLogic, SIGNAL(ShowMainMenu()), this, SLOT(onShowMainMenu()));
+    connect(m_pStkLogic, SIGNAL(CloseInputDlg()), this, SLOT(onCloseInputDlg()));
+}
+
+STKDialog::~STKDialog()
+{
+    TRACE_START();
+    if (m_pStkThread && m_pStkThread->isRunning()) {
+        m_pStkThread->m_bStop.store(true, std::memory_order_relaxed);
+        // A thread that is only just starting clears the stop flag once more; the response flag
+        // ends its wait as well, and nobody reads it after this.
+        if (m_pStkLogic)
+            m_pStkLogic->SetResponseVar(true);
+        CommonUtils::WaitForThreadToStop(m_pStkThread, THREAD_STOP_SECONDS);
+        delete m_pStkThread;
+        m_pStkThread = nullptr;
+    }
+    // A thread that is not running is left behind, one small object for each of these: that is part
+    // of the design.
+    STKLogic::DestroyInst();
+    m_pStkLogic = nullptr;
+    STKInputDlg::DestroyInstance();
+    m_pStkInputDlg = nullptr;
+    if (m_pMessageBox)
+        m_pMessageBox->close(); // nobody would take its answer
+    m_pMessageBox = nullptr;
+    forgetWindow();
+    delete m_stMainMenu.itemList;
+    delete m_stSubMenu.itemList;
+    delete m_pClipSoundSTK;
+    m_pClipSoundSTK = nullptr;
+    TRACE_END();
+}
+
+void STKDialog::unSDKRegisterEvent()
+{
+    TRACE_FILE_FUNC("%s: %s called");
+    // Also when another owner has destroyed the logic: the service holds functions, no object.
+    STKLogic::UnresgisterSTKCB();
+    TRACE_FILE_FUNC("%s: %s exit");
+}
+
+/* ---- Building and showing ---- */
+
+bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
+{
+    TRACE_START();
+    const bool bOk = initUI(parent);
+    connectWidgets();
+    if (m_pStkLogic) {
+        // Fetched and drawn once more, now in any case: initUI leaves a menu that cannot be fetched
+        // alone, and with it the state of the showing before.
+        m_pStkLogic->GetMainMenu(&m_stMainMenu);
+        m_strTitle = m_stMainMenu.strTitle;
+        showMainMenu();
+    }
+    if (m_pBtnClose)
+        m_pBtnClose->setFocus(Qt::OtherFocusReason);
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(false);
+    if (m_pExtendDlg) {
+        m_pExtendDlg->setFixedSize(FRAME_WIDTH, FRAME_HEIGHT);
+        m_pExtendDlg->setWindowModality(Qt::WindowModal);
+        m_pExtendDlg->show();
+        CommonUtils::MoveCentre(m_pExtendDlg);
+        m_pExtendDlg->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    TRACE_END();
+    return bOk;
+}
+
+void STKDialog::connectWidgets()
+{
+    connect(m_pBtnBack, SIGNAL(clicked()), this, SLOT(onButtonClickBack()));
+    connect(m_pBtnSelect, SIGNAL(clicked()), this, SLOT(onButtonClickSelect()));
+    connect(m_pBtnClose, SIGNAL(clicked()), this, SLOT(onButtonClickClose()));
+    connect(m_pTableWidget, SIGNAL(cellDoubleClicked(int, int)), this,
+            SLOT(onCellDoubleClicked(int, int)));
+    connect(m_pStkTimer, SIGNAL(timeout()), this, SLOT(onSTKTimeOut()));
+    connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
+}
+
+/* The frame takes its widgets along.  The timers stay behind as this object's children, and a box
+ * or a tone that is still up keeps its time. */
+void STKDialog::forgetWindow()
+{
+    m_pTableWidget = nullptr;
+    m_pBtnBack = nullptr;
+    m_pExtendDlg = nullptr;
+    m_pMainWidget = nullptr;
+    m_pBtnSelect = nullptr;
+    m_pBtnClose = nullptr;
+    m_pStkTimer = nullptr;
+    m_pPlayToneTimer = nullptr;
+}
+
+bool STKDialog::initUI(QWidget *parent)
+{
+    TRACE_START();
+    forgetWindow();
+    m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
+    if (!m_pExtendDlg) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return false;
+    }
+    m_pExtendDlg->Instantiate(this);
+    m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
+    m_pBtnBack = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pBtnSelect = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pBtnClose = new (std::nothrow) QPushButton(m_pMainWidget);
+    m_pTableWidget = new (std::nothrow) STKTableWidget(m_pMainWidget);
+    m_pStkTimer = new (std::nothrow) QTimer(this);
+    m_pPlayToneTimer = new (std::nothrow) QTimer(this);
+    if (!m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose || !m_pTableWidget ||
+        !m_pStkTimer || !m_pPlayToneTimer) {
+        TRACE_TIME_FILE_FUNC("%s: %s: %s: Memory Allocation Failed");
+        return false;
+    }
+    m_pStkTimer->setObjectName(STK_TIMER_NAME);
+    m_pPlayToneTimer->setObjectName(TONE_TIMER_NAME);
+    m_pTableWidget->Instantiate(this);
+    m_pExtendDlg->AddMainWidget(m_pMainWidget);
+    SetStkUiText();
+    setStkObjectName();
+    setStkUiLayout();
+    m_pTableWidget->setColumnCount(1);
+    m_pTableWidget->verticalHeader()->hide();
+    m_pTableWidget->horizontalHeader()->hide();
+    m_pTableWidget->horizontalScrollBar()->hide();
+    m_pTableWidget->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_pTableWidget->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_pTableWidget->setShowGrid(false);
+    m_pTableWidget->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_pTableWidget->setColumnWidth(0, TABLE_WIDTH);
+    m_pTableWidget->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_pTableWidget->setTabKeyNavigation(false);
+    // A style's own minimum would make the rows higher.
+    m_pTableWidget->verticalHeader()->setMinimumSectionSize(ROW_HEIGHT);
+    if (m_pStkLogic && m_pStkLogic->GetMainMenu(&m_stMainMenu)) {
+        m_strMenuState = "STK_MAINMENU";
+        m_strTitle = m_stMainMenu.strTitle;
+        showMainMenu();
+    }
+    m_pExtendDlg->setWindowTitle(m_strTitle);
+    TRACE_END();
+    return true;
+}
+
+void STKDialog::setStkUiLayout()
+{
+    TRACE_START();
+    QVBoxLayout *pOuter = new (std::nothrow) QVBoxLayout;
+    QHBoxLayout *pButtonRow = new (std::nothrow) QHBoxLayout;
+    QHBoxLayout *pCloseRow = new (std::nothrow) QHBoxLayout;
+    if (!pOuter || !pButtonRow || !pCloseRow) {
+        TRACE_FILE_FUNC_TIME("Memory Allocation Failed %s: %s: %s: ");
+        return;
+    }
+    m_pTableWidget->setFixedSize(TABLE_WIDTH, TABLE_HEIGHT);
+    pButtonRow->addWidget(m_pBtnBack);
+    pButtonRow->addWidget(m_pBtnSelect);
+    pButtonRow->setAlignment(Qt::AlignLeft);
+    pButtonRow->setSpacing(20);
+    pCloseRow->addWidget(m_pBtnClose);
+    pCloseRow->insertSpacing(0, 55);
+    pCloseRow->setAlignment(Qt::AlignRight);
+    pButtonRow->addLayout(pCloseRow);
+    pOuter->addWidget(m_pTableWidget);
+    pOuter->addLayout(pButtonRow);
+    pOuter->setAlignment(Qt::AlignCenter);
+    pOuter->insertSpacing(1, 10);
+    m_pMainWidget->setLayout(pOuter);
+    TRACE_END();
+}
+
+void STKDialog::setStkObjectName()
+{
+    TRACE_START();
+    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose ||
+        !m_pTableWidget) {
+        TRACE_FILE_FUNC_TIME("Some widget is null  %s: %s: %s: ");
+        return;
+    }
+    m_pExtendDlg->setObjectName("STKPlugin_Stkdialog");
+    m_pMainWidget->setObjectName("STKPlugin_StkWidget");
+    m_pBtnBack->setObjectName("STKPlugin_PushBtnBack");
+    m_pBtnSelect->setObjectName("STKPlugin_PushBtnSelect");
+    m_pBtnClose->setObjectName("STKPlugin_PushBtnClose");
+    m_pTableWidget->setObjectName("STKPlugin_TableWidgetMenu");
+    TRACE_END();
+}
+
+void STKDialog::SetStkUiText()
+{
+    TRACE_START();
+    if (!m_pBtnBack || !m_pBtnSelect || !m_pBtnClose) {
+        TRACE_FILE_FUNC_TIME("Widgets id NULL %s: %s: %s: ");
+        return;
+    }
+    m_pBtnBack->setText(tr(QString("IDS_STK_BTN_BACK")));
+    m_pBtnSelect->setText(tr(QString("IDS_STK_BTN_SELECT")));
+    m_pBtnClose->setText(tr(QString("IDS_STK_BTN_CLOSE")));
+    TRACE_END();
+}
+
+QString STKDialog::tr(QString id)
+{
+    TRACE_START();
+    const QString strText = Change::tr(id, "STKPlugin");
+    TRACE_END();
+    return strText;
+}
+
+/* ---- Menus ---- */
+
+bool STKDialog::deleteTableItems()
+{
+    TRACE_START();
+    if (!m_pTableWidget) {
+        TRACE_FILE_FUNC_TIME("Table Widget is null %s: %s: %s: ");
+        return false;
+    }
+    for (int i = 0; i < m_pTableWidget->rowCount(); ++i)
+        delete m_pTableWidget->takeItem(i, 0);
+    m_pTableWidget->clear();
+    TRACE_END();
+    return true;
+}
+
+void STKDialog::fillTable(const StkMenuItems &stMenu)
+{
+    m_pTableWidget->setRowCount(stMenu.itemList->count());
+    for (int i = 0; i < stMenu.itemList->count(); ++i) {
+        const StkItemClass &item = stMenu.itemList->at(i);
+        qDebug("Item name = %s, Index=%d", TraceText(item.strItemText).constData(), item.nItemId);
+        QTableWidgetItem *const pCell = new QTableWidgetItem(item.strItemText);
+        if (!FitsRow(m_pTableWidget, item.strItemText))
+            pCell->setToolTip(PlainToolTip(item.strItemText));
+        m_pTableWidget->setItem(i, 0, pCell);
+        m_pTableWidget->setRowHeight(i, ROW_HEIGHT);
+    }
+}
+
+void STKDialog::showMainMenu()
+{
+    TRACE_START();
+    m_strMenuState = "STK_MAINMENU";
+    if (deleteTableItems()) {
+        if (!m_stMainMenu.strTitle.isEmpty()) {
+            m_strTitle = m_stMainMenu.strTitle;
+            m_pExtendDlg->setWindowTitle(m_strTitle);
+        } else {
+            m_pExtendDlg->setWindowTitle("");
+        }
+        fillTable(m_stMainMenu);
+    }
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(false);
+    TRACE_END();
+}
+
+void STKDialog::showSubMenu()
+{
+    TRACE_START();
+    m_strMenuState = "STK_SUBMENU";
+    if (deleteTableItems()) {
+        m_pExtendDlg->setWindowTitle(m_stSubMenu.strTitle.isEmpty() ? m_strTitle
+                                                                    : m_stSubMenu.strTitle);
+        fillTable(m_stSubMenu);
+    }
+    if (m_pBtnBack)
+        m_pBtnBack->setEnabled(true);
+    TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
+}
+
+void STKDialog::fetchAndShowMainMenu()
+{
+    m_pStkLogic->GetMainMenu(&m_stMainMenu);
+    showMainMenu();
+}
+
+void STKDialog::onButtonClickSelect()
+{
+    TRACE_START();
+    if (!m_pTableWidget) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    QTableWidgetItem *pItem = m_pTableWidget->currentItem();
+    if (!pItem || pItem->text().isEmpty())
+        return;
+    const int nItemId = ItemIdOf(m_stMainMenu, pItem->text());
+    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
+    if (m_strMenuState == "STK_UNKNOWN" || !m_pStkLogic)
+        return;
+    if (m_strMenuState == "STK_MAINMENU") {
+        followChoice(m_pStkLogic->SelectMainMenuItem(nItemId));
+    } else if (m_strMenuState == "STK_SUBMENU") {
+        subMenuSeleted(pItem);
+    }
+    TRACE_END();
+}
+
+void STKDialog::subMenuSeleted(QTableWidgetItem *item)
+{
+    TRACE_START();
+    if (!item) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pStkLogic) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    const int nItemId = ItemIdOf(m_stSubMenu, item->text());
+    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
+    followChoice(
+        m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_SELECT_ITEM", nItemId, m_stSubMenuCommand));
+    TRACE_END();
+}
+
+void STKDialog::onButtonClickBack()
+{
+    TRACE_START();
+    if (m_pStkLogic)
+        followChoice(m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_RETURN_BACK_ITEM", 0,
+                                                    m_stSubMenuCommand));
+    TRACE_END();
+}
+
+/* Waits for what the card makes of the choice; refused, there may be another menu to choose from.
+ */
+void STKDialog::followChoice(bool bSent)
+{
+    if (bSent)
+        stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
+    else
+        fetchAndShowMainMenu();
+}
+
+void STKDialog::onButtonClickClose()
+{
+    TRACE_START();
+    if (m_pStkLogic && !m_bEnterPressed)
+        m_pStkLogic->GetMainMenu(&m_stMainMenu);
+    bool bClosed = true;
+    if (m_pExtendDlg) {
+        QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
+        bClosed = m_pExtendDlg->close();
+    }
+    // A frame that turned the close into a selection is still there, also when the selection was
+    // refused or answered so fast that no wait is running any more: it keeps its widgets.
+    if (bClosed && m_pStkThread && !m_pStkThread->isRunning() && !m_bEnterPressed) {
+        forgetWindow();
+        if (m_strTimerType == "STK_DEVICE_TIMER") {
+            m_strTimerType = ""; // it was to close the window
+            stopTimers(STK_TIMER_NAME);
+        }
+    }
+    TRACE_END();
+}
+
+void STKDialog::onCellDoubleClicked(int, int)
+{
+    TRACE_START();
+    onButtonClickSelect();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupMenu()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        fetchAndShowMainMenu();
+        m_pStkLogic->UpdateCBReturnVal(true);
+    }
+    TRACE_END();
+}
+
+void STKDialog::onShowMainMenu()
+{
+    TRACE_START();
+    if (m_pStkLogic)
+        fetchAndShowMainMenu();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSelItem()
+{
+    TRACE_START();
+    if (m_pStkLogic) {
+        const STKCommand stCommand = m_pStkLogic->CommandInProgress();
+        const bool bFetched = m_pStkLogic->GetSubMenu(&m_stSubMenu, stCommand);
+        if (bFetched) {
+            m_stSubMenuCommand = stCommand;
+            showSubMenu();
+        }
+        m_pStkLogic->UpdateCBReturnVal(bFetched);
+    }
+    TRACE_END();
+}
+
+void STKDialog::onSTKEndSession()
+{
+    TRACE_START();
+    closeInputDlg();
+    showMainMenu();
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+/* ---- Waiting for the card ---- */
+
+void STKDialog::stkWaitforRespond(int iTimeOut)
+{
+    TRACE_START();
+    if (iTimeOut < 1)
+        return;
+    if (!m_pStkLogic || !m_pStkThread) {
+        TRACE_FILE_FUNC_TIME("Logic instance or thread is null %s: %s: %s: ");
+        return;
+    }
+    m_pStkLogic->SetResponseVar(false);
+    QApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+    m_pStkThread->SetTimeOut(iTimeOut);
+    m_pStkThread->start(QThread::InheritPriority);
+    TRACE_END();
+}
+
+void STKDialog::onChangeCursor()
+{
+    TRACE_START();
+    if (m_pStkLogic && !m_pStkLogic->GetResponseVar()) {
+        TRACE_FILE_FUNC_TIME("m_bRespondence value is false %s: %s: %s: ");
+        if (m_pStkLogic->GetMainMenu(&m_stMainMenu))
+            showMainMenu();
+    }
+    // The wait cursor is covered, not popped: the stack grows by two entries a wait.
+    QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
+    TRACE_END();
+}
+
+/* ---- The shared timer, and the modem ---- */
+
+/* Every showing has timers of its own, and those of the ones before live on.  At most one of a name
+ * runs: starting one ends all others, and so does the end of what it ran for. */
+void STKDialog::stopTimers(const char *szName)
+{
+    const QList<QTimer *> timers = findChildren<QTimer *>(szName);
+    for (int i = 0; i < timers.count(); ++i)
+        timers.at(i)->stop();
+}
+
+/* Without a time the timer is left as it is, and what it runs for becomes another. */
+void STKDialog::useStkTimer(const QString &strTimerType, int nMilliseconds)
+{
+    m_strTimerType = strTimerType;
+    if (nMilliseconds < 1)
+        return;
+    stopTimers(STK_TIMER_NAME);
+    m_pStkTimer->start(nMilliseconds);
+}
+
+void STKDialog::onSTKTimeOut()
+{
+    TRACE_START();
+    if (!m_pStkTimer)
+        return;
+    if (m_strTimerType == "STK_DEVICE_TIMER") {
+        m_strTimerType = "";
+        stopTimers(STK_TIMER_NAME);
+        closeInputDlg();
+        onButtonClickClose();
+    } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
+        m_strTimerType = "";
+        stopTimers(STK_TIMER_NAME);
+        if (m_pMessageBox) {
+            m_pMessageBox->close();
+            m_pMessageBox = nullptr;
+        }
+    }
+    TRACE_END();
+}
+
+void STKDialog::onDeviceAvailable(bool isAvaialable)
+{
+    TRACE_START();
+    if (isAvaialable) {
+        if (m_pStkLogic)
+            fetchAndShowMainMenu();
+    } else if (m_pStkTimer) {
+        useStkTimer("STK_DEVICE_TIMER", DEVICE_TIMER_MS);
+    }
+    TRACE_END();
+}
+
+/* ---- Commands: what they share ---- */
+
+/* The command that a slot is to present and to answer.  False when it has been: two of a type may
+ * have been queued before the first was presented, and both their slots find the newer one. */
+bool STKDialog::takeCommand(_MOVA_EN_STKTYPE enStkType, STKCommand *pCommand)
+{
+    *pCommand = m_pStkLogic->CommandInProgress();
+    if (*pCommand == STKCommand())
+        return true; // called by hand: the card has not sent anything yet
+    if (m_mapTaken.value(enStkType) == *pCommand)
+        return false;
+    m_mapTaken.insert(enStkType, *pCommand);
+    return true;
+}
+
+QWidget *STKDialog::dialogParent() const
+{
+    return m_pExtendDlg ? m_pExtendDlg->parentWidget() : nullptr;
+}
+
+/* ---- Display Text ---- */
+
+/* While a box is up, inside whose event loop this runs, it stays as it is and a further text is
+ * refused. */
+void STKDialog::onSTKDisplayText()
+{
+    TRACE_START();
+    STKCommand stCommand;
+    if (!m_pStkLogic || !takeCommand(MOVA_STKTYPE_DISPLAY_TEXT, &stCommand))
+        return;
+    int nResult = QMessageBox::Cancel;
+    if (!m_pTimeMsgDlg) {
+        QString strText = "";
+        QString strClearMode = "";
+        m_nMsgDuration = 0;
+        if (!m_pStkLogic->GetPromptText(&strText, &strClearMode, &m_nMsgDuration, stCommand))
+            return;
+        if (!m_pMsgTimer) {
+            m_pMsgTimer = new QTimer(this);
+            connect(m_pMsgTimer, SIGNAL(timeout()), this, SLOT(onMessageTimeOut()));
+        }
+        if (strClearMode == "STK_CLR_MODE_AUTO") {
+            useStkTimer("STK_MSGBOX_TIMER", 0);
+            if (!m_pStkTimer) {
+                m_pStkLogic->UpdateCBReturnVal(false);
+                return;
+            }
+            startCountdown();
+        }
+        const QPointer<STKDialog> pThis = this;
+        nResult = showTimeMessageBox(strText);
+        if (!pThis || !m_pStkLogic)
+            return;
+    }
+    const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
+                                         bTerminated ? STK_UI_TR_TERMINATED : STK_UI_TR_SUCCESS,
+                                         stCommand))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+void STKDialog::startCountdown()
+{
+    if (m_pMsgTimer->isActive())
+        m_pMsgTimer->stop();
+    if (m_nMsgDuration == 0)
+        m_nMsgDuration = DEFAULT_TEXT_SECONDS;
+    m_pMsgTimer->start(COUNTDOWN_MS);
+    m_nMsgRemain = m_nMsgDuration;
+}
+
+int STKDialog::showTimeMessageBox(QString text)
+{
+    TRACE_START();
+    QWidget *const pParent = CommonUtils::GetMainWindow();
+    if (!m_pTimeMsgDlg)
+        m_pTimeMsgDlg = new (std::nothrow)
+            ExtendDialog(pParent, Qt::WindowCloseButtonHint, MESSAGE_WIDGET_TYPE);
+    if (!m_pTimeMsgDlg)
+        return QMessageBox::Cancel;
+    QPointer<ClipMessageBox> pBox = new ClipMessageBox(m_pTimeMsgDlg);
+    m_pTimeMsgDlg->AddMainWidget(pBox);
+    m_pTimeMsgDlg->setWindowFlags(Qt::WindowCloseButtonHint);
+    pBox->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
+    m_pTimeMsgDlg->setWindowTitle("");
+    pBox->setIcon(QMessageBox::NoIcon);
+    pBox->setText(text);
+    QApplication::beep();
+    m_pBtnOk = pBox->addButton(Change::tr("IDS_OK", HOST_CONTEXT), QMessageBox::YesRole);
+    m_pBtnCancel = pBox->addButton(Change::tr("IDS_CANCEL", HOST_CONTEXT), QMessageBox::RejectRole);
+    // The last one wins: Return must not accept a text that only just came up.
+    if (m_pBtnOk)
+        pBox->setDefaultButton(m_pBtnOk);
+    if (m_pBtnCancel)
+        pBox->setDefaultButton(m_pBtnCancel);
+    connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
+    connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
+    // Another window's event loop may run on top of this one and keep exec() from returning.
+    if (m_pMsgTimer)
+        connect(m_pTimeMsgDlg, SIGNAL(finished(int)), m_pMsgTimer, SLOT(stop()));
+    m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
+    const QPointer<STKDialog> pThis = this;
+    const QPointer<ExtendDialog> pFrame = m_pTimeMsgDlg;
+    {
+        STKKeyboardLoan loan;
+        pFrame->exec();
+    }
+    if (!pThis) {
+        delete pFrame;
+        return QMessageBox::Cancel;
+    }
+    if (m_pMsgTimer) {
+        m_pMsgTimer->stop();
+        m_nMsgTicks = 0;
+        m_nMsgRemain = m_nMsgDuration;
+    }
+    // Both are null when the box cleared itself, and that counts as OK.
+    const bool bOk = pBox && pBox->clickedButton() == m_pBtnOk;
+    delete pBox;
+    delete m_pTimeMsgDlg;
+    m_pTimeMsgDlg = nullptr;
+    TRACE_END();
+    return bOk ? QMessageBox::Ok : QMessageBox::Cancel;
+}
+
+/* One step of the countdown on the OK button. */
+void STKDialog::onMessageTimeOut()
+{
+    if (!m_pMsgTimer) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    if (!m_pTimeMsgDlg) {
+        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        return;
+    }
+    const QString strRemain = QString::number(m_nMsgRemain, 10);
+    if (!m_pBtnOk) {
+        m_pMsgTimer->stop();
+        m_pTimeMsgDlg->close();
+        return;
+    }
+    m_pBtnOk->setText(Change::tr("IDS_OK", HOST_CONTEXT) + " = " + strRemain);
+    ++m_nMsgTicks;
+    --m_nMsgRemain;
+    if (m_nMsgTicks == m_nMsgDuration) {
+        m_pMsgTimer->stop();
+        m_pTimeMsgDlg->close();
+        m_nMsgTicks = 0;
+        m_pBtnOk = nullptr;
+        m_nMsgRemain = m_nMsgDuration;
+    }
+}
+
+/* ---- Play Tone ---- */
+
+void STKDialog::onSTKPlayTone()
+{
+    TRACE_START();
+    if (!m_pStkLogic || !m_pPlayToneTimer) {
+        TRACE_FILE_FUNC_TIME("Logic/timer instance is null %s: %s: %s: ");
+        return;
+    }
+    STKCommand stCommand;
+    if (!takeCommand(MOVA_STKTYPE_PLAY_TONE, &stCommand))
+        return;
+    MOVAPlayToneRequest request = {0, 0, ""};
+    if (!m_pStkLogic->GetPlayTone(&request, stCommand)) {
+        TRACE_FILE_FUNC_TIME("GetPlayTone() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    const int nInterval = request.nDuration * 1000;
+    QString strFile = ToneFile(request.nTone);
+    if (!QFile::exists(strFile))
+        strFile = ToneFile(FALLBACK_TONE);
+    if (!QFile::exists(strFile)) {
+        TRACE_FILE_FUNC_TIME("Sound file does not exists %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    playTone(strFile);
+    stopTimers(TONE_TIMER_NAME);
+    m_pPlayToneTimer->start(nInterval);
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_PLAY_TONE, STK_UI_TR_SUCCESS, stCommand))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed of %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+void STKDialog::playTone(QString strFileName)
+{
+    TRACE_END(); // the entry is marked by this line as well
+    if (strFileName.isEmpty()) {
+        TRACE_FILE_FUNC_TIME("Filename is empty of %s: %s: %s: ");
+        return;
+    }
+    stopTone();
+    delete m_pClipSoundSTK; // one that had ended, or never started
+    m_pClipSoundSTK = new (std::nothrow) ClipSound(strFileName);
+    if (!m_pClipSoundSTK)
+        return;
+    if (!m_pClipSoundSTK->Play()) {
+        TRACE_FILE_FUNC_TIME("Playing failed %s: %s: %s: ");
+        return;
+    }
+    connect(m_pClipSoundSTK, SIGNAL(finished()), this, SLOT(onPlayingFinished()));
+    TRACE_END();
+}
+
+void STKDialog::stopTone()
+{
+    TRACE_START();
+    if (m_pClipSoundSTK && m_pClipSoundSTK->IsPlaying()) {
+        m_pClipSoundSTK->Stop();
+        delete m_pClipSoundSTK;
+        m_pClipSoundSTK = nullptr;
+    }
+    TRACE_END();
+}
+
+void STKDialog::onSTKPlayToneTimeOut()
+{
+    TRACE_START();
+    if (m_pPlayToneTimer) {
+        stopTimers(TONE_TIMER_NAME);
+        stopTone();
+    }
+    TRACE_END();
+}
+
+void STKDialog::onPlayingFinished()
+{
+    TRACE_FILE_FUNC_LINE("Start of %s: %s: %d: ");
+    stopTimers(TONE_TIMER_NAME);
+    if (!m_pClipSoundSTK)
+        return;
+    delete m_pClipSoundSTK;
+    m_pClipSoundSTK = nullptr;
+    TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
+}
+
+/* ---- Get Inkey and Get Input ---- */
+
+void STKDialog::onSTKGetInkey()
+{
+    TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+        return;
+    }
+    STKCommand stCommand;
+    if (!takeCommand(MOVA_STKTYPE_GET_INKEY, &stCommand))
+        return;
+    StkInKeyRequest request = EmptyRequest();
+    if (!m_pStkLogic->GetInKeyRquest(&request, stCommand)) {
+        TRACE_FILE_FUNC_TIME("GetInKeyRquest faied %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (request.nInputType == INPUT_TYPE_YES_NO) {
+        if (!m_pStkTimer) {
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
+        askYesNo(request, stCommand);
+    } else {
+        if (!m_pStkInputDlg)
+            return;
+        closeInputDlg(); // there is one input window: a newer question takes its place
+        m_pStkInputDlg->SetInKeyRequest(request);
+        showInputDlg(stCommand);
+    }
+    TRACE_END();
+}
+
+void STKDialog::onSTKGetInput()
+{
+    TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is NULL %s: %s: %s: ");
+        return;
+    }
+    STKCommand stCommand;
+    if (!takeCommand(MOVA_STKTYPE_GET_INPUT, &stCommand))
+        return;
+    StkInKeyRequest request = EmptyRequest();
+    if (!m_pStkLogic->GetInputRequest(&request, stCommand)) {
+        TRACE_FILE_FUNC_TIME("GetInputRequest failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!m_pStkInputDlg)
+        return;
+    closeInputDlg();
+    m_pStkInputDlg->SetInputRequest(request);
+    showInputDlg(stCommand);
+    TRACE_END();
+}
+
+/* The card is waited for once an answer is out, unless a newer question has come up meanwhile: the
+ * wait is that one's then. */
+void STKDialog::showInputDlg(STKCommand stCommand)
+{
+    const int nQuestion = ++m_nQuestions;
+    const QPointer<STKDialog> pThis = this;
+    m_pStkInputDlg->ShowStkInputDlg(dialogParent(), stCommand);
+    if (!pThis)
+        return;
+    if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && nQuestion == m_nQuestions)
+        stkWaitforRespond(WAIT_AFTER_INPUT);
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+}
+
+void STKDialog::askYesNo(const StkInKeyRequest &stRequest, STKCommand stCommand)
+{
+    const int nQuestion = ++m_nQuestions;
+    useStkTimer("STK_MSGBOX_TIMER", stRequest.nDuration);
+    QString strAnswer = "0";
+    const QPointer<STKDialog> pThis = this;
+    {
+        STKKeyboardLoan loan;
+        if (CommonUtils::ShowMessage(QMessageBox::NoIcon, dialogParent(), "", stRequest.strText,
+                                     "IDS_YES", "IDS_NO", "", true, Qt::WindowCloseButtonHint,
+                                     &m_pMessageBox, QString(), true) == QMessageBox::Ok)
+            strAnswer = "1";
+    }
+    if (!pThis || !m_pStkLogic)
+        return;
+    const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, stCommand);
+    if (bAnswered && nQuestion == m_nQuestions)
+        stkWaitforRespond(WAIT_AFTER_INPUT);
+    m_pStkLogic->UpdateCBReturnVal(bAnswered);
+}
+
+void STKDialog::closeInputDlg()
+{
+    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
+        m_pStkInputDlg->CloseDlg();
+}
+
+void STKDialog::onCloseInputDlg()
+{
+    TRACE_START();
+    closeInputDlg();
+    TRACE_END();
+}
+
+/* ---- Commands that need no window ---- */
+
+void STKDialog::onSTKSetupIdleModeText()
+{
+    TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic inst is null %s: %s: %s: ");
+        return;
+    }
+    STKCommand stCommand;
+    if (!takeCommand(MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT, &stCommand))
+        return;
+    QString strText; // acknowledged and dropped: there is no idle screen to show it on
+    if (!m_pStkLogic->GetIdleModePrompt(&strText, stCommand)) {
+        TRACE_FILE_FUNC_TIME("GetIdleModePrompt() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT, STK_UI_TR_SUCCESS,
+                                         stCommand))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+void STKDialog::onSTKLaunchBrowser()
+{
+    TRACE_START();
+    if (!m_pStkLogic) {
+        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+        return;
+    }
+    STKCommand stCommand;
+    if (!takeCommand(MOVA_STKTYPE_LAUNCH_BROWSER, &stCommand))
+        return;
+    MOVALaunchBrowser request = {0, ""};
+    if (!m_pStkLogic->GetLaunchBrowser(&request, stCommand)) {
+        TRACE_FILE_FUNC_TIME("GetLaunchBrowser() failed %s: %s: %s: ");
+        m_pStkLogic->UpdateCBReturnVal(false);
+        return;
+    }
+    if (!request.strUrl.isEmpty())
+        CommonUtils::OpenUrl(request.strUrl);
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_LAUNCH_BROWSER, STK_UI_TR_SUCCESS, stCommand))
+        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
+    m_pStkLogic->UpdateCBReturnVal(true);
+    TRACE_END();
+}
+
+/* The modem carries these out and answers them. */
+void STKDialog::acceptSilently()
+{
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+}
+
+void STKDialog::onSTKSendUSSD()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSMS()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKSendSS()
+{
+    TRACE_START();
+    acceptSilently();
+    TRACE_END();
+}
+
+void STKDialog::onSTKRefresh()
+{
+    TRACE_START();
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(m_pStkLogic->GetRefreshInfo());
+    TRACE_END();
+}
+
+void STKDialog::onSTKSetupCall()
+{
+    TRACE_START();
+    STKCommand stCommand;
+    if (m_pStkLogic && takeCommand(MOVA_STKTYPE_SETUP_CALL, &stCommand)) {
+        if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED,
+                                             stCommand)) {
+            TRACE_FILE_FUNC_TIME("SendNoDataResponse failed %s: %s: %s: ");
+            m_pStkLogic->UpdateCBReturnVal(false);
+            return;
+        }
+        m_pStkLogic->UpdateCBReturnVal(true);
+    }
+    TRACE_END();
+}
 
 /* ---- The list ---- */
 
@@ -186,1018 +1242,4 @@ void STKExtendDlg::closeEvent(QCloseEvent *e)
         return;
     }
     m_pStkDialog->onButtonClickClose();
-}
-
-/* ---- The toolkit window: life ---- */
-
-STKDialog *STKDialog::m_pStkDialogInstance = nullptr;
-ClipSound *STKDialog::m_pClipSoundSTK = nullptr;
-
-STKDialog *STKDialog::Instance()
-{
-    TRACE_START();
-    if (!m_pStkDialogInstance)
-        m_pStkDialogInstance = new STKDialog;
-    TRACE_END();
-    return m_pStkDialogInstance;
-}
-
-void STKDialog::Destroy()
-{
-    TRACE_START();
-    if (m_pStkDialogInstance) {
-        delete m_pStkDialogInstance;
-        m_pStkDialogInstance = nullptr;
-    }
-    TRACE_END();
-}
-
-STKDialog::STKDialog()
-    : m_pStkThread(nullptr)
-    , m_bEnterPressed(false)
-    , m_strMenuState("STK_UNKNOWN")
-    , m_pStkTimer(nullptr)
-    , m_pMessageBox(nullptr)
-    , m_pPlayToneTimer(nullptr)
-    , m_pMsgTimer(nullptr)
-    , m_nMsgDuration(0)
-    , m_pBtnOk(nullptr)
-    , m_pBtnCancel(nullptr)
-    , m_nMsgTicks(0)
-    , m_nMsgRemain(0)
-{
-    TRACE_START();
-    m_pStkLogic = STKLogic::CreateInstance();
-    m_pStkThread = new STKThread;
-    m_pStkInputDlg = STKInputDlg::StkInputDlgInstance();
-    if (m_pStkLogic) {
-        m_pStkLogic->RegisterSTKCB();
-        connectLogic();
-    }
-    if (m_pStkThread)
-        connect(m_pStkThread, SIGNAL(ChangeCursor()), this, SLOT(onChangeCursor()));
-    m_strTitle = "";
-    m_stMainMenu.strTitle = "";
-    m_stMainMenu.itemList = new QList<StkItemClass>;
-    m_stSubMenu.strTitle = "";
-    m_stSubMenu.itemList = new QList<StkItemClass>;
-    TRACE_END();
-}
-
-/* The logic emits on the service's thread and this object lives on the GUI thread, so every one of
- * these is delivered queued. */
-void STKDialog::connectLogic()
-{
-    connect(m_pStkLogic, SIGNAL(DevAvailable(bool)), this, SLOT(onDeviceAvailable(bool)));
-    connect(m_pStkLogic, SIGNAL(STKSetupMenu()), this, SLOT(onSTKSetupMenu()));
-    connect(m_pStkLogic, SIGNAL(STKDisplayText()), this, SLOT(onSTKDisplayText()));
-    connect(m_pStkLogic, SIGNAL(STKGetInkey()), this, SLOT(onSTKGetInkey()));
-    connect(m_pStkLogic, SIGNAL(STKGetInput()), this, SLOT(onSTKGetInput()));
-    connect(m_pStkLogic, SIGNAL(STKSetupCall()), this, SLOT(onSTKSetupCall()));
-    connect(m_pStkLogic, SIGNAL(STKPlayTone()), this, SLOT(onSTKPlayTone()));
-    connect(m_pStkLogic, SIGNAL(STKSelItem()), this, SLOT(onSTKSelItem()));
-    connect(m_pStkLogic, SIGNAL(STKRefresh()), this, SLOT(onSTKRefresh()));
-    connect(m_pStkLogic, SIGNAL(STKSendSS()), this, SLOT(onSTKSendSS()));
-    connect(m_pStkLogic, SIGNAL(STKSendSMS()), this, SLOT(onSTKSendSMS()));
-    connect(m_pStkLogic, SIGNAL(STKSendUSSD()), this, SLOT(onSTKSendUSSD()));
-    connect(m_pStkLogic, SIGNAL(STKLaunchBrowser()), this, SLOT(onSTKLaunchBrowser()));
-    connect(m_pStkLogic, SIGNAL(STKSetupIdleModeText()), this, SLOT(onSTKSetupIdleModeText()));
-    connect(m_pStkLogic, SIGNAL(STKEndSession()), this, SLOT(onSTKEndSession()));
-    connect(m_pStkLogic, SIGNAL(ShowMainMenu()), this, SLOT(onShowMainMenu()));
-    connect(m_pStkLogic, SIGNAL(CloseInputDlg()), this, SLOT(onCloseInputDlg()));
-}
-
-STKDialog::~STKDialog()
-{
-    TRACE_START();
-    if (m_pStkThread && m_pStkThread->isRunning()) {
-        m_pStkThread->m_bStop.store(true, std::memory_order_relaxed);
-        // A thread that is only just starting clears the stop flag once more; the response flag
-        // ends its wait as well, and nobody reads it after this.
-        if (m_pStkLogic)
-            m_pStkLogic->SetResponseVar(true);
-        CommonUtils::WaitForThreadToStop(m_pStkThread, THREAD_STOP_SECONDS);
-        delete m_pStkThread;
-        m_pStkThread = nullptr;
-    }
-    if (m_pMessageBox)
-        m_pMessageBox->close(); // it writes to that pointer when it ends
-    // An idle thread is left behind: its destructor would take the logic from whoever has it by
-    // then.
-    STKLogic::DestroyInst();
-    m_pStkLogic = nullptr;
-    STKInputDlg::DestroyInstance();
-    m_pStkInputDlg = nullptr;
-    m_pExtendDlg = nullptr;
-    m_pMainWidget = nullptr;
-    m_pBtnBack = nullptr;
-    m_pBtnSelect = nullptr;
-    m_pBtnClose = nullptr;
-    m_pTableWidget = nullptr;
-    m_stMainMenu.itemList->clear();
-    delete m_stMainMenu.itemList;
-    m_stMainMenu.itemList = nullptr;
-    m_stSubMenu.itemList->clear();
-    delete m_stSubMenu.itemList;
-    m_stSubMenu.itemList = nullptr;
-    delete m_pPlayToneTimer;
-    m_pPlayToneTimer = nullptr;
-    delete m_pClipSoundSTK;
-    m_pClipSoundSTK = nullptr;
-    TRACE_END();
-}
-
-void STKDialog::unSDKRegisterEvent()
-{
-    TRACE_FILE_FUNC("%s: %s called");
-    if (m_pStkLogic)
-        STKLogic::UnresgisterSTKCB();
-    TRACE_FILE_FUNC("%s: %s exit");
-}
-
-/* ---- The toolkit window: building and showing ---- */
-
-bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
-{
-    TRACE_START();
-    const bool bOk = initUI(parent);
-    connectWidgets();
-    if (m_pStkLogic) {
-        // Fetched and drawn a second time: the card may have changed its menu while it was first
-        // read.
-        m_pStkLogic->GetMainMenu(&m_stMainMenu);
-        m_strTitle = m_stMainMenu.strTitle;
-        showMainMenu();
-    }
-    if (m_pBtnClose)
-        m_pBtnClose->setFocus(Qt::OtherFocusReason);
-    if (m_pBtnBack)
-        m_pBtnBack->setEnabled(false);
-    if (m_pExtendDlg) {
-        m_pExtendDlg->setFixedSize(FRAME_WIDTH, FRAME_HEIGHT);
-        m_pExtendDlg->setWindowModality(Qt::WindowModal);
-        m_pExtendDlg->show();
-        CommonUtils::MoveCentre(m_pExtendDlg);
-        m_pExtendDlg->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    TRACE_END();
-    return bOk;
-}
-
-void STKDialog::connectWidgets()
-{
-    connect(m_pBtnBack, SIGNAL(clicked()), this, SLOT(onButtonClickBack()));
-    connect(m_pBtnSelect, SIGNAL(clicked()), this, SLOT(onButtonClickSelect()));
-    connect(m_pBtnClose, SIGNAL(clicked()), this, SLOT(onButtonClickClose()));
-    connect(m_pTableWidget, SIGNAL(cellDoubleClicked(int, int)), this,
-            SLOT(onCellDoubleClicked(int, int)));
-    connect(m_pStkTimer, SIGNAL(timeout()), this, SLOT(onSTKTimeOut()));
-    connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
-}
-
-/* The frame takes its widgets along; the two timers stay behind as this object's children. */
-void STKDialog::forgetWindow()
-{
-    m_pTableWidget = nullptr;
-    m_pBtnBack = nullptr;
-    m_pExtendDlg = nullptr;
-    m_pMainWidget = nullptr;
-    m_pBtnSelect = nullptr;
-    m_pBtnClose = nullptr;
-    if (m_pStkTimer)
-        m_pStkTimer->stop(); // it must not reach into the next showing
-    m_pStkTimer = nullptr;
-    m_pPlayToneTimer = nullptr;
-}
-
-bool STKDialog::initUI(QWidget *parent)
-{
-    TRACE_START();
-    forgetWindow();
-    m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
-    if (!m_pExtendDlg) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return false;
-    }
-    m_pExtendDlg->Instantiate(this);
-    m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
-    m_pBtnBack = new (std::nothrow) QPushButton(m_pMainWidget);
-    m_pBtnSelect = new (std::nothrow) QPushButton(m_pMainWidget);
-    m_pBtnClose = new (std::nothrow) QPushButton(m_pMainWidget);
-    m_pTableWidget = new (std::nothrow) STKTableWidget(m_pMainWidget);
-    m_pStkTimer = new (std::nothrow) QTimer(this);
-    m_pPlayToneTimer = new (std::nothrow) QTimer(this);
-    if (!m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose || !m_pTableWidget ||
-        !m_pStkTimer || !m_pPlayToneTimer) {
-        TRACE_TIME_FILE_FUNC("%s: %s: %s: Memory Allocation Failed");
-        return false;
-    }
-    m_pTableWidget->Instantiate(this);
-    m_pExtendDlg->AddMainWidget(m_pMainWidget);
-    SetStkUiText();
-    setStkObjectName();
-    setStkUiLayout();
-    m_pTableWidget->setColumnCount(1);
-    m_pTableWidget->verticalHeader()->hide();
-    m_pTableWidget->horizontalHeader()->hide();
-    m_pTableWidget->horizontalScrollBar()->hide();
-    m_pTableWidget->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_pTableWidget->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_pTableWidget->setShowGrid(false);
-    m_pTableWidget->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_pTableWidget->setColumnWidth(0, TABLE_WIDTH);
-    m_pTableWidget->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_pTableWidget->setTabKeyNavigation(false);
-    // A style's own minimum would make the rows higher.
-    m_pTableWidget->verticalHeader()->setMinimumSectionSize(ROW_HEIGHT);
-    if (m_pStkLogic && m_pStkLogic->GetMainMenu(&m_stMainMenu)) {
-        m_strMenuState = "STK_MAINMENU";
-        m_strTitle = m_stMainMenu.strTitle;
-        showMainMenu();
-    }
-    m_pExtendDlg->setWindowTitle(m_strTitle);
-    TRACE_END();
-    return true;
-}
-
-void STKDialog::setStkUiLayout()
-{
-    TRACE_START();
-    QVBoxLayout *pOuter = new (std::nothrow) QVBoxLayout;
-    QHBoxLayout *pButtonRow = new (std::nothrow) QHBoxLayout;
-    QHBoxLayout *pCloseRow = new (std::nothrow) QHBoxLayout;
-    if (!pOuter || !pButtonRow || !pCloseRow) {
-        TRACE_FILE_FUNC_TIME("Memory Allocation Failed %s: %s: %s: ");
-        return;
-    }
-    m_pTableWidget->setFixedSize(TABLE_WIDTH, TABLE_HEIGHT);
-    pButtonRow->addWidget(m_pBtnBack);
-    pButtonRow->addWidget(m_pBtnSelect);
-    pButtonRow->setAlignment(Qt::AlignLeft);
-    pButtonRow->setSpacing(20);
-    pCloseRow->addWidget(m_pBtnClose);
-    pCloseRow->insertSpacing(0, 55);
-    pCloseRow->setAlignment(Qt::AlignRight);
-    pButtonRow->addLayout(pCloseRow);
-    pOuter->addWidget(m_pTableWidget);
-    pOuter->addLayout(pButtonRow);
-    pOuter->setAlignment(Qt::AlignCenter);
-    pOuter->insertSpacing(1, 10);
-    m_pMainWidget->setLayout(pOuter);
-    TRACE_END();
-}
-
-void STKDialog::setStkObjectName()
-{
-    TRACE_START();
-    if (!m_pExtendDlg || !m_pMainWidget || !m_pBtnBack || !m_pBtnSelect || !m_pBtnClose ||
-        !m_pTableWidget) {
-        TRACE_FILE_FUNC_TIME("Some widget is null  %s: %s: %s: ");
-        return;
-    }
-    m_pExtendDlg->setObjectName("STKPlugin_Stkdialog");
-    m_pMainWidget->setObjectName("STKPlugin_StkWidget");
-    m_pBtnBack->setObjectName("STKPlugin_PushBtnBack");
-    m_pBtnSelect->setObjectName("STKPlugin_PushBtnSelect");
-    m_pBtnClose->setObjectName("STKPlugin_PushBtnClose");
-    m_pTableWidget->setObjectName("STKPlugin_TableWidgetMenu");
-    TRACE_END();
-}
-
-void STKDialog::SetStkUiText()
-{
-    TRACE_START();
-    if (!m_pBtnBack || !m_pBtnSelect || !m_pBtnClose) {
-        TRACE_FILE_FUNC_TIME("Widgets id NULL %s: %s: %s: ");
-        return;
-    }
-    m_pBtnBack->setText(tr(QString("IDS_STK_BTN_BACK")));
-    m_pBtnSelect->setText(tr(QString("IDS_STK_BTN_SELECT")));
-    m_pBtnClose->setText(tr(QString("IDS_STK_BTN_CLOSE")));
-    TRACE_END();
-}
-
-QString STKDialog::tr(QString id)
-{
-    TRACE_START();
-    const QString strText = Change::tr(id, "STKPlugin");
-    TRACE_END();
-    return strText;
-}
-
-/* ---- Menus ---- */
-
-bool STKDialog::deleteTableItems()
-{
-    TRACE_START();
-    if (!m_pTableWidget) {
-        TRACE_FILE_FUNC_TIME("Table Widget is null %s: %s: %s: ");
-        return false;
-    }
-    for (int i = 0; i < m_pTableWidget->rowCount(); ++i)
-        delete m_pTableWidget->takeItem(i, 0);
-    m_pTableWidget->clear();
-    TRACE_END();
-    return true;
-}
-
-void STKDialog::fillTable(const StkMenuItems &menu)
-{
-    m_pTableWidget->setRowCount(menu.itemList->count());
-    for (int i = 0; i < menu.itemList->count(); ++i) {
-        const StkItemClass &item = menu.itemList->at(i);
-        qDebug("Item name = %s, Index=%d", item.strItemText.toUtf8().constData(), item.nItemId);
-        QTableWidgetItem *const pCell = new QTableWidgetItem(item.strItemText);
-        if (item.strItemText.length() > LONG_ITEM_LENGTH)
-            pCell->setToolTip(PlainToolTip(item.strItemText));
-        m_pTableWidget->setItem(i, 0, pCell);
-        m_pTableWidget->setRowHeight(i, ROW_HEIGHT);
-    }
-}
-
-void STKDialog::showMainMenu()
-{
-    TRACE_START();
-    m_strMenuState = "STK_MAINMENU";
-    if (deleteTableItems()) {
-        if (!m_stMainMenu.strTitle.isEmpty()) {
-            m_strTitle = m_stMainMenu.strTitle;
-            m_pExtendDlg->setWindowTitle(m_strTitle);
-        } else {
-            m_pExtendDlg->setWindowTitle("");
-        }
-        fillTable(m_stMainMenu);
-    }
-    if (m_pBtnBack)
-        m_pBtnBack->setEnabled(false);
-    TRACE_END();
-}
-
-void STKDialog::showSubMenu()
-{
-    TRACE_START();
-    m_strMenuState = "STK_SUBMENU";
-    if (deleteTableItems()) {
-        m_pExtendDlg->setWindowTitle(m_stSubMenu.strTitle.isEmpty() ? m_strTitle
-                                                                    : m_stSubMenu.strTitle);
-        fillTable(m_stSubMenu);
-    }
-    if (m_pBtnBack)
-        m_pBtnBack->setEnabled(true);
-    TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
-}
-
-void STKDialog::fetchAndShowMainMenu()
-{
-    m_pStkLogic->GetMainMenu(&m_stMainMenu);
-    showMainMenu();
-}
-
-/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any.
- */
-int STKDialog::itemIdOf(const StkMenuItems &menu, const QString &strText)
-{
-    int nItemId = 0;
-    for (int i = 0; i < menu.itemList->count(); ++i) {
-        const StkItemClass &item = menu.itemList->at(i);
-        qDebug("Item name = %s, Index=%d", item.strItemText.toUtf8().constData(), item.nItemId);
-        if (item.strItemText == strText)
-            nItemId = item.nItemId;
-    }
-    return nItemId;
-}
-
-void STKDialog::onButtonClickSelect()
-{
-    TRACE_START();
-    if (!m_pTableWidget) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return;
-    }
-    QTableWidgetItem *pItem = m_pTableWidget->currentItem();
-    if (!pItem || pItem->text().isEmpty())
-        return;
-    const int nItemId = itemIdOf(m_stMainMenu, pItem->text());
-    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
-    if (m_strMenuState == "STK_UNKNOWN" || !m_pStkLogic)
-        return;
-    if (m_strMenuState == "STK_MAINMENU") {
-        if (m_pStkLogic->SelectMainMenuItem(nItemId))
-            stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
-        else
-            fetchAndShowMainMenu();
-    } else if (m_strMenuState == "STK_SUBMENU") {
-        subMenuSeleted(pItem);
-    }
-    TRACE_END();
-}
-
-void STKDialog::subMenuSeleted(QTableWidgetItem *item)
-{
-    TRACE_START();
-    if (!item) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return;
-    }
-    if (!m_pStkLogic) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return;
-    }
-    const int nItemId = itemIdOf(m_stSubMenu, item->text());
-    TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
-    if (m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_SELECT_ITEM", nItemId))
-        stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
-    else
-        fetchAndShowMainMenu();
-    TRACE_END();
-}
-
-void STKDialog::onButtonClickBack()
-{
-    TRACE_START();
-    if (m_pStkLogic) {
-        if (m_pStkLogic->SelectSubMenuItem("SUBMENU_ACTION_RETURN_BACK_ITEM", 0))
-            stkWaitforRespond(WAIT_AFTER_MENU_CHOICE);
-        else
-            fetchAndShowMainMenu();
-    }
-    TRACE_END();
-}
-
-void STKDialog::onButtonClickClose()
-{
-    TRACE_START();
-    if (m_pStkLogic && !m_bEnterPressed)
-        m_pStkLogic->GetMainMenu(&m_stMainMenu);
-    bool bClosed = true;
-    if (m_pExtendDlg) {
-        QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
-        bClosed = m_pExtendDlg->close();
-    }
-    // A frame that turned the close into a selection is still there, also when the selection was
-    // refused or answered so fast that no wait is running any more: it keeps its widgets.
-    if (bClosed && m_pStkThread && !m_pStkThread->isRunning() && !m_bEnterPressed)
-        forgetWindow();
-    TRACE_END();
-}
-
-void STKDialog::onCellDoubleClicked(int, int)
-{
-    TRACE_START();
-    onButtonClickSelect();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSetupMenu()
-{
-    TRACE_START();
-    if (m_pStkLogic) {
-        fetchAndShowMainMenu();
-        m_pStkLogic->UpdateCBReturnVal(true);
-    }
-    TRACE_END();
-}
-
-void STKDialog::onShowMainMenu()
-{
-    TRACE_START();
-    if (m_pStkLogic)
-        fetchAndShowMainMenu();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSelItem()
-{
-    TRACE_START();
-    if (m_pStkLogic) {
-        const bool bFetched = m_pStkLogic->GetSubMenu(&m_stSubMenu);
-        if (bFetched)
-            showSubMenu();
-        m_pStkLogic->UpdateCBReturnVal(bFetched);
-    }
-    TRACE_END();
-}
-
-void STKDialog::onSTKEndSession()
-{
-    TRACE_START();
-    closeInputDlg();
-    showMainMenu();
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
-    TRACE_END();
-}
-
-/* ---- Waiting for the card ---- */
-
-void STKDialog::stkWaitforRespond(int iTimeOut)
-{
-    TRACE_START();
-    if (iTimeOut < 1)
-        return;
-    if (!m_pStkLogic || !m_pStkThread) {
-        TRACE_FILE_FUNC_TIME("Logic instance or thread is null %s: %s: %s: ");
-        return;
-    }
-    m_pStkLogic->SetResponseVar(false);
-    QApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
-    m_pStkThread->SetTimeOut(iTimeOut);
-    m_pStkThread->start(QThread::InheritPriority);
-    TRACE_END();
-}
-
-void STKDialog::onChangeCursor()
-{
-    TRACE_START();
-    if (m_pStkLogic && !m_pStkLogic->GetResponseVar()) {
-        TRACE_FILE_FUNC_TIME("m_bRespondence value is false %s: %s: %s: ");
-        if (m_pStkLogic->GetMainMenu(&m_stMainMenu))
-            showMainMenu();
-    }
-    // The wait cursor is covered, not popped: the stack grows by two entries a wait.
-    QApplication::setOverrideCursor(QCursor(Qt::ArrowCursor));
-    TRACE_END();
-}
-
-void STKDialog::onSTKTimeOut()
-{
-    TRACE_START();
-    if (!m_pStkTimer)
-        return;
-    if (m_strTimerType == "STK_DEVICE_TIMER") {
-        m_strTimerType = "";
-        m_pStkTimer->stop();
-        closeInputDlg();
-        onButtonClickClose();
-    } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
-        m_strTimerType = "";
-        m_pStkTimer->stop();
-        if (m_pMessageBox) {
-            m_pMessageBox->close();
-            m_pMessageBox = nullptr;
-        }
-    }
-    TRACE_END();
-}
-
-/* ---- The modem ---- */
-
-void STKDialog::onDeviceAvailable(bool isAvaialable)
-{
-    TRACE_START();
-    if (isAvaialable) {
-        if (m_pStkLogic)
-            fetchAndShowMainMenu();
-    } else if (m_pStkTimer) {
-        m_strTimerType = "STK_DEVICE_TIMER";
-        if (m_pStkTimer->isActive())
-            m_pStkTimer->stop();
-        m_pStkTimer->start(DEVICE_TIMER_MS);
-    }
-    TRACE_END();
-}
-
-/* ---- Display Text ---- */
-
-void STKDialog::onSTKDisplayText()
-{
-    TRACE_START();
-    if (m_pTimeMsgDlg) {
-        refuseSecondText();
-        return;
-    }
-    QString strText = "";
-    QString strClearMode = "";
-    m_nMsgDuration = 0;
-    if (!m_pStkLogic)
-        return;
-    m_stTextCommand = m_pStkLogic->CommandInProgress();
-    if (!m_pStkLogic->GetPromptText(&strText, &strClearMode, &m_nMsgDuration))
-        return;
-    if (!m_pMsgTimer) {
-        m_pMsgTimer = new QTimer(this);
-        connect(m_pMsgTimer, SIGNAL(timeout()), this, SLOT(onMessageTimeOut()));
-    }
-    if (strClearMode == "STK_CLR_MODE_AUTO") {
-        m_strTimerType = "STK_MSGBOX_TIMER";
-        if (!m_pStkTimer) {
-            m_pStkLogic->UpdateCBReturnVal(false);
-            return;
-        }
-        if (!m_pMsgTimer) {
-            TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-            return;
-        }
-        if (m_pMsgTimer->isActive())
-            m_pMsgTimer->stop();
-        if (m_nMsgDuration == 0)
-            m_nMsgDuration = DEFAULT_TEXT_SECONDS;
-        m_pMsgTimer->start(COUNTDOWN_MS);
-        m_nMsgRemain = m_nMsgDuration;
-    }
-    const STKCommand stCommand = m_stTextCommand;
-    const QPointer<STKDialog> pThis = this;
-    const int nResult = showTimeMessageBox(strText);
-    if (!pThis || !m_pStkLogic)
-        return;
-    const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
-    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
-                                         bTerminated ? STK_UI_TR_TERMINATED : STK_UI_TR_SUCCESS,
-                                         stCommand))
-        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed %s: %s: %s: ");
-    m_pStkLogic->UpdateCBReturnVal(true);
-    TRACE_END();
-}
-
-/* A box is up, inside whose event loop this runs.  It stays as it is; a further text is refused,
- * once, unless it is the very one on screen: two commands may have arrived before the first was
- * presented. */
-void STKDialog::refuseSecondText()
-{
-    if (!m_pStkLogic)
-        return;
-    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
-    if (!(stCommand == m_stTextCommand))
-        m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_TERMINATED, stCommand);
-    m_pStkLogic->UpdateCBReturnVal(true);
-}
-
-int STKDialog::showTimeMessageBox(QString text)
-{
-    TRACE_START();
-    QWidget *const pParent = CommonUtils::GetMainWindow();
-    if (!m_pTimeMsgDlg)
-        m_pTimeMsgDlg = new (std::nothrow)
-            ExtendDialog(pParent, Qt::WindowCloseButtonHint, MESSAGE_WIDGET_TYPE);
-    if (!m_pTimeMsgDlg)
-        return QMessageBox::Cancel;
-    QPointer<ClipMessageBox> pBox = new ClipMessageBox(m_pTimeMsgDlg);
-    m_pTimeMsgDlg->AddMainWidget(pBox);
-    m_pTimeMsgDlg->setWindowFlags(Qt::WindowCloseButtonHint);
-    pBox->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
-    m_pTimeMsgDlg->setWindowTitle("");
-    pBox->setIcon(QMessageBox::NoIcon);
-    pBox->setText(text);
-    QApplication::beep();
-    m_pBtnOk = pBox->addButton(Change::tr("IDS_OK", HOST_CONTEXT), QMessageBox::YesRole);
-    m_pBtnCancel = pBox->addButton(Change::tr("IDS_CANCEL", HOST_CONTEXT), QMessageBox::RejectRole);
-    // The last one wins: Return must not accept a text that only just came up.
-    if (m_pBtnOk)
-        pBox->setDefaultButton(m_pBtnOk);
-    if (m_pBtnCancel)
-        pBox->setDefaultButton(m_pBtnCancel);
-    connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
-    connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
-    // Another window's event loop may run on top of this one and keep exec() from returning.
-    if (m_pMsgTimer)
-        connect(m_pTimeMsgDlg, SIGNAL(finished(int)), m_pMsgTimer, SLOT(stop()));
-    m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
-    const QPointer<STKDialog> pThis = this;
-    const QPointer<ExtendDialog> pFrame = m_pTimeMsgDlg;
-    {
-        STKKeyboardLoan loan;
-        pFrame->exec();
-    }
-    if (!pThis) {
-        delete pFrame;
-        return QMessageBox::Cancel;
-    }
-    if (m_pMsgTimer) {
-        m_pMsgTimer->stop();
-        m_nMsgTicks = 0;
-        m_nMsgRemain = m_nMsgDuration;
-    }
-    // Both are null when the box cleared itself, and that counts as OK.
-    const bool bOk = pBox && pBox->clickedButton() == m_pBtnOk;
-    delete pBox;
-    delete m_pTimeMsgDlg;
-    m_pTimeMsgDlg = nullptr;
-    TRACE_END();
-    return bOk ? QMessageBox::Ok : QMessageBox::Cancel;
-}
-
-/* One step of the countdown on the OK button. */
-void STKDialog::onMessageTimeOut()
-{
-    if (!m_pMsgTimer) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return;
-    }
-    if (!m_pTimeMsgDlg) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
-        return;
-    }
-    const QString strRemain = QString::number(m_nMsgRemain, 10);
-    if (!m_pBtnOk) {
-        m_pMsgTimer->stop();
-        m_pTimeMsgDlg->close();
-        return;
-    }
-    m_pBtnOk->setText(Change::tr("IDS_OK", HOST_CONTEXT) + " = " + strRemain);
-    ++m_nMsgTicks;
-    --m_nMsgRemain;
-    if (m_nMsgTicks == m_nMsgDuration) {
-        m_pMsgTimer->stop();
-        m_pTimeMsgDlg->close();
-        m_nMsgTicks = 0;
-        m_pBtnOk = nullptr;
-        m_nMsgRemain = m_nMsgDuration;
-    }
-}
-
-/* ---- Play Tone ---- */
-
-void STKDialog::onSTKPlayTone()
-{
-    TRACE_START();
-    if (!m_pStkLogic || !m_pPlayToneTimer) {
-        TRACE_FILE_FUNC_TIME("Logic/timer instance is null %s: %s: %s: ");
-        return;
-    }
-    MOVAPlayToneRequest request = {0, 0, ""};
-    if (!m_pStkLogic->GetPlayTone(&request)) {
-        TRACE_FILE_FUNC_TIME("GetPlayTone() failed %s: %s: %s: ");
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
-    const int nInterval = request.nDuration * 1000;
-    const QString strFolder = CommonUtils::GetPluginLibraryPath() + "/plugins/STKPlugin/";
-    QString strFile = strFolder + "tone_" + QString::number(request.nTone, 10);
-    if (!QFile::exists(strFile)) {
-        strFile = strFolder + "tone_" + QString::number(FALLBACK_TONE, 10);
-        if (!QFile::exists(strFile)) {
-            TRACE_FILE_FUNC_TIME("Sound file does not exists %s: %s: %s: ");
-            m_pStkLogic->UpdateCBReturnVal(false);
-            return;
-        }
-    }
-    playTone(strFile);
-    m_pPlayToneTimer->start(nInterval);
-    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_PLAY_TONE, STK_UI_TR_SUCCESS))
-        TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed of %s: %s: %s: ");
-    m_pStkLogic->UpdateCBReturnVal(true);
-    TRACE_END();
-}
-
-void STKDialog::playTone(QString strFileName)
-{
-    TRACE_END(); // the trace has always marked the entry like this
-    if (strFileName.isEmpty()) {
-        TRACE_FILE_FUNC_TIME("Filename is empty of %s: %s: %s: ");
-        return;
-    }
-    stopTone();
-    delete m_pClipSoundSTK; // one that had ended, or never started
-    m_pClipSoundSTK = new (std::nothrow) ClipSound(strFileName);
-    if (!m_pClipSoundSTK)
-        return;
-    if (!m_pClipSoundSTK->Play()) {
-        TRACE_FILE_FUNC_TIME("Playing failed %s: %s: %s: ");
-        return;
-    }
-    connect(m_pClipSoundSTK, SIGNAL(finished()), this, SLOT(onPlayingFinished()));
-    TRACE_END();
-}
-
-void STKDialog::stopTone()
-{
-    TRACE_START();
-    if (m_pClipSoundSTK && m_pClipSoundSTK->IsPlaying()) {
-        m_pClipSoundSTK->Stop();
-        delete m_pClipSoundSTK;
-        m_pClipSoundSTK = nullptr;
-    }
-    TRACE_END();
-}
-
-void STKDialog::onSTKPlayToneTimeOut()
-{
-    TRACE_START();
-    // The timer of an earlier showing may still be running: it must not cut a tone of this one.
-    QTimer *const pTimer = qobject_cast<QTimer *>(sender());
-    if (pTimer && pTimer != m_pPlayToneTimer) {
-        pTimer->stop();
-        TRACE_END();
-        return;
-    }
-    if (m_pPlayToneTimer) {
-        m_pPlayToneTimer->stop();
-        stopTone();
-    }
-    TRACE_END();
-}
-
-void STKDialog::onPlayingFinished()
-{
-    TRACE_FILE_FUNC_LINE("Start of %s: %s: %d: ");
-    if (m_pPlayToneTimer)
-        m_pPlayToneTimer->stop();
-    if (!m_pClipSoundSTK)
-        return;
-    delete m_pClipSoundSTK;
-    m_pClipSoundSTK = nullptr;
-    TRACE_FILE_FUNC_LINE("End of %s: %s: %d: ");
-}
-
-/* ---- Get Inkey and Get Input ---- */
-
-void STKDialog::onSTKGetInkey()
-{
-    TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
-        return;
-    }
-    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
-    StkInKeyRequest request = EmptyRequest();
-    if (!m_pStkLogic->GetInKeyRquest(&request)) {
-        TRACE_FILE_FUNC_TIME("GetInKeyRquest faied %s: %s: %s: ");
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
-    if (request.nInputType == INPUT_TYPE_YES_NO) {
-        if (!m_pStkTimer) {
-            m_pStkLogic->UpdateCBReturnVal(false);
-            return;
-        }
-        askYesNo(request, stCommand);
-    } else {
-        if (!m_pStkInputDlg)
-            return;
-        closeInputDlg();
-        m_pStkInputDlg->SetInKeyRequest(request);
-        showInputDlg(stCommand);
-    }
-    TRACE_END();
-}
-
-void STKDialog::onSTKGetInput()
-{
-    TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is NULL %s: %s: %s: ");
-        return;
-    }
-    const STKCommand stCommand = m_pStkLogic->CommandInProgress();
-    StkInKeyRequest request = EmptyRequest();
-    if (!m_pStkLogic->GetInputRequest(&request)) {
-        TRACE_FILE_FUNC_TIME("GetInputRequest failed %s: %s: %s: ");
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
-    if (!m_pStkInputDlg)
-        return;
-    closeInputDlg();
-    m_pStkInputDlg->SetInputRequest(request);
-    showInputDlg(stCommand);
-    TRACE_END();
-}
-
-void STKDialog::showInputDlg(STKCommand stCommand)
-{
-    const QPointer<STKDialog> pThis = this;
-    m_pStkInputDlg->ShowStkInputDlg(dialogParent(), stCommand);
-    if (!pThis)
-        return;
-    // The event loop of the window has run: what the card has sent meanwhile needs no waiting for.
-    const bool bNewer = m_pStkLogic && !(m_pStkLogic->CommandInProgress() == stCommand);
-    if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && !bNewer)
-        stkWaitforRespond(WAIT_AFTER_INPUT);
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
-}
-
-void STKDialog::askYesNo(const StkInKeyRequest &request, STKCommand stCommand)
-{
-    m_strTimerType = "STK_MSGBOX_TIMER";
-    if (request.nDuration > 0) {
-        if (m_pStkTimer->isActive())
-            m_pStkTimer->stop();
-        m_pStkTimer->start(request.nDuration);
-    }
-    QString strAnswer = "0";
-    const QPointer<STKDialog> pThis = this;
-    {
-        STKKeyboardLoan loan;
-        if (CommonUtils::ShowMessage(QMessageBox::NoIcon, dialogParent(), "", request.strText,
-                                     "IDS_YES", "IDS_NO", "", true, Qt::WindowCloseButtonHint,
-                                     &m_pMessageBox, QString(), true) == QMessageBox::Ok)
-            strAnswer = "1";
-    }
-    if (!pThis || !m_pStkLogic)
-        return;
-    const bool bAnswered = m_pStkLogic->CallStkAnswerInKey("STK_TYPE_OK", strAnswer, stCommand);
-    if (bAnswered && m_pStkLogic->CommandInProgress() == stCommand)
-        stkWaitforRespond(WAIT_AFTER_INPUT);
-    m_pStkLogic->UpdateCBReturnVal(bAnswered);
-}
-
-QWidget *STKDialog::dialogParent() const
-{
-    return m_pExtendDlg ? m_pExtendDlg->parentWidget() : nullptr;
-}
-
-void STKDialog::closeInputDlg()
-{
-    if (m_pStkInputDlg && m_pStkInputDlg->IsDialogCreated())
-        m_pStkInputDlg->CloseDlg();
-}
-
-void STKDialog::onCloseInputDlg()
-{
-    TRACE_START();
-    closeInputDlg();
-    TRACE_END();
-}
-
-/* ---- Commands that need no window ---- */
-
-void STKDialog::onSTKSetupIdleModeText()
-{
-    TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic inst is null %s: %s: %s: ");
-        return;
-    }
-    QString strText; // acknowledged and dropped: there is no idle screen to show it on
-    if (!m_pStkLogic->GetIdleModePrompt(&strText)) {
-        TRACE_FILE_FUNC_TIME("GetIdleModePrompt() failed %s: %s: %s: ");
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
-    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT, STK_UI_TR_SUCCESS))
-        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
-    m_pStkLogic->UpdateCBReturnVal(true);
-    TRACE_END();
-}
-
-void STKDialog::onSTKLaunchBrowser()
-{
-    TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
-        return;
-    }
-    MOVALaunchBrowser request = {0, ""};
-    if (!m_pStkLogic->GetLaunchBrowser(&request)) {
-        TRACE_FILE_FUNC_TIME("GetLaunchBrowser() failed %s: %s: %s: ");
-        m_pStkLogic->UpdateCBReturnVal(false);
-        return;
-    }
-    if (!request.strUrl.isEmpty())
-        CommonUtils::OpenUrl(request.strUrl);
-    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_LAUNCH_BROWSER, STK_UI_TR_SUCCESS))
-        TRACE_FILE_FUNC_TIME("SendNoDataResponse() failed %s: %s: %s: ");
-    m_pStkLogic->UpdateCBReturnVal(true);
-    TRACE_END();
-}
-
-/* The modem carries these out and answers them. */
-void STKDialog::acceptSilently()
-{
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
-}
-
-void STKDialog::onSTKSendUSSD()
-{
-    TRACE_START();
-    acceptSilently();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSendSMS()
-{
-    TRACE_START();
-    acceptSilently();
-    TRACE_END();
-}
-
-void STKDialog::onSTKSendSS()
-{
-    TRACE_START();
-    acceptSilently();
-    TRACE_END();
-}
-
-void STKDialog::onSTKRefresh()
-{
-    TRACE_START();
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(m_pStkLogic->GetRefreshInfo());
-    TRACE_END();
-}
-
-void STKDialog::onSTKSetupCall()
-{
-    TRACE_START();
-    if (m_pStkLogic) {
-        if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED)) {
-            TRACE_FILE_FUNC_TIME("SendNoDataResponse failed %s: %s: %s: ");
-            m_pStkLogic->UpdateCBReturnVal(false);
-            return;
-        }
-        m_pStkLogic->UpdateCBReturnVal(true);
-    }
-    TRACE_END();
 }

@@ -1,6 +1,7 @@
 #ifndef STKDIALOG_H
 #define STKDIALOG_H
 
+#include <QMap>
 #include <QPointer>
 #include <QTableWidget>
 
@@ -141,13 +142,16 @@ private:
     void connectWidgets();
     void forgetWindow();
     void closeInputDlg();
-    void fillTable(const StkMenuItems &menu);
-    int itemIdOf(const StkMenuItems &menu, const QString &strText);
+    void fillTable(const StkMenuItems &stMenu);
     void fetchAndShowMainMenu();
+    void followChoice(bool bSent);
+    void stopTimers(const char *szName);
+    void useStkTimer(const QString &strTimerType, int nMilliseconds);
+    bool takeCommand(_MOVA_EN_STKTYPE enStkType, STKCommand *pCommand);
     QWidget *dialogParent() const;
-    void askYesNo(const StkInKeyRequest &request, STKCommand stCommand);
+    void startCountdown();
+    void askYesNo(const StkInKeyRequest &stRequest, STKCommand stCommand);
     void showInputDlg(STKCommand stCommand);
-    void refuseSecondText();
     void acceptSilently();
 
     QPointer<STKLogic> m_pStkLogic;
@@ -161,7 +165,6 @@ private:
     QTimer *m_pStkTimer; /* one timer, two uses: m_strTimerType tells which */
     QPointer<STKInputDlg> m_pStkInputDlg;
     QString m_strTimerType; /* "STK_DEVICE_TIMER", "STK_MSGBOX_TIMER" or empty */
-    QDialog *m_pMessageBox;
     QTimer *m_pPlayToneTimer;
     QTimer *m_pMsgTimer;
     int m_nMsgDuration;
@@ -169,10 +172,15 @@ private:
     QPushButton *m_pBtnCancel;
     int m_nMsgTicks;
     int m_nMsgRemain;
-    STKCommand m_stTextCommand; /* the one whose text is up */
+    QMap<int, STKCommand> m_mapTaken; /* the last command of each type that a slot has taken */
+    STKCommand m_stSubMenuCommand; /* the one whose menu m_stSubMenu is */
+    int m_nQuestions; /* how many input windows and yes/no boxes have come up */
 
     static STKDialog *m_pStkDialogInstance;
     static ClipSound *m_pClipSoundSTK;
+    /* The yes/no box while it is up.  Whoever shows it writes here once more when it is gone, which
+     * may be after this object. */
+    static QDialog *m_pMessageBox;
 };
 
 #endif

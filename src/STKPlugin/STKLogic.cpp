@@ -436,7 +436,7 @@ bool STKLogic::CallStkAnswerInKey(QString result, QString answer, STKCommand stC
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInKey(%s): %s: %s: %s: ",
-                               answer.toUtf8().constData());
+                               TraceText(answer).constData());
     const int32_t status = MOVA_STKSrv_AnswerInKey(cmdIdOf(stCommand), bAccepted, answer.utf16());
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);
     if (status != 0)
@@ -451,7 +451,7 @@ bool STKLogic::CallStkAnswerInput(QString result, QString answer, STKCommand stC
     TRACE_START();
     const int32_t bAccepted = result == "STK_TYPE_OK";
     TRACE_VALUE_FILE_FUNC_TIME("Calling MOVA_STKSrv_AnswerInput(%s): %s: %s: %s: ",
-                               answer.toUtf8().constData());
+                               TraceText(answer).constData());
     const int32_t status = MOVA_STKSrv_AnswerInput(cmdIdOf(stCommand), bAccepted, answer.utf16());
     // The line shares its text with the key's answer.
     TRACE_STATUS("MOVA_STKSrv_AnswerInKey() returned %li: %s: %s: %s: ", status);

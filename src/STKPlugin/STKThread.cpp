@@ -38,11 +38,6 @@ int STKThread::TimeStamp(const QTime &time)
     return time.toString(Qt::TextDate).remove(':').toInt();
 }
 
-bool STKThread::IsTimedOut(int iStart, int iNow, int iTimeOut)
-{
-    return iNow - iStart >= iTimeOut;
-}
-
 void STKThread::run()
 {
     TRACE_TIME_FILE_FUNC("%s: %s: %s: called");
@@ -56,8 +51,7 @@ void STKThread::run()
     }
     // The time-out is read anew on every pass: a further user action replaces it while this runs.
     while (!m_bStop.load(std::memory_order_relaxed) && !m_pStkLogic->GetResponseVar() &&
-           !IsTimedOut(iStart, TimeStamp(QTime::currentTime()),
-                       m_iTimeOut.load(std::memory_order_relaxed)))
+           TimeStamp(QTime::currentTime()) - iStart < m_iTimeOut.load(std::memory_order_relaxed))
         msleep(POLL_INTERVAL_MS);
     emit ChangeCursor();
     m_iTimeOut.store(0, std::memory_order_relaxed);

@@ -21,11 +21,9 @@ public:
     void SetTimeOut(int iTimeOut);
 
     /* The digits of the time of day as one number: 12:34:56 is 123456.  A wait is measured on it,
-     * so that a minute's end counts 40 more than its second and a wait of 20 is at most 20 seconds.
-     */
+     * so that a minute's end counts 40 more than its second and a wait of 20 is at most 20 seconds;
+     * across midnight, where the number falls, it ends by an answer alone. */
     static int TimeStamp(const QTime &time);
-    /* Whether a wait that began at iStart is over at iNow. */
-    static bool IsTimedOut(int iStart, int iNow, int iTimeOut);
 
     /* Set from the GUI thread to end the wait at its next poll. */
     std::atomic<bool> m_bStop;

@@ -1,10 +1,8 @@
 #ifndef TRACELOG_H
 #define TRACELOG_H
 
-#include <chrono>
-#include <cstring>
-
 #include <QDateTime>
+#include <QLocale>
 #include <QtDebug>
 
 /* The running trace: one line per event on Qt's debug channel.
@@ -14,41 +12,21 @@
  * spells; the function is always the bare name of the one that writes.  An implementation file
  * defines STK_TRACE_FILE, its name in the trace, before it writes its first line. */
 
-/* The time field of a line: the local time of day, hours to milliseconds, "hh:mm:ss:zzz".
- *
- * Asking for the local time costs more than all the rest of a line, so a thread asks once a second;
- * nothing but the milliseconds changes within one. */
-class TraceTime {
-public:
-    explicit TraceTime(qint64 nMSecsSinceEpoch = Now())
-    {
-        static thread_local qint64 s_nSecond = -1;
-        static thread_local char s_szSecond[] = "hh:mm:ss:";
-        if (nMSecsSinceEpoch / 1000 != s_nSecond) {
-            s_nSecond = nMSecsSinceEpoch / 1000;
-            const QTime time = QDateTime::fromMSecsSinceEpoch(nMSecsSinceEpoch).time();
-            std::memcpy(s_szSecond, time.toString("hh:mm:ss:").toLatin1().constData(),
-                        sizeof s_szSecond);
-        }
-        std::memcpy(m_szText, s_szSecond, sizeof s_szSecond - 1);
-        const int nMSec = static_cast<int>(nMSecsSinceEpoch % 1000);
-        m_szText[9] = static_cast<char>('0' + nMSec / 100);
-        m_szText[10] = static_cast<char>('0' + nMSec / 10 % 10);
-        m_szText[11] = static_cast<char>('0' + nMSec % 10);
-        m_szText[12] = 0;
-    }
+/* The time field of a line: the local time of day, its digits ASCII in every locale. */
+inline QByteArray TraceTime()
+{
+    return QLocale::c().toString(QTime::currentTime(), "hh:mm:ss:zzz").toLocal8Bit();
+}
 
-    const char *constData() const { return m_szText; }
-
-private:
-    static qint64 Now()
-    {
-        using namespace std::chrono;
-        return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    }
-
-    char m_szText[sizeof "hh:mm:ss:zzz"];
-};
+/* A text argument of a line, in the encoding in which qDebug takes it. */
+inline QByteArray TraceText(const QString &strText)
+{
+#if QT_VERSION < 0x050000
+    return strText.toLocal8Bit();
+#else
+    return strText.toUtf8();
+#endif
+}
 
 #define TRACE_FILE_FUNC(format) qDebug(format, STK_TRACE_FILE, __func__)
 #define TRACE_FILE_FUNC_LINE(format) qDebug(format, STK_TRACE_FILE, __func__, __LINE__)
