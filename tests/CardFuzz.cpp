@@ -90,6 +90,7 @@ public:
         return {static_cast<State>(m_chance.below(5)), {}, {{}, {}, "trouble", true}};
     }
     void disconnect() override { }
+    bool passOver() override { return m_chance.once(10); }
     bool isPresent() override { return m_present = m_present && !m_chance.once(m_loss); }
     Protocol protocol() const override { return m_isT1 ? Protocol::T1 : Protocol::T0; }
     std::optional<Bytes> transmit(ByteView command) override

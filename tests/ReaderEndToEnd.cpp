@@ -12,6 +12,7 @@
 #include "platform/ModemService.h"
 
 using namespace std::chrono_literals;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -195,6 +196,54 @@ TEST_F(ReaderTest, choosesAmongReaders)
     EXPECT_TRUE(noticed("Elsewhere"));
     ASSERT_EQ(CardHost::listReaders().readers.size(), 2u);
     EXPECT_EQ(CardHost::listReaders().readers[1].name, "Virtual reader 00 01");
+}
+
+// Whatever is before it: a bank card, a card that does not answer, or one that another has.
+TEST_F(ReaderTest, goesOnToTheReaderWithASim)
+{
+    for (const char *const file : {"bank.json", "mute.json"}) {
+        CardProcess first({Cards + file}), second({Cards + "steps.json"}, 1);
+        ASSERT_TRUE(second.waitFor("starts", 10s));
+        CardHost::openReader("");
+        ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s)) << file;
+        EXPECT_TRUE(noticed("Virtual reader 00 01: chosen among 2 readers"));
+        CardHost::closeCard();
+    }
+}
+
+TEST_F(ReaderTest, isLeftBehindWhereItHangs)
+{
+    CardProcess card({"--misbehave", "hang@" + std::to_string(AtFetch), Cards + "steps.json"});
+    CardProcess other({Cards + "menus.json"}, 1);
+    ASSERT_TRUE(other.waitFor("starts", 10s));
+    ASSERT_TRUE(card.waitFor("starts", 10s));
+    CardHost::openReader("Virtual reader 00 00");
+    ASSERT_TRUE(card.waitFor("hang", 10s));
+    EXPECT_TRUE(noticed("the reader does not answer"));
+    const auto start = std::chrono::steady_clock::now();
+    CardHost::openReader("Virtual reader 00 01");
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+    EXPECT_EQ(title(), "Меню");
+}
+
+TEST_F(ReaderTest, showsItsMenuSoonAfterTheInsertion)
+{
+    CardHost::openReader("Virtual reader");
+    ASSERT_TRUE(noticed("no card"));
+    std::vector<milliseconds> times;
+    for (int i = 0; i < 5; ++i) {
+        CardProcess card({Cards + "steps.json"});
+        const auto inserted = card.waitFor("in the reader", 10s);
+        const auto seen = card.waitFor("starts", 10s); // by the daemon, which looks every 400 ms
+        const auto menu = calls.next(MOVA_STKTYPE_SETUP_MENU, 10s);
+        ASSERT_TRUE(inserted && seen && menu);
+        times.push_back(std::chrono::duration_cast<milliseconds>(menu->when - *seen));
+        card.end();
+        ASSERT_TRUE(calls.next(Removed, 5s));
+    }
+    std::sort(times.begin(), times.end());
+    EXPECT_LT(times[2], 500ms);
 }
 
 struct Useless {

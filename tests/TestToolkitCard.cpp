@@ -41,6 +41,7 @@ struct Wire {
     CardChannel::Status status{CardChannel::State::Ready, "Reader", {}};
     CardChannel::Protocol protocol = CardChannel::Protocol::T0;
     bool present = true;
+    bool isAmongOthers = false; // there is another card to go on to
     int connects = 0, transmits = 0;
 
     void add(const std::string &text)
@@ -68,6 +69,7 @@ struct FakeChannel : CardChannel {
         return wire.status;
     }
     void disconnect() override { }
+    bool passOver() override { return std::exchange(wire.isAmongOthers, false); }
     bool isPresent() override { return wire.present; }
     Protocol protocol() const override { return wire.protocol; }
     std::optional<Bytes> transmit(cat::ByteView command) override
@@ -685,6 +687,19 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
          8s);
     wire.present = false;
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00", std::string("ready; ") + NoSim, 2s);
+    wire.isAmongOthers = true; // what had no SIM may be passed over as soon as another card comes
+    wire.status.chosenAmong = 2;
+    card.readersChanged(now);
+    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00",
+         "- Reader: chosen among 2 readers; ready; " + std::string(NoSim));
+    wire.present = false;
+    wire.status = trouble(State::NoCard, "no card");
+    play("", "! no card", 1s);
+    wire.status = {State::Ready, "Reader", {}};
+    card.readersChanged(now);
+    wire.isAmongOthers = true;
+    play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00 " + Reset,
+         "ready; " + std::string(NoSim) + "; ready; - Reader: a USIM");
     card.powerOff();
     EXPECT_EQ(card.wakeUp(), Card::Time::max());
 }

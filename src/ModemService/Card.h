@@ -48,6 +48,10 @@ public:
     /// The session was ended for the card: it stops without a further event.
     virtual void endSession() = 0;
 
+    /// The card was taken out, and what it waits for need not come.  The only function that is
+    /// called on another thread, too.
+    virtual void interrupt() { }
+
     /// What the card does at or before the time, one event a call.
     virtual std::optional<CardEvent> nextEvent(Time now) = 0;
     /// When nextEvent() is to be asked next, unless something else happens before.

@@ -18,6 +18,7 @@
 #include "card/PcscChannel.h"
 #include "card/ReaderMonitor.h"
 #include "card/ToolkitCard.h"
+#include "card/WorkerChannel.h"
 
 Session &theSession()
 {
@@ -39,10 +40,13 @@ namespace {
 
 void withToolkitCard(std::function<void(ToolkitCard &)> function)
 {
-    theSession().withCard([function = std::move(function)](Card &card) {
-        if (auto *toolkitCard = dynamic_cast<ToolkitCard *>(&card))
-            function(*toolkitCard);
-    });
+    constexpr bool AlsoWhileRemoved = true; // to be told when it is back
+    theSession().withCard(
+        [function = std::move(function)](Card &card) {
+            if (auto *toolkitCard = dynamic_cast<ToolkitCard *>(&card))
+                function(*toolkitCard);
+        },
+        AlsoWhileRemoved);
 }
 
 // Carries what cards in readers say to whoever listens.  Listeners are called with the lock held,
@@ -67,6 +71,7 @@ public:
     void noticed(const CardHost::Notice &notice) override
     {
         theSession().transcript().notice(notice);
+        theSession().transcript().deliver(); // the card may be waited for
         std::lock_guard<std::mutex> lock(m_mutex);
         if (m_noticeListener)
             m_noticeListener(notice);
@@ -200,9 +205,14 @@ void removeReaderListener(int id)
 
 void openReader(const std::string &nameStart)
 {
+    const std::string name = nameStart.empty() ? "card reader" : nameStart;
     theSession().insertCard(std::make_unique<ToolkitCard>(
-        std::make_unique<PcscChannel>(nameStart), nameStart.empty() ? "card reader" : nameStart,
-        theHost().language(), theHost()));
+        std::make_unique<WorkerChannel>(std::make_unique<PcscChannel>(nameStart), name, theHost()),
+        name, theHost().language(), theHost()));
+    // Whoever watches the readers knows first when a card has come.
+    static const ReaderMonitor monitor([](const ReaderList &) {
+        withToolkitCard([](ToolkitCard &card) { card.readersChanged(Card::Clock::now()); });
+    });
 }
 
 void setNoticeListener(NoticeListener listener)

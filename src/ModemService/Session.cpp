@@ -100,6 +100,8 @@ bool Session::stop(std::chrono::milliseconds patience)
     m_commandCallback = nullptr;
     m_deviceCallback = nullptr;
     m_stop = true;
+    if (m_card)
+        m_card->interrupt();
     m_wake.notify_one();
     return m_returned.wait_for(lock, patience, [this] { return m_ended; });
 }
@@ -287,6 +289,7 @@ void Session::insertCard(std::unique_ptr<Card> card)
     forgetSession();
     if (m_card) {
         m_transcript.cardClosed();
+        m_card->interrupt();
         m_oldCards.push_back(std::move(m_card));
     }
     m_menu.reset();
@@ -374,10 +377,10 @@ void Session::setCommandListener(CardHost::CommandListener listener)
     m_commandListener = std::move(listener);
 }
 
-void Session::withCard(std::function<void(Card &)> function)
+void Session::withCard(std::function<void(Card &)> function, bool alsoWhileRemoved)
 {
     Guard guard(*this);
-    if (m_card && !m_removed)
+    if (m_card && (!m_removed || alsoWhileRemoved))
         post([card = m_card, function = std::move(function)] { function(*card); });
 }
 

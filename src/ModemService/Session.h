@@ -72,8 +72,8 @@ public:
     /// Heard on the session's thread, right before the command callback is called with a command.
     void setCommandListener(CardHost::CommandListener listener);
     /// Runs the function with the card that is in the modem now, on the session's thread; never
-    /// where there is none or the modem was removed by then.
-    void withCard(std::function<void(Card &)> function);
+    /// where there is none or, if that matters, the modem was removed by then.
+    void withCard(std::function<void(Card &)> function, bool alsoWhileRemoved = false);
     /// Whether a card of that kind is in the modem.
     template <class Kind> bool hasCard()
     {

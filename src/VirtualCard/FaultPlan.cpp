@@ -9,9 +9,10 @@ namespace {
 constexpr unsigned OneIn = 60; // commands, when faults come at random
 
 const std::pair<const char *, Fault> Faults[] = {
-    {"slow", Fault::Slow},       {"cut", Fault::Cut},      {"wrongLength", Fault::WrongLength},
-    {"endless", Fault::Endless}, {"6F00", Fault::Error},   {"9300", Fault::Busy},
-    {"garbage", Fault::Garbage}, {"remove", Fault::Remove}};
+    {"slow", Fault::Slow},       {"cut", Fault::Cut},       {"wrongLength", Fault::WrongLength},
+    {"endless", Fault::Endless}, {"6F00", Fault::Error},    {"9300", Fault::Busy},
+    {"garbage", Fault::Garbage}, {"remove", Fault::Remove}, {"hang", Fault::Hang}};
+constexpr unsigned LastAtRandom = static_cast<unsigned>(Fault::Remove);
 
 // Nothing for a text that is no number.
 std::optional<unsigned> readNumber(const std::string &text)
@@ -63,7 +64,7 @@ std::optional<Fault> FaultPlan::next()
 {
     ++m_commands;
     if (m_kind == Kind::Random)
-        return upTo(OneIn - 1) == 0 ? std::optional(Faults[upTo(std::size(Faults) - 1)].second)
+        return upTo(OneIn - 1) == 0 ? std::optional(Faults[upTo(LastAtRandom)].second)
                                     : std::nullopt;
     if (m_kind == Kind::Never || m_commands != m_at)
         return std::nullopt;

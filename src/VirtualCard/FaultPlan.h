@@ -18,7 +18,8 @@ enum class Fault {
     Error, ///< 6F00
     Busy, ///< 9300
     Garbage, ///< random bytes
-    Remove ///< it is taken out, and put in again after a moment
+    Remove, ///< it is taken out, and put in again after a moment
+    Hang ///< it never answers, and the reader waits for ever; not at random
 };
 
 /// When a card misbehaves.

@@ -31,7 +31,8 @@ const char Usage[] =
     "start\n"
     "                    of the card, then the second, and so on; a number: at random, from this "
     "seed.\n"
-    "                    FAULT is slow, cut, wrongLength, endless, 6F00, 9300, garbage or remove\n"
+    "                    FAULT is slow, cut, wrongLength, endless, 6F00, 9300, garbage, remove or\n"
+    "                    hang\n"
     "  --report FILE     write what was played, as JSON, at the end\n"
     "  --require-all     a step that was not played is an error, too\n"
     "  --help            show this help\n\n"
@@ -225,6 +226,8 @@ private:
             break;
         case Fault::Remove:
             takeOut();
+            break;
+        case Fault::Hang:
             break;
         }
     }

@@ -21,7 +21,8 @@ public:
     struct Status {
         State state = State::NoCard;
         std::string reader; ///< its name, where Ready
-        CardHost::Notice trouble; ///< what is in the way, elsewhere
+        CardHost::Notice trouble; ///< what is in the way, elsewhere; empty after interrupt()
+        size_t chosenAmong = 0; ///< so many readers, where nobody named one
     };
     /// ISO/IEC 7816-3.
     enum class Protocol { T0, T1 };
@@ -35,11 +36,16 @@ public:
     /// Whether the card has been in its place without a break since the last connect() that was
     /// Ready, given back meanwhile or not.
     virtual bool isPresent() = 0;
+    /// The card that was connected last is not the one that is looked for: true where connect()
+    /// will choose another one.
+    virtual bool passOver() = 0;
     /// Of the card that is connected.
     virtual Protocol protocol() const = 0;
     /// One exchange as the transport carries it, without GET RESPONSE; the result ends with the two
     /// status words.  Nothing: the card is gone, or does not answer.
     virtual std::optional<cat::Bytes> transmit(cat::ByteView command) = 0;
+    /// Whoever waits for the card, or will, is sent away before long.  From any thread.
+    virtual void interrupt() { }
 };
 
 #endif

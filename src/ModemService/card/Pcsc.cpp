@@ -39,6 +39,13 @@ void setOwnReader(const std::string &name)
     ownReaderName() = name;
 }
 
+void dropOwnReader(const std::string &name)
+{
+    std::lock_guard<std::mutex> lock(ownReaderMutex);
+    if (ownReaderName() == name)
+        ownReaderName().clear();
+}
+
 PcscContext::~PcscContext()
 {
     release();

@@ -44,7 +44,9 @@ private:
     size_t m_count = 0; // of readers then, with those of which nothing could be seen
 };
 
-/// Which reader this process keeps for itself; an empty name for none.
+/// Which reader this process keeps for itself.
 void setOwnReader(const std::string &name);
+/// It keeps that one no longer.
+void dropOwnReader(const std::string &name);
 
 #endif

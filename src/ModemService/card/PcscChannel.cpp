@@ -70,33 +70,70 @@ CardChannel::Status PcscChannel::connect()
         }
         giveBack(SCARD_RESET_CARD);
     }
-    const Status status = chooseReader();
-    return status.state == State::Ready ? connectCard() : status;
-}
-
-CardChannel::Status PcscChannel::chooseReader()
-{
     const CardHost::ReaderList list = m_context.readers();
     if (list.readers.empty())
         return {m_context.isEstablished() ? State::NoReader : State::NoDaemon, {}, *list.problem};
-    const auto begins = [this](const CardHost::Reader &reader) {
-        return reader.name.compare(0, m_nameStart.size(), m_nameStart) == 0;
-    };
-    const auto hasCard = [](const CardHost::Reader &reader) {
-        return reader.state != CardHost::Reader::State::Empty;
-    };
-    auto chosen = std::find_if(list.readers.begin(), list.readers.end(), begins);
-    if (chosen == list.readers.end())
+    const std::vector<std::string> names = candidates(list.readers);
+    if (names.empty())
         return {State::NoReader,
                 {},
                 noticeOf(NoticeId::NoSuchReader, {m_nameStart, quotedNames(list.readers)})};
-    if (m_nameStart.empty()) {
-        chosen = std::find_if(list.readers.begin(), list.readers.end(), hasCard);
-        if (chosen == list.readers.end())
-            chosen = list.readers.begin();
+    Status status = connectFirst(names);
+    if (m_nameStart.empty())
+        status.chosenAmong = list.readers.size();
+    return status;
+}
+
+// What is in the way of the first is told where none can be connected.
+CardChannel::Status PcscChannel::connectFirst(const std::vector<std::string> &readers)
+{
+    std::optional<Status> first;
+    for (const std::string &reader : readers) {
+        m_reader = reader;
+        Status status = connectCard();
+        if (status.state == State::Ready)
+            return status;
+        if (!first)
+            first = std::move(status);
     }
-    m_reader = chosen->name;
-    return {State::Ready, m_reader, {}};
+    return *first;
+}
+
+std::vector<std::string> PcscChannel::candidates(const std::vector<CardHost::Reader> &readers) const
+{
+    std::vector<std::string> names, empty;
+    for (const CardHost::Reader &reader : readers) {
+        if (reader.name.compare(0, m_nameStart.size(), m_nameStart) != 0)
+            continue;
+        if (!m_nameStart.empty())
+            return {reader.name};
+        if (reader.state == CardHost::Reader::State::Empty)
+            empty.push_back(reader.name);
+        else if (!isPassedOver(reader.name))
+            names.push_back(reader.name);
+    }
+    if (names.empty() && !empty.empty())
+        return {empty.front()};
+    return names.empty() && m_nameStart.empty() ? std::vector{readers.front().name} : names;
+}
+
+bool PcscChannel::isPassedOver(const std::string &reader) const
+{
+    const auto passed = m_passedOver.find(reader);
+    DWORD changes = 0;
+    return passed != m_passedOver.end() && presence(m_context.handle(), reader, changes) &&
+        changes == passed->second;
+}
+
+bool PcscChannel::passOver()
+{
+    if (!m_nameStart.empty())
+        return false;
+    m_passedOver[m_reader] = m_changes;
+    const CardHost::ReaderList list = m_context.readers();
+    return std::any_of(list.readers.begin(), list.readers.end(), [this](const auto &reader) {
+        return reader.state != CardHost::Reader::State::Empty && !isPassedOver(reader.name);
+    });
 }
 
 CardChannel::Status PcscChannel::connectCard()
@@ -112,7 +149,7 @@ CardChannel::Status PcscChannel::connectCard()
     }
     if (result == SCARD_S_SUCCESS)
         SCardDisconnect(m_card, SCARD_UNPOWER_CARD);
-    setOwnReader({});
+    dropOwnReader(m_reader);
     const LONG error = result == SCARD_S_SUCCESS ? LONG(SCARD_W_REMOVED_CARD) : result;
     for (const Trouble &trouble : Troubles) {
         if (trouble.error == error)
@@ -132,7 +169,7 @@ void PcscChannel::giveBack(DWORD disposition)
     if (!std::exchange(m_connected, false))
         return;
     SCardDisconnect(m_card, disposition);
-    setOwnReader({});
+    dropOwnReader(m_reader);
 }
 
 bool PcscChannel::isPresent()

@@ -403,13 +403,16 @@ void ToolkitCard::connect(Time now)
     if (status.state == CardChannel::State::Ready) {
         m_readerName = status.reader;
         m_lastTrouble.clear();
+        if (status.chosenAmong > 1)
+            tellChoice(status);
         m_presenceAt = now + PresencePeriod;
         m_place = m_removalTold ? Place::Announced : Place::InUse;
         if (std::exchange(m_removalTold, false))
             m_events.push_back(ModemReady());
         return;
     }
-    if (std::exchange(m_lastTrouble, status.trouble.text) != status.trouble.text)
+    const std::string &trouble = status.trouble.text;
+    if (!trouble.empty() && std::exchange(m_lastTrouble, trouble) != trouble)
         m_listener.noticed(status.trouble);
     if (!std::exchange(m_removalTold, true))
         m_events.push_back(ModemRemoved());
@@ -436,17 +439,6 @@ void ToolkitCard::forgetCard()
     endPinRequest();
     m_events.clear();
     m_state = State();
-}
-
-// Not a SIM: whoever needs the card may have it.
-void ToolkitCard::leaveAlone()
-{
-    notice(NoticeId::NoSim);
-    forgetCard();
-    m_channel->disconnect();
-    m_place = Place::NoSim;
-    m_removalTold = true;
-    m_events.push_back(ModemRemoved());
 }
 
 // ---- The toolkit at work ----

@@ -37,6 +37,7 @@ public:
     void selectMenuItem(int16_t itemId, Time now) override;
     void respond(const TerminalResponse &response, Time now) override;
     void endSession() override;
+    void interrupt() override { m_channel->interrupt(); }
     std::optional<CardEvent> nextEvent(Time now) override;
     Time wakeUp() const override;
 
@@ -44,6 +45,8 @@ public:
     void answerPin(int request, const CardHost::Pin &pin, Time now);
     /// ISO 639, two letters.
     void setLanguage(const std::string &language, Time now);
+    /// A card was put in or taken out, of any reader: there is no need to wait for the next look.
+    void readersChanged(Time now);
 
 private:
     // Where the card is.
@@ -94,6 +97,7 @@ private:
     void connect(Time now);
     void lose(Time now);
     void forgetCard();
+    void tellChoice(const CardChannel::Status &status);
     void leaveAlone();
 
     // One step of the start each.

@@ -53,6 +53,33 @@ int newPinRequest()
 
 } // namespace
 
+void ToolkitCard::readersChanged(Time now)
+{
+    m_presenceAt = std::min(m_presenceAt, now);
+    if (m_failures == 0)
+        m_retryAt = std::min(m_retryAt, now);
+    if (m_place == Place::NoSim && m_channel->passOver())
+        m_place = Place::Awaited;
+}
+
+void ToolkitCard::tellChoice(const CardChannel::Status &status)
+{
+    const std::string count = std::to_string(status.chosenAmong);
+    m_listener.noticed(noticeOf(NoticeId::ReaderChosen, {status.reader, count}));
+}
+
+// Not a SIM: whoever needs the card may have it.
+void ToolkitCard::leaveAlone()
+{
+    notice(NoticeId::NoSim);
+    forgetCard();
+    m_channel->disconnect();
+    m_removalTold = true;
+    m_events.push_back(ModemRemoved());
+    m_place = m_channel->passOver() ? Place::Awaited : Place::NoSim;
+    m_retryAt = Time();
+}
+
 void ToolkitCard::takeStep(Time now)
 {
     switch (m_state.step) {
