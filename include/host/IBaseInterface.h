@@ -8,7 +8,7 @@ public:
     virtual ~IBaseInterface() { }
 
     virtual void Release() = 0;
-    /* Error code of the last operation, 0 for none. */
+    /* A code of the host's. */
     virtual int GetLastError() = 0;
 };
 

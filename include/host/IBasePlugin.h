@@ -7,13 +7,12 @@
 #include "IBaseInterface.h"
 #include "IDestroyEvent.h"
 
-/* Identity and start-up of a plug-in. */
+/* Identity and start-up of a plug-in.  What type and version mean is the host's to say. */
 class IBasePlugin : public IBaseInterface, public IDestroyEvent {
 public:
     virtual bool Init() = 0;
     virtual int GetPluginType() = 0;
     virtual QString GetCLSID() = 0;
-    /* High byte major, low byte minor. */
     virtual int GetVersion() = 0;
     virtual QString GetPluginName() = 0;
     virtual bool IsAllowRelease() = 0;

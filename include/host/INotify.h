@@ -3,7 +3,7 @@
 
 #include <QObject>
 
-/* How the host tells a plug-in of a change.  Code 0x400: the language changed, translate again. */
+/* How the host tells a plug-in of a change.  The codes and their parameters are the host's. */
 class INotify {
 public:
     virtual ~INotify() { }

@@ -10,7 +10,7 @@ class HOSTUI_API Change {
 public:
     /* The text of the identifier in the context, or the identifier itself where the language has
      * none. */
-    static QString tr(const QString &id, const QString &context);
+    static QString tr(QString id, QString context);
 };
 
 #endif

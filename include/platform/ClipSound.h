@@ -13,7 +13,7 @@ class HOSTUI_API ClipSound : public QObject {
     Q_OBJECT
 
 public:
-    explicit ClipSound(const QString &fileName);
+    explicit ClipSound(QString fileName);
     ~ClipSound();
 
     /* False when the file is no playable sound or there is no audio device. */

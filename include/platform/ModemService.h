@@ -7,9 +7,8 @@
  * units.  It ends at the first zero unit or, where there is none, at the end of
  * the array.
  *
- * Every function returns a status: 0 is success, anything else a failure that
- * changed nothing.  The functions may be called from any thread, also from
- * inside a callback.
+ * Every function returns a status: 0 is success, anything else a failure.  The
+ * functions may be called from any thread, also from inside a callback.
  */
 #ifndef MODEMSERVICE_H
 #define MODEMSERVICE_H

@@ -2,7 +2,7 @@
 
 #include "HostUiState.h"
 
-QString Change::tr(const QString &id, const QString &context)
+QString Change::tr(QString id, QString context)
 {
     const QString text =
         HostUi::state().catalogue.translate(context.toUtf8().constData(), id.toUtf8().constData());

@@ -74,7 +74,7 @@ void ClipSoundPrivate::warn(const QString &reason) const
     qWarning("Cannot play %s: %s", qPrintable(m_fileName), qPrintable(reason));
 }
 
-ClipSound::ClipSound(const QString &fileName)
+ClipSound::ClipSound(QString fileName)
     : d(new ClipSoundPrivate(fileName))
 {
     connect(d, SIGNAL(ended()), this, SIGNAL(finished()));

@@ -14,7 +14,7 @@ void FakeHostUi::finishSound()
     emit std::exchange(playing, nullptr)->finished();
 }
 
-ClipSound::ClipSound(const QString &fileName)
+ClipSound::ClipSound(QString fileName)
 {
     setObjectName(fileName);
 }
@@ -42,7 +42,7 @@ void ClipSound::Stop()
         fakeHostUi.playing = nullptr;
 }
 
-QString Change::tr(const QString &id, const QString &context)
+QString Change::tr(QString id, QString context)
 {
     return fakeHostUi.language + context + ":" + id;
 }
