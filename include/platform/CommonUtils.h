@@ -24,7 +24,8 @@ public:
      *
      * title and text are shown as they are, as plain text; the three buttons are identifiers that
      * are translated, an empty one leaves its button out.  *ppDialog holds the box while it is up
-     * and null afterwards; ppDialog may be null.  detail, where it is not empty, stands under the
+     * and null afterwards; ppDialog may be null.  Whoever ends the pointer's life closes the box
+     * first: it is not touched after that.  detail, where it is not empty, stands under the
      * text.  modal: the window of parent waits; centre: the box opens over the middle of parent. */
     static QMessageBox::StandardButton ShowMessage(QMessageBox::Icon icon, QWidget *parent,
                                                    QString title, QString text, QString button1,

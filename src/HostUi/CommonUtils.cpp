@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegExp>
 #include <QThread>
 #include <QUrl>
 #include <QtDebug>
@@ -18,6 +19,7 @@
 namespace {
 
 const int MaxLoggedAddress = 200;
+const uint MaxPort = 65535;
 
 /* Runs while a dialog is up and clears the caller's pointer the moment it is no longer: another
  * event loop may run on top of this one and keep exec() from returning. */
@@ -36,16 +38,18 @@ public:
     }
 
 public slots:
+    /* The pointer may die with its owner any time after the dialog is over. */
     void over()
     {
         if (m_shared && *m_shared == m_dialog)
             *m_shared = 0;
+        m_shared = 0;
         quit();
     }
 
 private:
     QDialog *const m_dialog;
-    QDialog **const m_shared;
+    QDialog **m_shared;
 };
 
 /* A box goes with the window that it is over: alone it could slip behind another one, and keep all
@@ -75,6 +79,16 @@ private:
 QPushButton *addButton(QMessageBox *box, const QString &id, QMessageBox::ButtonRole role)
 {
     return id.isEmpty() ? 0 : box->addButton(Change::tr(id, "LuminePlugin"), role);
+}
+
+/* Qt 4 drops a port that is too large and calls the rest an address. */
+bool isPortValid(const QString &address)
+{
+    QRegExp port("[^/?#]*//[^/?#]*:([0-9]+)([/?#].*)?");
+    if (!port.exactMatch(address))
+        return true;
+    bool isNumber = false;
+    return port.cap(1).toUInt(&isNumber) <= MaxPort && isNumber;
 }
 
 // In the order of HostUi::UrlRefusal.
@@ -166,9 +180,11 @@ QMessageBox::StandardButton CommonUtils::ShowMessage(QMessageBox::Icon icon, QWi
 
 bool CommonUtils::OpenUrl(QString url)
 {
-    const QUrl parsed(url, QUrl::StrictMode);
-    if (!parsed.isValid())
+    QUrl parsed(url, QUrl::StrictMode);
+    if (!parsed.isValid() || !isPortValid(url))
         return refuse(url, HostUi::NotAnAddress);
+    // Qt 4 keeps the case.
+    parsed.setScheme(parsed.scheme().toLower());
     if (parsed.scheme() != "http" && parsed.scheme() != "https")
         return refuse(url, HostUi::SchemeNotAllowed);
     if (parsed.host().isEmpty())
