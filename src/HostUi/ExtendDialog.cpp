@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+static const QChar Blank(QChar::Nbsp);
+
 #if QT_VERSION >= 0x050000
 #include <QWindow>
 
@@ -21,13 +23,14 @@ static void showTitleAsTyped(QWidget *window)
 {
     const QString title = window->windowTitle();
     if (window->windowHandle())
-        window->windowHandle()->setTitle(title.isEmpty() ? QString(QChar::Nbsp) : title);
+        window->windowHandle()->setTitle(title.isEmpty() ? QString(Blank) : title);
 }
 #else
-// The title bar cannot be reached: only a doubled placeholder is shown as typed.
+// The title bar cannot be reached and shows what is stored: the application's name in place of an
+// empty title, and a placeholder as typed only where it is doubled.
 static QString storedTitle(const QString &title)
 {
-    return QString(title).replace("[*]", "[*][*]");
+    return title.isEmpty() ? QString(Blank) : QString(title).replace("[*]", "[*][*]");
 }
 
 static void showTitleAsTyped(QWidget *) { }
