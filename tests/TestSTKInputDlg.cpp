@@ -1,8 +1,10 @@
 #include "PluginTest.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
+#include <QTextEdit>
 #include <QTimer>
 #include <functional>
 
@@ -10,10 +12,11 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKInputDlg"
 
-/* What is typed under which rules, and what becomes of it. */
+/* What is done to the line under which rules, and what becomes of it.  Control characters are the
+ * keys with Ctrl, but for Backspace, \v for Home, and \t for what an input method enters. */
 struct LineRow {
     int type, min, max;
-    QString typed, text;
+    QString before, keys, clipboard, text;
     bool enabled;
 };
 Q_DECLARE_METATYPE(LineRow)
@@ -127,26 +130,59 @@ private slots:
     void rulesOfTheLine_data()
     {
         QTest::addColumn<LineRow>("row");
-        QTest::newRow("any text") << LineRow{0, 1, 10, "aB 1", "aB 1", true};
-        QTest::newRow("digits") << LineRow{2, 1, 20, "a1b2*+#-Z9", "12*+#9", true};
-        QTest::newRow("type 1 is no digits") << LineRow{1, 0, 5, "abc", "abc", true};
-        QTest::newRow("one too few") << LineRow{0, 3, 9, "ab", "ab", false};
-        QTest::newRow("just enough") << LineRow{0, 3, 9, "abc", "abc", true};
-        QTest::newRow("no more than the maximum") << LineRow{0, 1, 2, "abc", "ab", true};
-        QTest::newRow("nothing typed") << LineRow{0, 0, 9, "", "", false};
-        QTest::newRow("emptied again") << LineRow{0, 0, 9, "a\b", "", true};
-        QTest::newRow("negative minimum") << LineRow{0, -1, 9, "a", "a", true};
+        const QString pair = QString::fromUtf8("📱");
+        const auto row = [](const char *name, const LineRow &row) { QTest::newRow(name) << row; };
+        row("any text", {0, 1, 10, "", "aB 1", "", "aB 1", true});
+        row("digits", {2, 1, 20, "", "a1b2*+#-Z9", "", "12*+#9", true});
+        row("type 1 is no digits", {1, 0, 5, "", "abc", "", "abc", true});
+        row("one too few", {0, 3, 9, "", "ab", "", "ab", false});
+        row("just enough", {0, 3, 9, "", "abc", "", "abc", true});
+        row("no more than the maximum", {0, 1, 2, "", "abc", "", "ab", true});
+        row("the default alone", {0, 0, 9, "42", "", "", "42", false});
+        row("emptied again", {0, 0, 9, "", "a\b", "", "", true});
+        row("negative minimum", {0, -1, 9, "", "a", "", "a", true});
+        row("undone", {2, 1, 9, "", "12\x1a", "", "", false});
+        row("undone, nothing needed", {0, 0, 9, "", "12\x1a", "", "", true});
+        row("refused key", {2, 1, 9, "42", "a", "", "42", false});
+        row("refused key, selection", {2, 1, 9, "42", "\x01z", "", "42", false});
+        row("the same again", {0, 1, 1, "x", "\x01x", "", "x", true});
+        row("pasted", {2, 1, 9, "42", "\v\x16#", "1 a3", "13#42", true});
+        row("pasted, all refused", {2, 1, 9, "42", "\v\x16", "abc", "42", false});
+        row("pasted over, all refused", {2, 1, 9, "42", "\x01\x16", "abc", "42", false});
+        row("pasted over", {2, 1, 9, "42", "\x01\x16", "a1b", "1", true});
+        row("input method", {2, 3, 9, "42", "\v\t", "a3b", "342", true});
+        row("no half character", {0, 1, 1, "", "\x16", pair, "", false});
+        row("half over a whole one", {0, 1, 1, "4", "\x16", pair, "4", false});
+        row("cut in a character", {0, 1, 3, "", "ab\x16", pair, "ab", true});
+        row("whole character", {0, 3, 4, "", "ab\x16", pair, "ab" + pair, true});
+        row("default cut in a character", {0, 0, 2, "x" + pair, "", "", "x", false});
+    }
+
+    static void press(QChar key)
+    {
+        const QHash<QChar, Qt::Key> named = {{'\b', Qt::Key_Backspace}, {'\v', Qt::Key_Home}};
+        if (key == '\t') {
+            QInputMethodEvent event;
+            event.setCommitString(QApplication::clipboard()->text());
+            QApplication::sendEvent(line(), &event);
+        } else if (named.contains(key)) {
+            QTest::keyClick(line(), named[key]);
+        } else if (key < ' ') {
+            QTest::keyClick(line(), Qt::Key('@' + key.unicode()), Qt::ControlModifier);
+        } else {
+            QTest::keyClick(line(), key.toLatin1());
+        }
     }
 
     void rulesOfTheLine()
     {
         QFETCH(LineRow, row);
         for (int echo : {1, 0}) {
-            dialog->SetInputRequest(input(row.type, echo, row.min, row.max));
+            QApplication::clipboard()->setText(row.clipboard);
+            dialog->SetInputRequest(input(row.type, echo, row.min, row.max, row.before));
             showAnd([&] {
-                for (const QChar key : row.typed)
-                    key == '\b' ? QTest::keyClick(line(), Qt::Key_Backspace)
-                                : QTest::keyClick(line(), key.toLatin1());
+                for (const QChar key : row.keys)
+                    press(key);
                 QCOMPARE(line()->text(), row.text);
                 QCOMPARE(line()->echoMode(), echo ? QLineEdit::Normal : QLineEdit::Password);
                 QCOMPARE(ok()->isEnabled(), row.enabled);
@@ -252,11 +288,15 @@ private slots:
              {QString("ten chars ").repeated(24), QString(60, QChar('W')), QString("short")}) {
             dialog->SetInputRequest(StkInKeyRequest{prompt, 0, 0, 0, 1, 0, 9, ""});
             showAnd([prompt] {
-                QAbstractScrollArea *const view =
-                    window()->findChild<QAbstractScrollArea *>("STKPlugin_PromptView");
+                QTextEdit *const view = child<QTextEdit>("STKPlugin_PromptView");
                 QCOMPARE(view != nullptr, prompt != "short");
-                if (view)
+                QVERIFY2(child<QLabel>("STKPlugin_LabelText")->isHidden() == (view != nullptr),
+                         "one of them is shown");
+                if (view) {
+                    QCOMPARE(view->toPlainText(), prompt);
                     QVERIFY(view->verticalScrollBar()->maximum() > 0 || !prompt.contains(' '));
+                    QVERIFY(view->geometry().bottom() < line()->geometry().top());
+                }
                 cancel()->click();
             });
         }

@@ -8,49 +8,32 @@
 #include <QScopedPointer>
 #include <QScrollBar>
 #include <QTextDocument>
-#include <QTextEdit>
 #include <qmath.h>
+
+#include "shared/TextView.h"
 
 namespace {
 
 const int MinTextWidth = 220;
 const int MaxTextWidth = 420;
 const int MaxShortTextWidth = 300;
+const char *const ViewName = "HostUi_MessageText";
 
-/* Shows a text of any length whole: it wraps inside a word where it must, and scrolls what is
- * higher than two thirds of the screen. */
-class MessageText : public QTextEdit {
-public:
-    MessageText(const QString &text, QWidget *parent)
-        : QTextEdit(parent)
-    {
-        setObjectName("HostUi_MessageText");
-        setReadOnly(true);
-        setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus);
-        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        viewport()->setAutoFillBackground(false);
-        setPlainText(text);
-        fitToText();
-    }
-
-private:
-    void fitToText()
-    {
-        const QRect screen = QApplication::desktop()->availableGeometry(parentWidget());
-        const int maxWidth = qMin(MaxTextWidth, screen.width() / 2);
-        // The view's own document is laid out for the view's present size.
-        QScopedPointer<QTextDocument> text(document()->clone());
-        text->setTextWidth(-1);
-        const int width = qBound(qMin(MinTextWidth, maxWidth), qCeil(text->idealWidth()), maxWidth);
-        text->setTextWidth(width);
-        const int height = qCeil(text->size().height());
-        const int maxHeight = screen.height() * 2 / 3;
-        const int scrollBar = height > maxHeight ? verticalScrollBar()->sizeHint().width() : 0;
-        setFixedSize(width + scrollBar, qMin(height, maxHeight));
-    }
-};
+/* As wide as it is read well, and as high as the text, within two thirds of the screen. */
+void fitToText(QTextEdit *view)
+{
+    const QRect screen = QApplication::desktop()->availableGeometry(view->parentWidget());
+    const int maxWidth = qMin(MaxTextWidth, screen.width() / 2);
+    // The view's own document is laid out for the view's present size.
+    QScopedPointer<QTextDocument> text(view->document()->clone());
+    text->setTextWidth(-1);
+    const int width = qBound(qMin(MinTextWidth, maxWidth), qCeil(text->idealWidth()), maxWidth);
+    text->setTextWidth(width);
+    const int height = qCeil(text->size().height());
+    const int maxHeight = screen.height() * 2 / 3;
+    const int scrollBar = height > maxHeight ? view->verticalScrollBar()->sizeHint().width() : 0;
+    view->setFixedSize(width + scrollBar, qMin(height, maxHeight));
+}
 
 bool isShort(const QLabel *label, const QString &text)
 {
@@ -80,8 +63,7 @@ void ClipMessageBox::resizeEvent(QResizeEvent *event)
     emit changeSize(event->size());
 }
 
-/* The label of a message box neither breaks a long word nor scrolls: for all but a short text
- * another widget takes its place in the layout. */
+/* For all but a short text another widget takes the label's place in the layout. */
 void ClipMessageBox::showWholeText()
 {
     QLabel *label = findChild<QLabel *>("qt_msgbox_label");
@@ -91,13 +73,14 @@ void ClipMessageBox::showWholeText()
     }
     QGridLayout *grid = qobject_cast<QGridLayout *>(layout());
     const int index = label && grid ? grid->indexOf(label) : -1;
-    if (index < 0 || findChild<MessageText *>())
+    if (index < 0 || findChild<QTextEdit *>(ViewName))
         return;
     int row, column, rows, columns;
     grid->getItemPosition(index, &row, &column, &rows, &columns);
-    label->hide();
-    MessageText *whole = new MessageText(text(), this);
-    grid->addWidget(whole, row, column, rows, columns);
+    QTextEdit *view = textViewFor(label);
+    view->setObjectName(ViewName);
+    fitToText(view);
+    grid->addWidget(view, row, column, rows, columns);
     // The layout would show it only later, when the box has taken its size.
-    whole->show();
+    view->show();
 }

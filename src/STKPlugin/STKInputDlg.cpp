@@ -4,11 +4,11 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegExpValidator>
-#include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -16,6 +16,7 @@
 #include "TraceLog.h"
 #include "platform/Change.h"
 #include "platform/CommonUtils.h"
+#include "shared/TextView.h"
 
 #define STK_TRACE_FILE "../../src/STKPlugin/STKInputDlg"
 
@@ -27,6 +28,37 @@ const int INPUT_WIDTH = 240, INPUT_HEIGHT = 22;
 const int SPACING = 35;
 const int INKEY_TIMER_MS = 1000;
 const int INPUT_TYPE_DIGITS = 2;
+
+/* Calls no text invalid: a line of Qt 4 that hides its text would empty itself for one, and tell
+ * nobody.  STKInputDlg takes out by itself what is refused. */
+class STKDigitsValidator : public QRegExpValidator {
+public:
+    explicit STKDigitsValidator(QObject *parent)
+        : QRegExpValidator(QRegExp("[0-9*+#]*"), parent)
+    {
+    }
+    State validate(QString &strText, int &nPos) const override
+    {
+        const int nCursor = nPos; // sent to the end of an invalid text
+        const State enState = QRegExpValidator::validate(strText, nPos);
+        nPos = nCursor;
+        return qMax(Intermediate, enState);
+    }
+};
+
+/* Half of a surrogate pair, as a length limit leaves it, is no character. */
+QString wholeCharacters(const QString &strText)
+{
+    QString strWhole;
+    for (int i = 0; i < strText.length(); ++i) {
+        const QChar ch = strText.at(i);
+        if (ch.isHighSurrogate() && i + 1 < strText.length() && strText.at(i + 1).isLowSurrogate())
+            strWhole += strText.mid(i++, 2);
+        else if (!ch.isHighSurrogate() && !ch.isLowSurrogate())
+            strWhole += ch;
+    }
+    return strWhole;
+}
 
 } // namespace
 
@@ -68,6 +100,12 @@ void STKInputExtendDlg::closeEvent(QCloseEvent *)
     TRACE_TIME_FILE_FUNC("%s : %s : %s : Exit");
 }
 
+void STKInputExtendDlg::onLineChanged(QString strText)
+{
+    if (m_pStkInputDlg)
+        m_pStkInputDlg->settleLine(strText);
+}
+
 /* ---- The input dialog: life ---- */
 
 STKInputDlg *STKInputDlg::m_pStkInputDlgInstance = nullptr;
@@ -97,6 +135,7 @@ STKInputDlg::STKInputDlg()
     , m_nLastError(-1)
     , m_enStkType(MOVA_STKTYPE_GET_INPUT)
     , m_bBtnClicked(false)
+    , m_bSettledOk(false)
 {
     TRACE_START();
     m_stInKeyRequest.strText = "";
@@ -153,6 +192,9 @@ bool STKInputDlg::initUI(QWidget *parent)
     connect(m_pBtnOk, SIGNAL(clicked()), this, SLOT(onButtonClickOk()));
     connect(m_pBtnCancel, SIGNAL(clicked()), this, SLOT(onButtonClickCancel()));
     connect(m_pLineEditInput, SIGNAL(textEdited(QString)), this, SLOT(onTextEdited(QString)));
+    connect(m_pLineEditInput, SIGNAL(textChanged(QString)), m_pExtendDlg,
+            SLOT(onLineChanged(QString)));
+    m_pLineEditInput->installEventFilter(this);
     connect(m_pInputTimer, SIGNAL(timeout()), this, SLOT(onTimerTimeOut()));
     TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
     return true;
@@ -246,27 +288,19 @@ bool STKInputDlg::isPromptTooLong() const
     return false;
 }
 
-/* The window has one size, a prompt may have any length, and a label neither scrolls nor breaks a
- * word: where the prompt is too much for it, a view that does both lies over the label. */
+/* The window has one size, and a prompt may have any length. */
 void STKInputDlg::fitPrompt()
 {
-    if (!m_pMainWidget || !m_pMainWidget->layout() || !m_pLabelText || !isPromptTooLong())
+    QBoxLayout *const pLayout =
+        m_pMainWidget ? qobject_cast<QBoxLayout *>(m_pMainWidget->layout()) : nullptr;
+    if (!pLayout || !m_pLabelText || !isPromptTooLong())
         return;
-    QTextEdit *const pView = new QTextEdit(m_pLabelText);
-    QVBoxLayout *const pLayout = new QVBoxLayout(m_pLabelText);
-    pLayout->setContentsMargins(0, 0, 0, 0);
-    pLayout->addWidget(pView);
-    QPalette palette = pView->palette();
-    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-    pView->setPalette(palette);
+    QTextEdit *const pView = textViewFor(m_pLabelText);
     pView->setObjectName("STKPlugin_PromptView");
-    pView->setReadOnly(true);
-    pView->setFrameShape(QFrame::NoFrame);
-    pView->setFocusPolicy(Qt::NoFocus);
-    pView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    pView->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     pView->document()->setDocumentMargin(0);
-    pView->setPlainText(m_stInKeyRequest.strText);
+    pView->setFixedWidth(INPUT_WIDTH);
+    pView->setMinimumHeight(1); // what the others leave of the window, and no more
+    pLayout->insertWidget(pLayout->indexOf(m_pLabelText), pView);
 }
 
 void STKInputDlg::CloseDlg()
@@ -365,10 +399,13 @@ void STKInputDlg::setInitSetting()
     m_pLineEditInput->activateWindow();
     m_pLineEditInput->setEchoMode(m_stInKeyRequest.bEcho ? QLineEdit::Normal : QLineEdit::Password);
     if (m_stInKeyRequest.nInputType == INPUT_TYPE_DIGITS)
-        m_pLineEditInput->setValidator(new QRegExpValidator(QRegExp("[0-9*+#]*"), this));
+        m_pLineEditInput->setValidator(new STKDigitsValidator(this));
     else
         m_pLineEditInput->setValidator(nullptr);
-    m_pLineEditInput->setText(m_stInKeyRequest.strDefaultText);
+    m_pLineEditInput->setText(
+        wholeCharacters(m_stInKeyRequest.strDefaultText.left(m_stInKeyRequest.nMaxLen)));
+    m_strSettled = m_pLineEditInput->text();
+    m_bSettledOk = false;
     m_pBtnOk->setEnabled(false);
     TRACE_FILE_FUNC_TIME("End  of %s: %s: %s: ");
 }
@@ -382,6 +419,57 @@ void STKInputDlg::onTextEdited(QString strText)
     }
     m_pBtnOk->setEnabled(strText.length() >= m_stInKeyRequest.nMinLen);
     TRACE_END();
+}
+
+/* A key that is refused does not reach the line, where it would replace what is selected. */
+bool STKInputDlg::eventFilter(QObject *, QEvent *e)
+{
+    if (e->type() != QEvent::KeyPress)
+        return false;
+    const QKeyEvent *const pKey = static_cast<QKeyEvent *>(e);
+    const QString strText = pKey->text();
+    if (strText.isEmpty() || !strText.at(0).isPrint() || pKey->modifiers() & Qt::ControlModifier)
+        return false;
+    return allowedText(strText).isEmpty();
+}
+
+QString STKInputDlg::allowedText(QString strText) const
+{
+    if (m_stInKeyRequest.nInputType == INPUT_TYPE_DIGITS)
+        strText.remove(QRegExp("[^0-9*+#]"));
+    return wholeCharacters(strText);
+}
+
+/* What the change that led to this text put in before the cursor was refused altogether. */
+bool STKInputDlg::isChangeRefused(const QString &strText) const
+{
+    const int nCursor = m_pLineEditInput->cursorPosition();
+    const QString strHead = allowedText(strText.left(nCursor));
+    const QString strTail = allowedText(strText.mid(nCursor));
+    return strHead.length() + strTail.length() <= m_strSettled.length() &&
+        m_strSettled.startsWith(strHead) && m_strSettled.endsWith(strTail);
+}
+
+/* Has the last word on the line, whichever way it was changed: not all of them pass the keys, and
+ * not all are reported as edits (undo empties a hidden line in silence). */
+void STKInputDlg::settleLine(const QString &strText)
+{
+    if (!m_pLineEditInput || !m_pBtnOk)
+        return;
+    const QString strAllowed = allowedText(strText);
+    const bool bRefused = strAllowed != strText && isChangeRefused(strText);
+    if (!bRefused) {
+        m_strSettled = strAllowed;
+        m_bSettledOk = strAllowed.length() >= m_stInKeyRequest.nMinLen;
+    }
+    if (m_strSettled != strText) {
+        const int nCursor = m_pLineEditInput->cursorPosition();
+        const bool bBlocked = m_pLineEditInput->blockSignals(true);
+        m_pLineEditInput->setText(m_strSettled);
+        m_pLineEditInput->setCursorPosition(allowedText(strText.left(nCursor)).length());
+        m_pLineEditInput->blockSignals(bBlocked);
+    }
+    m_pBtnOk->setEnabled(m_bSettledOk);
 }
 
 bool STKInputDlg::sendAnswer(const QString &strResult, const QString &strAnswer)

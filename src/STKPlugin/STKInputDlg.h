@@ -24,6 +24,9 @@ public:
     void closeEvent(QCloseEvent *e) override;
     ~STKInputExtendDlg();
 
+private slots:
+    void onLineChanged(QString strText);
+
 private:
     QPointer<STKInputDlg> m_pStkInputDlg;
 };
@@ -76,6 +79,10 @@ private:
     STKInputDlg();
     ~STKInputDlg();
 
+    bool eventFilter(QObject *pWatched, QEvent *e) override;
+    QString allowedText(QString strText) const;
+    bool isChangeRefused(const QString &strText) const;
+    void settleLine(const QString &strText);
     bool isPromptTooLong() const;
     void fitPrompt();
     bool sendAnswer(const QString &strResult, const QString &strAnswer);
@@ -93,6 +100,8 @@ private:
     int m_enStkType; /* MOVA_STKTYPE_GET_INKEY or MOVA_STKTYPE_GET_INPUT */
     bool m_bBtnClicked; /* OK or Cancel has answered: the close must not do so again */
     STKCommand m_stCommand; /* the one that the window was opened for */
+    QString m_strSettled; /* what the line holds, without what it refuses */
+    bool m_bSettledOk; /* OK may send it */
 
     static STKInputDlg *m_pStkInputDlgInstance;
 };
