@@ -16,19 +16,18 @@ const std::string Bad = "\xef\xbf\xbd"; // U+FFFD
 // What FETCH returns: a command of that type and qualifier, and its data objects behind the head.
 cat::Bytes proactive(const std::string &typeAndQualifier, const std::string &objects)
 {
-    const cat::Bytes body = fromHex("81 03 01" + typeAndQualifier + "82 02 81 82" + objects);
-    cat::Bytes bytes{0xd0};
-    if (body.size() > 0x7f)
-        bytes.push_back(0x81);
-    bytes.push_back(uint8_t(body.size()));
-    bytes.insert(bytes.end(), body.begin(), body.end());
-    return bytes;
+    const cat::Bytes body = bytes("81 03 01" + typeAndQualifier + "82 02 81 82" + objects);
+    cat::Bytes fetched{0xd0};
+    fetched.push_back(uint8_t(body.size()));
+    fetched.insert(fetched.end(), body.begin(), body.end());
+    return fetched;
 }
 
 struct CommandCase {
     std::string typeAndQualifier, objects;
     std::string json; // what is decoded, or what the reason must name
     Problem problem = Problem::None;
+    bool isPartial = false;
 };
 
 const CommandCase Good[] = {
@@ -39,12 +38,13 @@ const CommandCase Good[] = {
     {"05 00", "99 02 04 07", R"({"events":"0407"})"},
     {"10 00", "86 04 91 21 A3 F4", R"({"confirm":"","setup":"","number_dialled":"+123*4"})"},
     {"10 02", "05 01 41 86 06 81 BA C1 D2 0E FF 05 01 42 0A 00",
-     R"({"confirm":"A","setup":"B","number_dialled":"*#1p2?&0"})"},
+     R"({"confirm":"A","setup":"B","number_dialled":"*#1p2?&0"})", Problem::None, true},
     {"10 00", "86 01 91", R"({"confirm":"","setup":"","number_dialled":""})"},
     {"11 00", "85 02 48 69 89 05 91 AA 12 0A FB", R"({"alpha":"Hi","code":"**21*0#"})"},
     {"12 00", "8A 03 F4 2A 23", R"({"alpha":"","code":"*#"})"},
     {"12 00", "8A 03 48 04 17", R"({"alpha":"","code":"З"})"},
     {"12 00", "8A 06 0F C8 32 9B FD 06", R"({"alpha":"","code":"Hello"})"},
+    {"12 00", "8A 08 0F C1 60 30 18 0C 06 01", R"({"alpha":"","code":"AAAAAAA@"})"},
     {"12 00", "8A 08 0F AA 51 4C 36 A3 8D 1A", R"({"alpha":"","code":"*#1234#"})"},
     // SMS-SUBMIT: no validity period and 8 bit; relative and packed; absolute and a header before
     // packed text; alphanumeric address and UCS-2; a command; one that is cut off.
@@ -77,13 +77,32 @@ const CommandCase Good[] = {
     {"28 00", "8D 00", R"({"text":""})"},
     {"35 01", "AD 02 73 65", R"({"language":"se"})"},
     {"35 00", "", R"({"language":""})"},
-    // Known, and no matter: text attributes, frame, next actions, icon list; unknown, and optional.
-    {"21 80", "8D 02 04 41 D0 04 00 10 00 B4 E8 01 00 98 00 9F 01 00 D1 00",
+    // Known, and no matter: text attributes, frame, next actions, icon lists, a second one.
+    {"21 80", "8D 02 04 41 D0 04 00 10 00 B4 E8 01 00 8D 02 04 42",
      R"({"text":"A","immediate":false})"},
-    {"21 80", "58 01 00 7F 12 34 01 FF 8D 02 04 41", R"({"text":"A","immediate":false})"},
-    // Optional and malformed: passed over.
-    {"21 80", "8D 02 04 41 04 01 01", R"({"text":"A","immediate":false})"},
-    {"20 00", "0E 00 04 02 03 01", R"({"alpha":""})"},
+    {"25 00", "85 00 8F 01 01 98 01 00 9F 02 01 05 D0 04 00 00 00 B4 D1 00",
+     R"({"title":"","items":[{"id":1,"text":""}]})"},
+    {"15 00", "B0 01 00 31 00 B2 01 03 B3 02 3F 00 8D 01 04 C7 01 41", R"({"alpha":"","url":""})"},
+    // The long form of a tag; bytes behind a value; padding behind the last object.
+    {"21 80", "7F 80 0D 02 04 41 7F 00 2B 00", R"({"text":"A","immediate":true})"},
+    {"20 00", "85 01 41 8E 02 11 FF 84 03 01 0A FF 9E 03 00 05 FF",
+     R"({"alpha":"A","tone":17,"duration":{"unit":"seconds","interval":10}})"},
+    {"23 00", "8D 00 91 03 01 05 FF", R"({"text":"","min":1,"max":5,"default":""})"},
+    {"24 00", "8F 01 02 90 02 02 FF",
+     R"({"title":"","items":[{"id":2,"text":""}],"default_item":2})"},
+    {"27 00", "A4 02 01 FF A5 04 00 50 00 FF", R"({"timer":1,"seconds":300})"},
+    {"35 01", "AD 03 73 65 FF", R"({"language":"se"})"},
+    {"28 00", "8D 02 04 41 00 00 00 00", R"({"text":"A"})"},
+    {"28 00", "8D 02 04 41 FF FF", R"({"text":"A"})"},
+    // Of two icons the first counts; one that explains itself may stand alone where a text may go.
+    {"21 80", "8D 02 04 41 9E 02 00 05 9E 02 01 06", R"({"text":"A","immediate":false})"},
+    {"28 00", "8D 00 9E 02 00 01", R"({"text":""})"},
+    // Passed over: unknown, of another command, optional and malformed.
+    {"21 80", "58 01 00 8D 02 04 41", R"({"text":"A","immediate":false})", Problem::None, true},
+    {"28 00", "7F 12 34 01 FF 8D 02 04 41", R"({"text":"A"})", Problem::None, true},
+    {"02 00", "05 01 41", "{}", Problem::None, true},
+    {"21 80", "8D 02 04 41 04 01 01", R"({"text":"A","immediate":false})", Problem::None, true},
+    {"20 00", "0E 00 04 02 03 01", R"({"alpha":""})", Problem::None, true},
 };
 
 const CommandCase Refused[] = {
@@ -102,6 +121,14 @@ const CommandCase Refused[] = {
     {"11 00", "89 02 91 21 9E 02 01 01", "icon", Problem::DataNotUnderstood},
     {"10 00", "85 01 41 86 02 91 21 85 00 9E 02 01 01 9E 02 01 02",
      "icon identifier (clause 8.31) at byte 24", Problem::DataNotUnderstood},
+    // Of another command, or unknown, and must be understood; what is missing comes first.
+    {"21 80", "8D 02 04 41 98 01 00", "tag 18 at byte 15", Problem::DataNotUnderstood},
+    {"02 00", "D0 04 00 00 00 B4", "tag 50 at byte 11", Problem::DataNotUnderstood},
+    {"02 00", "80 00", "tag 00 at byte 11", Problem::DataNotUnderstood},
+    {"21 80", "D8 01 00", "text string (clause 8.15): missing", Problem::ValuesMissing},
+    {"01 01", "D8 01 00", "file list", Problem::ValuesMissing},
+    {"22 00", "8D 00 9E 02 00 01", "icon identifier", Problem::DataNotUnderstood},
+    {"20 00", "9E 02 00 01", "icon identifier", Problem::DataNotUnderstood},
     {"22 00", "", "text string", Problem::ValuesMissing},
     {"23 00", "8D 00", "response length", Problem::ValuesMissing},
     {"23 00", "8D 00 91 01 05", "response length", Problem::DataNotUnderstood},
@@ -124,7 +151,9 @@ const CommandCase Refused[] = {
     {"35 01", "", "language", Problem::ValuesMissing},
     {"14 00", "AC 02 C1 F2", "SEND DTMF", Problem::BeyondCapabilities},
     {"14 00", "AC 02 C1 F2 9E 02 01 01", "icon", Problem::DataNotUnderstood},
-    {"40 01", "35 01 03", "OPEN CHANNEL", Problem::BeyondCapabilities},
+    {"40 01",
+     "86 01 91 88 01 80 84 02 01 05 8D 01 04 B5 01 03 B9 02 05 78 BC 03 01 00 50 BE 01 21 C7 01 41",
+     "OPEN CHANNEL", Problem::BeyondCapabilities},
     {"7F 00", "", "type of command 7F", Problem::TypeNotUnderstood},
 };
 
@@ -136,8 +165,10 @@ TEST(Cat, DecodesCommands)
         SCOPED_TRACE(row.typeAndQualifier + " | " + row.objects);
         const cat::Command command = cat::decode(proactive(row.typeAndQualifier, row.objects));
         EXPECT_EQ(command.problem, Problem::None) << command.reason;
+        EXPECT_EQ(command.isPartial, row.isPartial);
         EXPECT_EQ(CatJson::fields(command), CatJson::Json::parse(row.json));
-        EXPECT_EQ(toHex(command.details.object).substr(6), toHex(fromHex(row.typeAndQualifier)));
+        EXPECT_EQ(cat::toHex(command.details.object).substr(6),
+                  cat::toHex(bytes(row.typeAndQualifier)));
     }
 }
 
@@ -148,7 +179,8 @@ TEST(Cat, SaysWhatIsWrongWithACommand)
         const cat::Command command = cat::decode(proactive(row.typeAndQualifier, row.objects));
         EXPECT_EQ(command.problem, row.problem);
         EXPECT_NE(command.reason.find(row.json), std::string::npos) << command.reason;
-        EXPECT_EQ(toHex(command.details.object).substr(6), toHex(fromHex(row.typeAndQualifier)));
+        EXPECT_EQ(cat::toHex(command.details.object).substr(6),
+                  cat::toHex(bytes(row.typeAndQualifier)));
         EXPECT_FALSE(toProactiveCommand(command));
     }
 }
@@ -161,10 +193,10 @@ TEST(Cat, RefusesWhatIsCutOff)
         for (size_t size = 0; size < whole.size(); ++size) {
             const cat::Bytes cut(whole.begin(), whole.begin() + long(size));
             const cat::Command command = cat::decode(cut);
-            EXPECT_EQ(command.problem, Problem::DataNotUnderstood) << toHex(cut);
-            EXPECT_EQ(toHex(command.details.object),
-                      size < 7 ? "8103000000" : toHex(whole).substr(4, 10))
-                << toHex(cut);
+            EXPECT_EQ(command.problem, Problem::DataNotUnderstood) << cat::toHex(cut);
+            EXPECT_EQ(cat::toHex(command.details.object),
+                      size < 7 ? "8103000000" : cat::toHex(whole).substr(4, 10))
+                << cat::toHex(cut);
         }
     }
 }
@@ -175,6 +207,7 @@ TEST(Cat, KeepsTheDetailsByteForByte)
         {"D0 09 81 03 01 02 00 82 02 81 82", "8103010200", Problem::None},
         {"D0 09 01 03 01 02 00 02 02 81 82 FF FF FF", "0103010200", Problem::None},
         {"D0 81 0A 81 81 03 01 02 00 82 02 81 82", "818103010200", Problem::None},
+        {"D0 0B 81 04 01 02 00 FF 82 03 81 82 FF", "8104010200FF", Problem::None},
         {"D0 82 00 09 82 02 81 82 81 03 01 02 00", "8103010200", Problem::None},
         {"D0 05 81 03 01 02 00", "8103010200", Problem::ValuesMissing},
         {"D0 08 81 03 01 02 00 82 01 81", "8103010200", Problem::DataNotUnderstood},
@@ -185,8 +218,8 @@ TEST(Cat, KeepsTheDetailsByteForByte)
         {"D0 80 81 03 01 02 00 82 02 81 82", "8103000000", Problem::DataNotUnderstood},
     };
     for (const auto &[fetched, details, problem] : rows) {
-        const cat::Command command = cat::decode(fromHex(fetched));
-        EXPECT_EQ(toHex(command.details.object), details) << fetched;
+        const cat::Command command = cat::decode(bytes(fetched));
+        EXPECT_EQ(cat::toHex(command.details.object), details) << fetched;
         EXPECT_EQ(command.problem, problem) << fetched << command.reason;
     }
 }
@@ -213,7 +246,7 @@ TEST(Cat, ReadsTexts)
         {"08 D8 3D 00 00 DE 00", Bad + Bad + Bad},
     };
     for (const auto &[value, text] : strings)
-        EXPECT_EQ(cat::decodeTextString(fromHex(value)), text) << value;
+        EXPECT_EQ(cat::decodeTextString(bytes(value)), text) << value;
 
     const std::pair<std::string, std::string> alphas[] = {
         {"", ""},
@@ -234,7 +267,7 @@ TEST(Cat, ReadsTexts)
         {"82 01 04", ""},
     };
     for (const auto &[value, text] : alphas)
-        EXPECT_EQ(cat::decodeAlpha(fromHex(value)), text) << value;
+        EXPECT_EQ(cat::decodeAlpha(bytes(value)), text) << value;
 }
 
 TEST(Cat, CodesTextsOrRefusesThem)
@@ -255,7 +288,7 @@ TEST(Cat, CodesTextsOrRefusesThem)
     };
     for (const auto &[text, coding, expected] : rows) {
         const auto value = cat::encodeTextString(text, coding);
-        EXPECT_EQ(value ? toHex(*value) : "-", expected) << text;
+        EXPECT_EQ(value ? cat::toHex(*value) : "-", expected) << text;
     }
     for (int code = 0; code < 0x80; ++code) {
         const cat::Bytes value{0x04, uint8_t(code)};
@@ -288,17 +321,18 @@ TEST(Cat, RefusesAResponseThatACardCannotTake)
 TEST(Cat, EncodesWhatTheCardIsTold)
 {
     using namespace std::chrono_literals;
-    const cat::CommandDetails details{1, 0x22, 0, fromHex("01 81 03 01 22 00")};
+    const cat::CommandDetails details{1, 0x22, 0, bytes("01 81 03 01 22 00")};
     const std::string head = "018103012200"
                              "82028281";
     const std::pair<cat::Response, std::string> rows[] = {
         {{details, 0x00}, "830100"},
         {{details, 0x20, {0x04}}, "83022004"},
         {{details, 0x00, {}, cat::Bytes()}, "8301008D00"},
-        {{details, 0x00, {}, cat::Bytes(0x80, 4)}, "8301008D8180" + toHex(cat::Bytes(0x80, 4))},
+        {{details, 0x00, {}, cat::Bytes(0x80, 4)},
+         "8301008D8180" + cat::toHex(cat::Bytes(0x80, 4))},
     };
     for (const auto &[response, tail] : rows)
-        EXPECT_EQ(toHex(*cat::encode(response)), head + tail);
+        EXPECT_EQ(cat::toHex(*cat::encode(response)), head + tail);
 
     cat::Response response{details};
     response.duration = cat::Duration{cat::Duration::Unit::TenthsOfSeconds, 5};
@@ -306,7 +340,7 @@ TEST(Cat, EncodesWhatTheCardIsTold)
     response.language = "de";
     response.timer = 8;
     response.timerValue = 99h + 59min + 58s;
-    EXPECT_EQ(toHex(*cat::encode(response)),
+    EXPECT_EQ(cat::toHex(*cat::encode(response)),
               head +
                   "830100"
                   "84020205"
@@ -316,8 +350,8 @@ TEST(Cat, EncodesWhatTheCardIsTold)
                   "A503999585");
     response = {details};
     response.timerValue = 1000h;
-    response.dateTime = fromHex("62 11");
-    EXPECT_EQ(toHex(*cat::encode(response)),
+    response.dateTime = bytes("62 11");
+    EXPECT_EQ(cat::toHex(*cat::encode(response)),
               head +
                   "830100"
                   "A6026211"
@@ -327,15 +361,15 @@ TEST(Cat, EncodesWhatTheCardIsTold)
     time.tm_year = 126, time.tm_mon = 10, time.tm_mday = 21;
     time.tm_hour = 15, time.tm_min = 4, time.tm_sec = 59;
     time.tm_gmtoff = 3600;
-    EXPECT_EQ(toHex(cat::encodeDateTime(time)), "62111251409540");
+    EXPECT_EQ(cat::toHex(cat::encodeDateTime(time)), "62111251409540");
     time.tm_gmtoff = -(9 * 3600 + 1800);
-    EXPECT_EQ(toHex(cat::encodeDateTime(time)), "6211125140958B");
+    EXPECT_EQ(cat::toHex(cat::encodeDateTime(time)), "6211125140958B");
 
-    EXPECT_EQ(toHex(cat::encodeMenuSelection(0x80)), "D30782020181900180");
-    EXPECT_EQ(toHex(cat::encodeTimerExpiration(1, 3661s)), "D70C82028281A40101A503101010");
-    EXPECT_EQ(toHex(cat::encodeUserActivity()), "D60799010482028281");
-    EXPECT_EQ(toHex(cat::encodeLanguageSelection("en")), "D60B99010782028281AD02656E");
-    EXPECT_EQ(toHex(cat::terminalProfile()), "29E1FF2F2101001F69000000000000000009");
+    EXPECT_EQ(cat::toHex(cat::encodeMenuSelection(0x80)), "D30782020181900180");
+    EXPECT_EQ(cat::toHex(cat::encodeTimerExpiration(1, 3661s)), "D70C82028281A40101A503101010");
+    EXPECT_EQ(cat::toHex(cat::encodeUserActivity()), "D60799010482028281");
+    EXPECT_EQ(cat::toHex(cat::encodeLanguageSelection("en")), "D60B99010782028281AD02656E");
+    EXPECT_EQ(cat::toHex(cat::terminalProfile()), "29E1FF2F2101001F69000000000000000009");
 }
 
 namespace {
@@ -365,7 +399,7 @@ std::string bridged(const CommandCase &row)
     if (const auto *browser = std::get_if<LaunchBrowser>(&command->body))
         out << ' ' << browser->url.utf8 << " mode " << browser->launchMode;
     if (const auto *refresh = std::get_if<Refresh>(&command->body))
-        out << ' ' << refresh->qualifier << ' ' << toHex(refresh->files);
+        out << ' ' << refresh->qualifier << ' ' << cat::toHex(refresh->files);
     if (const auto *message = std::get_if<SendShortMessage>(&command->body))
         out << ' ' << message->text.utf8 << ' ' << message->address << ' ' << message->message;
     if (const auto *ss = std::get_if<SendSs>(&command->body))

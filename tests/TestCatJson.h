@@ -5,32 +5,13 @@
 #include <string>
 
 #include "cat/Command.h"
+#include "cat/Hex.h"
 
-// Bytes as hexadecimal digits, and decoded commands as JSON, for tables of cases.
+// Bytes from hexadecimal digits, and decoded commands as JSON, for tables of cases.
 
-inline cat::Bytes fromHex(const std::string &hex)
+inline cat::Bytes bytes(const std::string &hex)
 {
-    cat::Bytes bytes;
-    std::string digits;
-    for (const char c : hex) {
-        if (isxdigit(c))
-            digits += c;
-        if (digits.size() == 2) {
-            bytes.push_back(uint8_t(std::stoul(digits, nullptr, 16)));
-            digits.clear();
-        }
-    }
-    return bytes;
-}
-
-inline std::string toHex(cat::ByteView bytes)
-{
-    std::string hex;
-    for (const uint8_t byte : bytes) {
-        hex += "0123456789ABCDEF"[byte >> 4];
-        hex += "0123456789ABCDEF"[byte & 0x0f];
-    }
-    return hex;
+    return cat::fromHex(hex).value();
 }
 
 namespace CatJson {
@@ -51,46 +32,39 @@ inline Json menu(const cat::Menu &menu)
     return {{"title", menu.title}, {"items", items}};
 }
 
-inline void set(Json &json, const char *key, const std::optional<cat::Duration> &value)
+inline Json with(Json json, const std::optional<cat::Duration> &value)
 {
     if (value)
-        json[key] = duration(*value);
+        json["duration"] = duration(*value);
+    return json;
+}
+
+inline Json with(Json json, const char *key, const Json &value)
+{
+    json[key] = value;
+    return json;
 }
 
 struct Fields {
     Json operator()(const cat::DisplayText &c) const
     {
-        Json json{{"text", c.text}, {"immediate", c.immediateResponse}};
-        set(json, "duration", c.duration);
-        return json;
+        return with({{"text", c.text}, {"immediate", c.immediateResponse}}, c.duration);
     }
-    Json operator()(const cat::GetInkey &c) const
-    {
-        Json json{{"text", c.text}};
-        set(json, "duration", c.duration);
-        return json;
-    }
+    Json operator()(const cat::GetInkey &c) const { return with({{"text", c.text}}, c.duration); }
     Json operator()(const cat::GetInput &c) const
     {
-        return {{"text", c.text},
-                {"min", c.minLength},
-                {"max", c.maxLength},
-                {"default", c.defaultText}};
+        const Json limits{{"min", c.minLength}, {"max", c.maxLength}};
+        return with(with(limits, "text", c.text), "default", c.defaultText);
     }
     Json operator()(const cat::PlayTone &c) const
     {
-        Json json{{"alpha", c.alpha}};
-        if (c.tone)
-            json["tone"] = *c.tone;
-        set(json, "duration", c.duration);
-        return json;
+        const Json json{{"alpha", c.alpha}};
+        return with(c.tone ? with(json, "tone", *c.tone) : json, c.duration);
     }
     Json operator()(const cat::SetUpMenu &c) const { return menu(c.menu); }
     Json operator()(const cat::SelectItem &c) const
     {
-        Json json = menu(c.menu);
-        json["default_item"] = c.defaultItem;
-        return json;
+        return with(menu(c.menu), "default_item", c.defaultItem);
     }
     Json operator()(const cat::SetUpIdleModeText &c) const { return {{"text", c.text}}; }
     Json operator()(const cat::SetUpCall &c) const
@@ -107,19 +81,17 @@ struct Fields {
     {
         return {{"alpha", c.alpha}, {"url", c.url}};
     }
-    Json operator()(const cat::Refresh &c) const { return {{"files", toHex(c.files)}}; }
-    Json operator()(const cat::PollInterval &c) const
-    {
-        return {{"duration", duration(c.duration)}};
-    }
+    Json operator()(const cat::Refresh &c) const { return {{"files", cat::toHex(c.files)}}; }
+    Json operator()(const cat::PollInterval &c) const { return with(Json::object(), c.duration); }
     Json operator()(const cat::TimerManagement &c) const
     {
-        Json json{{"timer", c.timer}};
-        if (c.value)
-            json["seconds"] = c.value->count();
-        return json;
+        const Json json{{"timer", c.timer}};
+        return c.value ? with(json, "seconds", c.value->count()) : json;
     }
-    Json operator()(const cat::SetUpEventList &c) const { return {{"events", toHex(c.events)}}; }
+    Json operator()(const cat::SetUpEventList &c) const
+    {
+        return {{"events", cat::toHex(c.events)}};
+    }
     Json operator()(const cat::LanguageNotification &c) const { return {{"language", c.language}}; }
     template <class Body> Json operator()(const Body &) const { return Json::object(); }
 };

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "card/ToolkitCard.h"
+#include "cat/Hex.h"
 
 using namespace std::chrono_literals;
 using cat::Bytes;
@@ -17,21 +18,7 @@ namespace {
 
 Bytes bytes(const std::string &hex)
 {
-    Bytes result;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2)
-        result.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return result;
-}
-
-std::string hex(cat::ByteView data)
-{
-    std::string text;
-    for (uint8_t byte : data) {
-        char pair[3];
-        std::snprintf(pair, sizeof pair, "%02X", byte);
-        text += pair;
-    }
-    return text;
+    return cat::fromHex(hex).value();
 }
 
 // A card that plays a script of "command > answer"; the answer "gone" takes it out.
@@ -77,11 +64,11 @@ struct FakeChannel : CardChannel {
         ++wire.transmits;
         std::string answer = wire.otherwise;
         if (!wire.script.empty()) {
-            EXPECT_EQ(hex(command), wire.script.front().first);
+            EXPECT_EQ(cat::toHex(command), wire.script.front().first);
             answer = wire.script.front().second;
             wire.script.pop_front();
         }
-        EXPECT_NE(answer, "") << "after the script: " << hex(command);
+        EXPECT_NE(answer, "") << "after the script: " << cat::toHex(command);
         wire.present = answer != "gone";
         return !wire.present || answer == "silent"
             ? std::nullopt
@@ -100,7 +87,7 @@ struct Log : CardListener {
     void tell(const std::string &line) { told += (told.empty() ? "" : "; ") + line; }
     void exchanged(const ApduTraffic &apdu) override
     {
-        traffic.push_back(hex(apdu.command) + ">" + hex(apdu.response));
+        traffic.push_back(cat::toHex(apdu.command) + ">" + cat::toHex(apdu.response));
     }
     void answeredByModem(const std::string &command, const std::string &result) override
     {
@@ -152,14 +139,14 @@ std::string packed(std::string text)
 std::string counted(const std::string &text)
 {
     const std::string data = packed(text);
-    return hex(Bytes{uint8_t(data.size() / 2)}) + data;
+    return cat::toHex(Bytes{uint8_t(data.size() / 2)}) + data;
 }
 
 // The card's proactive command, from the objects behind the command details on.
 std::string fetch(const std::string &details, const std::string &objects)
 {
     const std::string pdu = "D0" + counted("8103" + details + "82028182" + objects);
-    return "80120000" + hex(Bytes{uint8_t(pdu.size() / 2)}) + " > " + pdu + "9000 ";
+    return "80120000" + cat::toHex(Bytes{uint8_t(pdu.size() / 2)}) + " > " + pdu + "9000 ";
 }
 
 // The terminal's response, from the value of the result on.
@@ -176,7 +163,7 @@ std::string envelope(const std::string &data)
 
 std::string waiting(const std::string &objects) // the status that announces such a command
 {
-    return hex(Bytes{0x91, uint8_t(packed(objects).size() / 2 + 11)});
+    return cat::toHex(Bytes{0x91, uint8_t(packed(objects).size() / 2 + 11)});
 }
 
 // Names that stand for their text in scripts.
@@ -189,9 +176,10 @@ const std::map<std::string, std::string> Names = {
     {"NOCHV", std::string(26, '0') + "8000000000839000"},
     {"PIN", "620BC6099001808301018301819000"}, // file control parameters, the PIN in use or not
     {"NOPIN", "620BC6099001408301018301819000"},
-    {"PROFILE", "80100000" + counted(hex(cat::terminalProfile()))},
-    {"PROFILE2G", "A0100000" + counted(hex(cat::terminalProfile()))},
-    {"READY", "80100000" + counted(hex(cat::terminalProfile())) + " > 9000 80F2010C00 > 9000"},
+    {"PROFILE", "80100000" + counted(cat::toHex(cat::terminalProfile()))},
+    {"PROFILE2G", "A0100000" + counted(cat::toHex(cat::terminalProfile()))},
+    {"READY",
+     "80100000" + counted(cat::toHex(cat::terminalProfile())) + " > 9000 80F2010C00 > 9000"},
     {"STATUS", "80F2000C00 > 9000"},
     {"SELECT1", "80C2000009D30782020181900101 >"},
 };
@@ -313,9 +301,9 @@ TEST(TestApdu, followsTheStatusWords)
             command.expected = static_cast<uint16_t>(std::stoi(row[3]));
         const auto answer = exchange(channel, command, [](const ApduTraffic &) {});
         const auto status = [&] {
-            return hex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)});
+            return cat::toHex(Bytes{uint8_t(answer->status >> 8), uint8_t(answer->status)});
         };
-        EXPECT_EQ(answer ? hex(answer->data) + status() : "none", row[5]);
+        EXPECT_EQ(answer ? cat::toHex(answer->data) + status() : "none", row[5]);
         EXPECT_TRUE(wire.script.empty()) << row[4];
     }
     Wire endless;

@@ -55,6 +55,16 @@ char32_t nextCharacter(const std::string &utf8, size_t &position)
     return valid ? character : Replacement;
 }
 
+// At most `limit` units from the start of the text that end with a whole character.
+size_t wholeCharacters(const std::u16string &text, size_t limit)
+{
+    if (text.size() <= limit)
+        return text.size();
+    return limit > 0 && isLeadSurrogate(text[limit - 1]) ? limit - 1 : limit;
+}
+
+} // namespace
+
 void appendUtf8(std::string &utf8, char32_t character)
 {
     if (character < 0x80) {
@@ -67,16 +77,6 @@ void appendUtf8(std::string &utf8, char32_t character)
     for (int i = following - 1; i >= 0; --i)
         utf8 += static_cast<char>(0x80 | ((character >> (6 * i)) & 0x3f));
 }
-
-// At most `limit` units from the start of the text that end with a whole character.
-size_t wholeCharacters(const std::u16string &text, size_t limit)
-{
-    if (text.size() <= limit)
-        return text.size();
-    return limit > 0 && isLeadSurrogate(text[limit - 1]) ? limit - 1 : limit;
-}
-
-} // namespace
 
 std::u16string toUtf16(const std::string &utf8)
 {

@@ -12,6 +12,8 @@
 /// Bytes or code units that are no character become U+FFFD.
 std::u16string toUtf16(const std::string &utf8);
 std::string toUtf8(const std::u16string &utf16);
+/// A character, which is none of UTF-16's halves.
+void appendUtf8(std::string &utf8, char32_t character);
 /// The text up to its closing zero; a null pointer gives an empty text.
 std::string toUtf8(const uint16_t *zeroTerminated);
 

@@ -8,6 +8,7 @@
 
 #include "ServiceStatus.h"
 #include "Text.h"
+#include "cat/Hex.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -32,17 +33,6 @@ std::string number(int64_t value)
 std::string quoted(const std::string &text)
 {
     return '"' + oneLine(text) + '"';
-}
-
-std::string hex(cat::ByteView bytes)
-{
-    std::string digits;
-    for (uint8_t byte : bytes) {
-        char pair[3];
-        std::snprintf(pair, sizeof pair, "%02X", byte);
-        digits += pair;
-    }
-    return digits;
 }
 
 void addMenu(Json &json, const CommandMenu &menu)
@@ -101,7 +91,7 @@ struct FieldWriter {
     void operator()(const Refresh &command)
     {
         json["qualifier"] = command.qualifier;
-        json["files"] = hex(command.files);
+        json["files"] = cat::toHex(command.files);
     }
     void operator()(const SendSs &command)
     {
@@ -357,8 +347,10 @@ void Transcript::apdu(cat::ByteView command, cat::ByteView response)
     if (!hasListeners())
         return;
     append({Wire,
-            hex(command) + " → " + (response.empty() ? "no answer" : hex(response)),
-            {{"event", "apdu"}, {"command", hex(command)}, {"response", hex(response)}}});
+            cat::toHex(command) + " → " + (response.empty() ? "no answer" : cat::toHex(response)),
+            {{"event", "apdu"},
+             {"command", cat::toHex(command)},
+             {"response", cat::toHex(response)}}});
 }
 
 void Transcript::append(const Line &line)

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "StrictJson.h"
+#include "cat/Hex.h"
 
 using StrictJson::Json;
 using StrictJson::Object;
@@ -24,7 +25,7 @@ const cat::Bytes AtrOfMute(40, 0x00);
 cat::Bytes readBytes(const Object &object, const std::string &key)
 {
     const std::string text = object.text(key);
-    const auto bytes = bytesOf(text);
+    const auto bytes = cat::fromHex(text);
     if (!bytes)
         StrictJson::fail(object.pointer(key), HexExpected, text);
     return *bytes;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Hex.h"
+#include "HexPattern.h"
 
 /// What the card and the terminal do by turns.
 struct Step {

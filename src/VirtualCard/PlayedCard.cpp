@@ -4,6 +4,8 @@
 #include <climits>
 #include <utility>
 
+#include "cat/Hex.h"
+
 using cat::Bytes;
 using cat::ByteView;
 
@@ -293,7 +295,7 @@ const Bytes *PlayedCard::pending() const
 Bytes PlayedCard::terminalProfile(const Command &command)
 {
     if (m_file.profile && !m_file.profile->matches(command.data))
-        mismatch("TERMINAL PROFILE", m_file.profile->text(), hexDigits(command.data));
+        mismatch("TERMINAL PROFILE", m_file.profile->text(), cat::toHex(command.data));
     const bool first = !std::exchange(m_profileSeen, true);
     if (first && (!m_file.pin || m_verified) && !m_file.start.empty())
         begin(m_file.start[std::min(m_start, m_file.start.size() - 1)]);
@@ -310,11 +312,11 @@ Bytes PlayedCard::envelope(const Command &command)
     if (data.size() == 9 && same(ByteView(data).part(0, 8), selection)) {
         const auto item = m_file.menu.find(data[8]);
         if (item == m_file.menu.end())
-            mismatch("menu selection", "an item of the menu", hexDigits(data));
+            mismatch("menu selection", "an item of the menu", cat::toHex(data));
         else
             begin(item->second);
     } else if (!resume(Step::Kind::Envelope, data)) {
-        mismatch("ENVELOPE", "none, or another one", hexDigits(data));
+        mismatch("ENVELOPE", "none, or another one", cat::toHex(data));
     }
     return done();
 }
@@ -345,7 +347,7 @@ Bytes PlayedCard::fetch(const Command &command)
 Bytes PlayedCard::terminalResponse(const Command &command)
 {
     if (!m_fetched) {
-        mismatch("TERMINAL RESPONSE", "none: no command was fetched", hexDigits(command.data));
+        mismatch("TERMINAL RESPONSE", "none: no command was fetched", cat::toHex(command.data));
         return words(Done);
     }
     m_fetched = false;
@@ -369,7 +371,7 @@ void PlayedCard::compare(const Play &play, ByteView got)
     for (const HexPattern &pattern : expected)
         wanted += (wanted.empty() ? "" : " or ") + pattern.text();
     ++m_steps[place(play)].mismatches;
-    mismatch(place(play), wanted.empty() ? "a reset" : wanted, hexDigits(got));
+    mismatch(place(play), wanted.empty() ? "a reset" : wanted, cat::toHex(got));
     m_play.reset();
 }
 

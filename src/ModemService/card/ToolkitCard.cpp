@@ -35,10 +35,11 @@ cat::Response responseWith(const cat::Command &command, cat::Result result)
 {
     cat::Response response;
     response.details = command.details;
-    // No window here shows icons.
-    const bool withoutIcon = result == cat::Result::Performed && command.hasIcon;
-    response.result =
-        static_cast<uint8_t>(withoutIcon ? cat::Result::PerformedWithoutIcon : result);
+    if (result == cat::Result::Performed && command.isPartial)
+        result = cat::Result::PerformedPartly;
+    else if (result == cat::Result::Performed && command.hasIcon)
+        result = cat::Result::PerformedWithoutIcon; // no window here shows icons
+    response.result = static_cast<uint8_t>(result);
     return response;
 }
 
@@ -55,6 +56,8 @@ std::string resultInWords(const cat::Response &response)
     switch (static_cast<cat::Result>(response.result)) {
     case cat::Result::Performed:
         return "performed";
+    case cat::Result::PerformedPartly:
+        return "performed with missing information";
     case cat::Result::PerformedWithoutIcon:
         return "performed, but the icon could not be displayed";
     case cat::Result::NoResponseFromUser:

@@ -48,21 +48,44 @@ char16_t extendedCharacter(uint8_t code)
     return found == std::end(Extensions) ? character(code) : found->character;
 }
 
+template <class CodeAt> void add(TextBuilder &text, size_t count, CodeAt codeAt)
+{
+    for (size_t i = 0; i < count; ++i) {
+        const uint8_t code = codeAt(i);
+        if (code != Escape)
+            text.add(character(code));
+        else if (++i < count)
+            text.add(extendedCharacter(codeAt(i)));
+        else
+            text.add(u' ');
+    }
+}
+
 } // namespace
 
-std::u16string fromDefaultAlphabet(ByteView codes)
+void addCodes(TextBuilder &text, ByteView codes)
 {
-    std::u16string text;
-    text.reserve(codes.size());
-    for (size_t i = 0; i < codes.size(); ++i) {
-        if (codes[i] != Escape)
-            text += character(codes[i]);
-        else if (++i < codes.size())
-            text += extendedCharacter(codes[i]);
-        else
-            text += u' ';
-    }
-    return text;
+    add(text, codes.size(), [codes](size_t i) { return codes[i]; });
+}
+
+void addPacked(TextBuilder &text, ByteView packed, size_t firstBit, size_t count)
+{
+    const size_t bits = packed.size() * 8;
+    const size_t there = firstBit < bits ? (bits - firstBit) / CodeBits : 0;
+    add(text, std::min(count, there), [packed, firstBit](size_t i) {
+        const size_t bit = firstBit + i * CodeBits;
+        const size_t byte = bit / 8;
+        const unsigned pair = packed[byte] | (byte + 1 < packed.size() ? packed[byte + 1] << 8 : 0);
+        return uint8_t(pair >> bit % 8 & 0x7f);
+    });
+}
+
+size_t countPacked(ByteView packed, uint8_t filler)
+{
+    const size_t count = packed.size() * 8 / CodeBits;
+    const bool filled =
+        count && packed.size() % CodeBits == 0 && packed[packed.size() - 1] >> 1 == filler;
+    return filled ? count - 1 : count;
 }
 
 std::optional<Bytes> toDefaultAlphabet(const std::u16string &text)
@@ -97,27 +120,6 @@ Bytes pack(ByteView codes)
             packed[bit / 8 + 1] |= uint8_t(shifted >> 8);
     }
     return packed;
-}
-
-Bytes unpack(ByteView packed)
-{
-    Bytes codes = unpack(packed, 0, SIZE_MAX);
-    if (packed.size() % CodeBits == 0 && !codes.empty() && codes.back() == 0)
-        codes.pop_back();
-    return codes;
-}
-
-Bytes unpack(ByteView packed, size_t firstBit, size_t count)
-{
-    const size_t bits = packed.size() * 8;
-    Bytes codes;
-    codes.reserve(std::min(count, bits / CodeBits));
-    for (size_t bit = firstBit; bit + CodeBits <= bits && codes.size() < count; bit += CodeBits) {
-        const size_t byte = bit / 8;
-        const unsigned pair = packed[byte] | (byte + 1 < packed.size() ? packed[byte + 1] << 8 : 0);
-        codes.push_back(pair >> bit % 8 & 0x7f);
-    }
-    return codes;
 }
 
 } // namespace cat

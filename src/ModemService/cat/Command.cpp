@@ -1,6 +1,8 @@
 #include "Command.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "CommandTable.h"
 #include "DataObject.h"
@@ -14,6 +16,40 @@ namespace {
 constexpr uint8_t ProactiveCommandTag = 0xd0; // clause 9.2
 // Three bytes are of use; more must leave room for the rest of the response that repeats them.
 constexpr size_t LongestDetails = 100;
+
+// What can be wrong with a command.  The first of these is the one that is told.
+enum class Fault {
+    NoCommand,
+    NoLength,
+    WrongLength,
+    NoDetails,
+    BadDetails,
+    UnknownType,
+    CutOff,
+    Missing,
+    NotUnderstood,
+    Malformed,
+    IconWithoutText,
+    Invalid,
+    Beyond,
+    None
+};
+
+Problem problemOf(Fault fault)
+{
+    switch (fault) {
+    case Fault::None:
+        return Problem::None;
+    case Fault::UnknownType:
+        return Problem::TypeNotUnderstood;
+    case Fault::Missing:
+        return Problem::ValuesMissing;
+    case Fault::Beyond:
+        return Problem::BeyondCapabilities;
+    default:
+        return Problem::DataNotUnderstood;
+    }
+}
 
 std::string describe(const DataObject &object)
 {
@@ -43,176 +79,228 @@ public:
     void decode(ByteView fetched);
 
 private:
-    void report(Problem problem, const std::string &reason);
-    ByteView open(ByteView fetched);
-    void checkObjects();
-    void readHead();
-    void readField(const CommandRow &row, const Field &field);
-    bool readValue(const Field &field, const Tlv &tlv);
-    void checkIcons(const CommandRow &row);
-    std::string label(const DataObject &object, size_t number) const;
+    struct Complaint {
+        Fault fault = Fault::None;
+        const DataObject *object = nullptr;
+        Tlv tlv{};
+        const char *text = "";
+    };
 
-    // The n-th data object of the kind, from 0.
-    std::optional<Tlv> find(const DataObject &object, size_t number = 0) const;
+    void report(const Complaint &complaint);
+    std::string reason() const;
+    bool open(ByteView fetched);
+    bool readDetails();
+    void readCommand();
+    void readObjects();
+    void readObject(const Tlv &tlv);
+    void readField(const Field &field, const Tlv &tlv);
+    bool isNeeded(const Field &field) const;
+    void checkPresence();
+    void checkIcons();
 
     Command &m_command;
+    const CommandRow *m_row = nullptr;
     ByteView m_objects;
     size_t m_offset = 0; // of the objects
+    size_t m_length = 0; // of the objects, as the command has it
+    bool m_seen[FieldCount] = {};
+    std::optional<Tlv> m_icons[2];
+    ByteView m_labels[2];
+    Complaint m_complaint;
 };
 
-// The first problem is the one that is told.
-void Decoder::report(Problem problem, const std::string &reason)
+void Decoder::report(const Complaint &complaint)
 {
-    if (m_command.problem != Problem::None)
-        return;
-    m_command.problem = problem;
-    m_command.reason = reason;
+    if (complaint.fault < m_complaint.fault)
+        m_complaint = complaint;
+}
+
+std::string Decoder::reason() const
+{
+    const auto &[fault, object, tlv, text] = m_complaint;
+    switch (fault) {
+    case Fault::NoCommand:
+        return "no proactive command: expected tag D0 at byte 0";
+    case Fault::NoLength:
+        return "length of the proactive command at byte 1: unreadable";
+    case Fault::WrongLength:
+        return "length of the proactive command at byte 1: " + std::to_string(m_length) + ", but " +
+            std::to_string(m_objects.size()) + " bytes follow";
+    case Fault::NoDetails:
+        return describe(Objects::CommandDetails) + ": missing";
+    case Fault::BadDetails:
+        return describe(Objects::CommandDetails) + ": malformed";
+    case Fault::UnknownType:
+        return "type of command " + hex(m_command.details.type) + ": unknown (clause 9.4)";
+    case Fault::CutOff:
+        return "data object" + at(tlv.offset) + ": runs past the end of the command";
+    case Fault::Missing:
+        return describe(*object) + ": missing, " + m_row->name + " needs it (clause " +
+            m_row->clause + ")";
+    case Fault::NotUnderstood:
+        return "data object with tag " + hex(tlv.tag) + at(tlv.offset) + ": none of " +
+            m_row->name + ", and must be understood";
+    case Fault::Malformed:
+        return describe(*object) + at(tlv.offset) + ": malformed";
+    case Fault::IconWithoutText:
+        return describe(Objects::IconIdentifier) + at(tlv.offset) + ": comes without a text";
+    case Fault::Invalid:
+        return text;
+    case Fault::Beyond:
+        return std::string(m_row->name) + ": beyond what this terminal does";
+    case Fault::None:
+        break;
+    }
+    return {};
 }
 
 // What lies in the outer data object, or as much of it as is there.
-ByteView Decoder::open(ByteView fetched)
+bool Decoder::open(ByteView fetched)
 {
     if (fetched.empty() || fetched[0] != ProactiveCommandTag) {
-        report(Problem::DataNotUnderstood, "no proactive command: expected tag D0 at byte 0");
-        return {};
+        report({Fault::NoCommand});
+        return false;
     }
     const auto length = readLength(fetched.part(1));
     if (!length) {
-        report(Problem::DataNotUnderstood, "length of the proactive command at byte 1: unreadable");
-        return {};
+        report({Fault::NoLength});
+        return false;
     }
     m_offset = 1 + length->bytes;
-    const ByteView objects = fetched.part(m_offset, length->value);
-    if (objects.size() != length->value)
-        report(Problem::DataNotUnderstood,
-               "length of the proactive command at byte 1: " + std::to_string(length->value) +
-                   ", but " + std::to_string(objects.size()) + " bytes follow");
-    return objects;
+    m_length = length->value;
+    m_objects = fetched.part(m_offset, m_length);
+    if (m_objects.size() != m_length)
+        report({Fault::WrongLength});
+    return true;
 }
 
-std::optional<Tlv> Decoder::find(const DataObject &object, size_t number) const
+bool Decoder::readDetails()
 {
     TlvReader reader(m_objects, m_offset);
-    while (const auto tlv = reader.next()) {
-        if (tlv->tag == object.tag && number-- == 0)
-            return tlv;
+    auto tlv = reader.next();
+    while (tlv && tlv->tag != Objects::CommandDetails.tag)
+        tlv = reader.next();
+    const bool readable = tlv && tlv->whole.size() <= LongestDetails &&
+        readCommandDetails(tlv->value, m_command.details);
+    if (readable)
+        m_command.details.object = tlv->whole.copy();
+    else
+        report({tlv ? Fault::BadDetails : Fault::NoDetails});
+    return readable;
+}
+
+bool Decoder::isNeeded(const Field &field) const
+{
+    return field.mandatory.holds(m_command.details.qualifier);
+}
+
+void Decoder::readField(const Field &field, const Tlv &tlv)
+{
+    const size_t number = field.which == Which::Second;
+    if (field.object == m_row->label)
+        m_labels[number] = tlv.value;
+    if (field.read(tlv.value, m_command)) {
+        if (field.object == &Objects::IconIdentifier)
+            m_icons[number] = tlv;
+    } else if (tlv.required || isNeeded(field)) {
+        report({Fault::Malformed, field.object, tlv});
+    } else {
+        m_command.isPartial = true;
     }
-    return std::nullopt;
 }
 
-// Clause 6.10: what is not known is passed over, unless it says that it must be understood.
-void Decoder::checkObjects()
+// Clause 6.10: what is none of the command's is passed over, unless it must be understood.  Of
+// several of a kind the first ones count.
+void Decoder::readObject(const Tlv &tlv)
 {
-    TlvReader reader(m_objects, m_offset);
-    while (const auto tlv = reader.next()) {
-        if (tlv->required && !isKnownTag(tlv->tag))
-            report(Problem::DataNotUnderstood,
-                   "data object with tag " + hex(tlv->tag) + at(tlv->offset) +
-                       ": unknown, and must be understood");
-    }
-    if (!reader.atEnd())
-        report(Problem::DataNotUnderstood,
-               "data object" + at(reader.offset()) + ": runs past the end of the command");
-}
-
-void Decoder::readHead()
-{
-    const auto details = find(Objects::CommandDetails);
-    const bool readable = details && details->whole.size() <= LongestDetails &&
-        Objects::CommandDetails.read(details->value, m_command.details);
-    if (!readable) {
-        report(Problem::DataNotUnderstood,
-               describe(Objects::CommandDetails) + (details ? ": malformed" : ": missing"));
-        return;
-    }
-    m_command.details.object = details->whole.copy();
-}
-
-bool Decoder::readValue(const Field &field, const Tlv &tlv)
-{
-    if (field.read(tlv.value, m_command))
-        return true;
-    if (field.presence == Presence::Mandatory || tlv.required)
-        report(Problem::DataNotUnderstood,
-               describe(*field.object) + at(tlv.offset) + ": malformed");
-    return false;
-}
-
-void Decoder::readField(const CommandRow &row, const Field &field)
-{
-    size_t number = 0;
-    TlvReader reader(m_objects, m_offset);
-    while (const auto tlv = reader.next()) {
-        if (tlv->tag != field.object->tag)
+    bool known = tlv.tag == Objects::CommandDetails.tag;
+    for (size_t i = 0; i < FieldCount && m_row->fields[i].object; ++i) {
+        const Field &field = m_row->fields[i];
+        if (field.object->tag != tlv.tag)
             continue;
-        const size_t found = number++;
-        if (field.which == Which::Every)
-            readValue(field, *tlv);
-        else if (found == size_t(field.which)) {
-            readValue(field, *tlv);
+        if (field.which == Which::Every || !m_seen[i]) {
+            m_seen[i] = true;
+            readField(field, tlv);
             return;
         }
+        known = true;
     }
-    if (number == 0 && field.presence == Presence::Mandatory)
-        report(Problem::ValuesMissing,
-               describe(*field.object) + ": missing, " + row.name + " needs it (clause " +
-                   row.clause + ")");
+    if (known || m_row->hasBesides(tlv.tag))
+        return;
+    if (tlv.required)
+        report({Fault::NotUnderstood, nullptr, tlv});
+    else
+        m_command.isPartial = true;
 }
 
-std::string Decoder::label(const DataObject &object, size_t number) const
+void Decoder::readObjects()
 {
-    const auto tlv = find(object, number);
-    if (!tlv)
-        return {};
-    const bool isTextString = object.tag == Objects::TextString.tag;
-    return isTextString ? decodeTextString(tlv->value) : decodeAlpha(tlv->value);
+    TlvReader reader(m_objects, m_offset);
+    while (const auto tlv = reader.next()) {
+        m_command.hasIcon |= tlv->tag == Objects::IconIdentifier.tag ||
+            tlv->tag == Objects::ItemIconIdentifierList.tag;
+        readObject(*tlv);
+    }
+    if (!reader.atEnd()) {
+        Tlv rest;
+        rest.offset = reader.offset();
+        report({Fault::CutOff, nullptr, rest});
+    }
 }
 
-// Clause 6.5.4: an icon that does not explain itself goes with a text.
-void Decoder::checkIcons(const CommandRow &row)
+void Decoder::checkPresence()
 {
-    for (size_t number = 0; number < 2; ++number) {
-        const auto tlv = find(Objects::IconIdentifier, number);
+    for (size_t i = 0; i < FieldCount && m_row->fields[i].object; ++i) {
+        const Field &field = m_row->fields[i];
+        if (!m_seen[i] && isNeeded(field))
+            report({Fault::Missing, field.object});
+    }
+}
+
+// Clause 6.5.4.
+void Decoder::checkIcons()
+{
+    for (const size_t number : {0, 1}) {
         IconIdentifier icon;
-        if (!tlv || !readIcon(tlv->value, icon) || icon.selfExplanatory)
+        if (!m_icons[number])
             continue;
-        if (label(*row.label, number).empty())
-            report(Problem::DataNotUnderstood,
-                   describe(Objects::IconIdentifier) + at(tlv->offset) +
-                       ": not self-explanatory, and there is no text");
+        readIcon(m_icons[number]->value, icon);
+        if (icon.selfExplanatory && m_row->iconText == IconText::UnlessSelfExplanatory)
+            continue;
+        const bool isTextString = m_row->label == &Objects::TextString;
+        const ByteView label = m_labels[number];
+        if ((isTextString ? decodeTextString(label) : decodeAlpha(label)).empty())
+            report({Fault::IconWithoutText, nullptr, *m_icons[number]});
     }
 }
 
 void Decoder::decode(ByteView fetched)
 {
-    m_objects = open(fetched);
-    readHead();
-    if (m_command.details.object.empty()) {
+    if (open(fetched) && readDetails())
+        readCommand();
+    if (m_command.details.object.empty())
         m_command.details.object = {0x81, 0x03, 0x00, 0x00, 0x00};
+    m_command.problem = problemOf(m_complaint.fault);
+    if (m_command.problem != Problem::None)
+        m_command.reason = reason();
+}
+
+void Decoder::readCommand()
+{
+    m_row = findCommand(m_command.details.type);
+    if (!m_row) {
+        report({Fault::UnknownType});
         return;
     }
-    const CommandRow *row = findCommand(m_command.details.type);
-    if (!row) {
-        report(Problem::TypeNotUnderstood,
-               "type of command " + hex(m_command.details.type) + ": unknown (clause 9.4)");
-        return;
-    }
-    m_command.name = row->name;
-    m_command.hasIcon = find(Objects::IconIdentifier) || find(Objects::ItemIconIdentifierList);
-    row->create(m_command.body);
-    checkObjects();
-    readField(*row, DevicesField);
-    for (const Field *field = row->fields; field->object; ++field)
-        readField(*row, *field);
-    if (row->label)
-        checkIcons(*row);
-    if (row->check) {
-        const Finding finding = row->check(m_command);
-        report(finding.problem, finding.reason);
-    }
+    m_command.name = m_row->name;
+    m_row->create(m_command.body);
+    readObjects();
+    checkPresence();
+    checkIcons();
+    if (const char *text = m_row->check ? m_row->check(m_command) : nullptr)
+        report({Fault::Invalid, nullptr, {}, text});
     if (std::holds_alternative<OtherCommand>(m_command.body))
-        report(Problem::BeyondCapabilities,
-               std::string(row->name) + ": beyond what this terminal does");
+        report({Fault::Beyond});
 }
 
 } // namespace

@@ -164,6 +164,9 @@ struct Command {
     CommandDetails details;
     std::optional<DeviceIdentities> devices;
     const char *name = "UNKNOWN COMMAND"; ///< in the standard, e.g. "DISPLAY TEXT"
+    /// Something in it was passed over: not of this command, or malformed and no matter
+    /// (clause 6.10).
+    bool isPartial = false;
     bool hasIcon = false; ///< it comes with an icon, or its items do (clauses 8.31 and 8.32)
     Problem problem = Problem::None;
     std::string

@@ -81,24 +81,25 @@ bool intoShortMessage(ByteView bytes, Command &command)
     return true;
 }
 
-template <const auto &Object, auto Member> constexpr Field mandatory(Which which = Which::First)
+template <const auto &Object, auto Member>
+constexpr Field mandatory(Condition condition = Always, Which which = Which::First)
 {
-    return {&Object, into<Object, Member>, Presence::Mandatory, which};
+    return {&Object, into<Object, Member>, condition, which};
 }
 
 template <const auto &Object, auto Member> constexpr Field optional(Which which = Which::First)
 {
-    return {&Object, into<Object, Member>, Presence::Optional, which};
+    return {&Object, into<Object, Member>, Never, which};
 }
 
 template <const auto &Object> constexpr Field mandatory()
 {
-    return {&Object, nowhere<Object>, Presence::Mandatory, Which::First};
+    return {&Object, nowhere<Object>, Always, Which::First};
 }
 
 template <const auto &Object> constexpr Field optional(Which which = Which::First)
 {
-    return {&Object, nowhere<Object>, Presence::Optional, which};
+    return {&Object, nowhere<Object>, Never, which};
 }
 
 template <class Type> void make(Body &body)
@@ -108,78 +109,87 @@ template <class Type> void make(Body &body)
 
 // What the clauses ask for beyond a row.
 
-Finding checkDisplayText(Command &command)
+const char *checkDisplayText(Command &command)
 {
-    if (std::get<DisplayText>(command.body).text.empty())
-        return {Problem::DataNotUnderstood, "text string (clause 8.15): empty"};
-    return {};
+    const bool empty = std::get<DisplayText>(command.body).text.empty();
+    return empty ? "text string (clause 8.15): empty" : nullptr;
 }
 
-bool isNull(const Item &item)
+// False where there is none.
+bool takeNullItems(std::vector<Item> &items)
 {
-    return item.id == 0;
+    const auto isNull = [](const Item &item) { return item.id == 0; };
+    const auto end = std::remove_if(items.begin(), items.end(), isNull);
+    const bool any = end != items.end();
+    items.erase(end, items.end());
+    return any;
 }
 
-bool hasNullItem(const std::vector<Item> &items)
-{
-    return std::any_of(items.begin(), items.end(), isNull);
-}
-
-constexpr Finding NullItem{Problem::DataNotUnderstood, "item (clause 8.9): null"};
+constexpr const char *NullItem = "item (clause 8.9): null";
 
 // Clause 6.6.7: a single null item takes the menu away.
-Finding checkSetUpMenu(Command &command)
+const char *checkSetUpMenu(Command &command)
 {
     auto &items = std::get<SetUpMenu>(command.body).menu.items;
-    if (!hasNullItem(items))
-        return {};
     const bool single = items.size() == 1;
-    items.erase(std::remove_if(items.begin(), items.end(), isNull), items.end());
-    return single ? Finding{} : NullItem;
+    return takeNullItems(items) && !single ? NullItem : nullptr;
 }
 
-Finding checkSelectItem(Command &command)
+const char *checkSelectItem(Command &command)
 {
-    auto &items = std::get<SelectItem>(command.body).menu.items;
-    if (!hasNullItem(items))
-        return {};
-    items.erase(std::remove_if(items.begin(), items.end(), isNull), items.end());
-    return NullItem;
+    return takeNullItems(std::get<SelectItem>(command.body).menu.items) ? NullItem : nullptr;
 }
 
-// Clause 6.4.7: the card says what changed.
-Finding checkRefresh(Command &command)
-{
-    constexpr uint8_t FileChange = 0x01;
-    if (command.details.qualifier == FileChange && std::get<Refresh>(command.body).files.empty())
-        return {Problem::ValuesMissing, "file list (clause 8.18): missing"};
-    return {};
-}
+// What the qualifier asks for, clause 8.6.
+constexpr Condition FileChange{0xff, 0x01}; // REFRESH
+constexpr Condition OneLanguage{0x01, 0x01}; // LANGUAGE NOTIFICATION
+constexpr Condition TimerStart{0x03, 0x00}; // TIMER MANAGEMENT
 
-// Clause 6.6.25: a notification of one language names it.
-Finding checkLanguage(Command &command)
-{
-    constexpr uint8_t Specific = 0x01;
-    if (command.details.qualifier & Specific &&
-        std::get<LanguageNotification>(command.body).language.empty())
-        return {Problem::ValuesMissing, "language (clause 8.45): missing"};
-    return {};
-}
-
-// Clause 6.6.21.
-Finding checkTimer(Command &command)
-{
-    constexpr uint8_t Action = 0x03;
-    constexpr uint8_t Start = 0x00;
-    if ((command.details.qualifier & Action) == Start &&
-        !std::get<TimerManagement>(command.body).value)
-        return {Problem::ValuesMissing, "timer value (clause 8.38): missing"};
-    return {};
-}
+// Tags that nobody here reads, clause 9.3.
+enum : uint8_t {
+    Capabilities = 0x07,
+    Subaddress = 0x08,
+    NextActions = 0x18,
+    Aid = 0x2f,
+    BrowserIdentity = 0x30,
+    Bearer = 0x32,
+    ProvisioningFile = 0x33,
+    BearerDescription = 0x35,
+    BufferSize = 0x39,
+    RefreshPolicy = 0x3a,
+    TransportLevel = 0x3c,
+    OtherAddress = 0x3e,
+    ServiceRecord = 0x41,
+    DeviceFilter = 0x42,
+    ServiceSearch = 0x43,
+    AttributeInformation = 0x44,
+    NetworkAccessName = 0x47,
+    CdmaMessage = 0x48,
+    RemoteAddress = 0x49,
+    TextAttribute = 0x50,
+    ItemTextAttributes = 0x51,
+    ContactlessRequest = 0x53,
+    ContactlessState = 0x54,
+    FrameLayout = 0x66,
+    Frames = 0x67,
+    Frame = 0x68,
+    UtranQualifier = 0x69,
+    MessageReference = 0x6a,
+    MessageIdentifier = 0x6b,
+    MessageContent = 0x6e,
+    Networks = 0x72,
+    LocationParameters = 0x76,
+    GadShapes = 0x77,
+    NmeaSentence = 0x78,
+    ActivateDescriptor = 0x7b
+};
 
 using namespace Objects;
 constexpr Which Second = Which::Second;
 constexpr Which Every = Which::Every;
+
+// Which every command has.
+constexpr Field Devices = mandatory<Objects::DeviceIdentities, &Command::devices>();
 
 // A row is a command: type, structure (mandatory and optional data objects), and what it becomes.
 // What the standard has and this terminal does not do becomes an OtherCommand, its data objects
@@ -189,192 +199,264 @@ constexpr CommandRow Commands[] = {
      "REFRESH",
      "6.6.13",
      make<cat::Refresh>,
-     {optional<FileList, &Refresh::files>(), optional<AlphaIdentifier>(),
+     {Devices, mandatory<FileList, &Refresh::files>(FileChange), optional<AlphaIdentifier>(),
       optional<Objects::IconIdentifier>()},
-     &AlphaIdentifier,
-     checkRefresh},
-    {0x02, "MORE TIME", "6.6.4", make<MoreTime>, {}},
+     {Aid, RefreshPolicy, Networks, TextAttribute, Frame},
+     &AlphaIdentifier},
+    {0x02, "MORE TIME", "6.6.4", make<MoreTime>, {Devices}},
     {0x03,
      "POLL INTERVAL",
      "6.6.6",
      make<PollInterval>,
-     {mandatory<Objects::Duration, &PollInterval::duration>()}},
-    {0x04, "POLLING OFF", "6.6.14", make<PollingOff>, {}},
+     {Devices, mandatory<Objects::Duration, &PollInterval::duration>()}},
+    {0x04, "POLLING OFF", "6.6.14", make<PollingOff>, {Devices}},
     {0x05,
      "SET UP EVENT LIST",
      "6.6.16",
      make<SetUpEventList>,
-     {mandatory<EventList, &SetUpEventList::events>()}},
+     {Devices, mandatory<EventList, &SetUpEventList::events>()}},
     {0x10,
      "SET UP CALL",
      "6.6.12",
      make<SetUpCall>,
-     {optional<AlphaIdentifier, &SetUpCall::confirmation>(),
+     {Devices, optional<AlphaIdentifier, &SetUpCall::confirmation>(),
       mandatory<Address, &SetUpCall::address>(), optional<Objects::Duration>(),
       optional<Objects::IconIdentifier>(), optional<AlphaIdentifier, &SetUpCall::setUp>(Second),
       optional<Objects::IconIdentifier>(Second)},
+     {Capabilities, Subaddress, TextAttribute, Frame},
      &AlphaIdentifier},
     {0x11,
      "SEND SS",
      "6.6.10",
      make<SendSs>,
-     {optional<AlphaIdentifier, &SendSs::alpha>(), mandatory<SsString, &SendSs::code>(),
+     {Devices, optional<AlphaIdentifier, &SendSs::alpha>(), mandatory<SsString, &SendSs::code>(),
       optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x12,
      "SEND USSD",
      "6.6.11",
      make<SendUssd>,
-     {optional<AlphaIdentifier, &SendUssd::alpha>(), mandatory<UssdString, &SendUssd::code>(),
-      optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier, &SendUssd::alpha>(),
+      mandatory<UssdString, &SendUssd::code>(), optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x13,
      "SEND SHORT MESSAGE",
      "6.6.9",
      make<SendShortMessage>,
-     {optional<AlphaIdentifier, &SendShortMessage::alpha>(),
+     {Devices,
+      optional<AlphaIdentifier, &SendShortMessage::alpha>(),
       optional<Address>(),
-      {&SmsTpdu, intoShortMessage, Presence::Mandatory},
+      {&SmsTpdu, intoShortMessage, Always},
       optional<Objects::IconIdentifier>()},
+     {CdmaMessage, TextAttribute, Frame},
      &AlphaIdentifier},
     {0x14,
      "SEND DTMF",
      "6.6.24",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), mandatory<DtmfString>(), optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier>(), mandatory<DtmfString>(),
+      optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x15,
      "LAUNCH BROWSER",
      "6.6.26",
      make<LaunchBrowser>,
-     {mandatory<Url, &LaunchBrowser::url>(), optional<AlphaIdentifier, &LaunchBrowser::alpha>(),
-      optional<Objects::IconIdentifier>()},
+     {Devices, mandatory<Url, &LaunchBrowser::url>(),
+      optional<AlphaIdentifier, &LaunchBrowser::alpha>(), optional<Objects::IconIdentifier>()},
+     {BrowserIdentity, Bearer, ProvisioningFile, NetworkAccessName, TextString.tag, TextAttribute,
+      Frame},
      &AlphaIdentifier},
-    {0x16, "GEOGRAPHICAL LOCATION REQUEST", "3GPP TS 31.111", make<OtherCommand>, {}},
+    {0x16,
+     "GEOGRAPHICAL LOCATION REQUEST",
+     "3GPP TS 31.111",
+     make<OtherCommand>,
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {LocationParameters, GadShapes, NmeaSentence, TextAttribute, Frame},
+     &AlphaIdentifier},
     {0x20,
      "PLAY TONE",
      "6.6.5",
      make<PlayTone>,
-     {optional<AlphaIdentifier, &PlayTone::alpha>(), optional<Tone, &PlayTone::tone>(),
+     {Devices, optional<AlphaIdentifier, &PlayTone::alpha>(), optional<Tone, &PlayTone::tone>(),
       optional<Objects::Duration, &PlayTone::duration>(), optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x21,
      "DISPLAY TEXT",
      "6.6.1",
      make<DisplayText>,
-     {mandatory<TextString, &DisplayText::text>(), optional<Objects::IconIdentifier>(),
+     {Devices, mandatory<TextString, &DisplayText::text>(), optional<Objects::IconIdentifier>(),
       optional<ImmediateResponse, &DisplayText::immediateResponse>(),
       optional<Objects::Duration, &DisplayText::duration>()},
+     {TextAttribute, Frame},
      &TextString,
      checkDisplayText},
     {0x22,
      "GET INKEY",
      "6.6.2",
      make<GetInkey>,
-     {mandatory<TextString, &GetInkey::text>(), optional<Objects::IconIdentifier>(),
+     {Devices, mandatory<TextString, &GetInkey::text>(), optional<Objects::IconIdentifier>(),
       optional<Objects::Duration, &GetInkey::duration>()},
+     {TextAttribute, Frame},
      &TextString},
     {0x23,
      "GET INPUT",
      "6.6.3",
      make<GetInput>,
-     {mandatory<TextString, &GetInput::text>(),
-      {&Objects::ResponseLength, intoLimits, Presence::Mandatory},
+     {Devices,
+      mandatory<TextString, &GetInput::text>(),
+      {&Objects::ResponseLength, intoLimits, Always},
       optional<DefaultText, &GetInput::defaultText>(),
       optional<Objects::IconIdentifier>()},
+     {Objects::Duration.tag, TextAttribute, Frame},
      &TextString},
     {0x24,
      "SELECT ITEM",
      "6.6.8",
      make<SelectItem>,
-     {optional<AlphaIdentifier, &Menu::title>(), mandatory<Objects::Item, &Menu::items>(Every),
+     {Devices, optional<AlphaIdentifier, &Menu::title>(),
+      mandatory<Objects::Item, &Menu::items>(Always, Every),
       optional<ItemIdentifier, &SelectItem::defaultItem>(), optional<Objects::IconIdentifier>()},
+     {NextActions, ItemIconIdentifierList.tag, ItemTextAttributes, TextAttribute, Frame},
      &AlphaIdentifier,
      checkSelectItem},
     {0x25,
      "SET UP MENU",
      "6.6.7",
      make<SetUpMenu>,
-     {mandatory<AlphaIdentifier, &Menu::title>(), mandatory<Objects::Item, &Menu::items>(Every),
-      optional<Objects::IconIdentifier>()},
+     {Devices, mandatory<AlphaIdentifier, &Menu::title>(),
+      mandatory<Objects::Item, &Menu::items>(Always, Every), optional<Objects::IconIdentifier>()},
+     {NextActions, ItemIconIdentifierList.tag, ItemTextAttributes, TextAttribute},
      &AlphaIdentifier,
      checkSetUpMenu},
-    {0x26, "PROVIDE LOCAL INFORMATION", "6.6.15", make<ProvideLocalInformation>, {}},
+    {0x26,
+     "PROVIDE LOCAL INFORMATION",
+     "6.6.15",
+     make<ProvideLocalInformation>,
+     {Devices},
+     {UtranQualifier}},
     {0x27,
      "TIMER MANAGEMENT",
      "6.6.21",
      make<TimerManagement>,
-     {mandatory<TimerIdentifier, &TimerManagement::timer>(),
-      optional<TimerValue, &TimerManagement::value>()},
-     nullptr,
-     checkTimer},
+     {Devices, mandatory<TimerIdentifier, &TimerManagement::timer>(),
+      mandatory<TimerValue, &TimerManagement::value>(TimerStart)}},
     {0x28,
      "SET UP IDLE MODE TEXT",
      "6.6.22",
      make<SetUpIdleModeText>,
-     {mandatory<TextString, &SetUpIdleModeText::text>(), optional<Objects::IconIdentifier>()},
-     &TextString},
-    {0x30, "PERFORM CARD APDU", "6.6.17", make<OtherCommand>, {mandatory<CommandApdu>()}},
-    {0x31, "POWER ON CARD", "6.6.19", make<OtherCommand>, {}},
-    {0x32, "POWER OFF CARD", "6.6.18", make<OtherCommand>, {}},
-    {0x33, "GET READER STATUS", "6.6.20", make<OtherCommand>, {}},
+     {Devices, mandatory<TextString, &SetUpIdleModeText::text>(),
+      optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
+     &TextString,
+     nullptr,
+     IconText::UnlessSelfExplanatory},
+    {0x30, "PERFORM CARD APDU", "6.6.17", make<OtherCommand>, {Devices, mandatory<CommandApdu>()}},
+    {0x31, "POWER ON CARD", "6.6.19", make<OtherCommand>, {Devices}},
+    {0x32, "POWER OFF CARD", "6.6.18", make<OtherCommand>, {Devices}},
+    {0x33, "GET READER STATUS", "6.6.20", make<OtherCommand>, {Devices}},
     {0x34,
      "RUN AT COMMAND",
      "6.6.23",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), mandatory<AtCommand>(), optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier>(), mandatory<AtCommand>(),
+      optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x35,
      "LANGUAGE NOTIFICATION",
      "6.6.25",
      make<LanguageNotification>,
-     {optional<Language, &LanguageNotification::language>()},
-     nullptr,
-     checkLanguage},
+     {Devices, mandatory<Language, &LanguageNotification::language>(OneLanguage)}},
     {0x40,
      "OPEN CHANNEL",
      "6.6.27",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {Address.tag, Subaddress, Objects::Duration.tag, TextString.tag, BearerDescription, BufferSize,
+      TransportLevel, OtherAddress, NetworkAccessName, RemoteAddress, TextAttribute, Frame},
      &AlphaIdentifier},
     {0x41,
      "CLOSE CHANNEL",
      "6.6.28",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x42,
      "RECEIVE DATA",
      "6.6.29",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), mandatory<ChannelDataLength>(),
+     {Devices, optional<AlphaIdentifier>(), mandatory<ChannelDataLength>(),
       optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
     {0x43,
      "SEND DATA",
      "6.6.30",
      make<OtherCommand>,
-     {optional<AlphaIdentifier>(), mandatory<ChannelData>(), optional<Objects::IconIdentifier>()},
+     {Devices, optional<AlphaIdentifier>(), mandatory<ChannelData>(),
+      optional<Objects::IconIdentifier>()},
+     {TextAttribute, Frame},
      &AlphaIdentifier},
-    {0x44, "GET CHANNEL STATUS", "6.6.31", make<OtherCommand>, {}},
-    {0x45, "SERVICE SEARCH", "6.6.32", make<OtherCommand>, {}},
-    {0x46, "GET SERVICE INFORMATION", "6.6.33", make<OtherCommand>, {}},
-    {0x47, "DECLARE SERVICE", "6.6.34", make<OtherCommand>, {}},
-    {0x50, "SET FRAMES", "6.6.35", make<OtherCommand>, {}},
-    {0x51, "GET FRAMES STATUS", "6.6.36", make<OtherCommand>, {}},
-    {0x60, "RETRIEVE MULTIMEDIA MESSAGE", "6.6.37", make<OtherCommand>, {}},
-    {0x61, "SUBMIT MULTIMEDIA MESSAGE", "6.6.38", make<OtherCommand>, {}},
-    {0x62, "DISPLAY MULTIMEDIA MESSAGE", "6.6.39", make<OtherCommand>, {}},
-    {0x70, "ACTIVATE", "6.6.40", make<OtherCommand>, {}},
-    {0x71, "CONTACTLESS STATE CHANGED", "6.6.41", make<OtherCommand>, {}},
-    {0x72, "COMMAND CONTAINER", "6.6.42", make<OtherCommand>, {}},
-    {0x73, "ENCAPSULATED SESSION CONTROL", "6.6.43", make<OtherCommand>, {}},
+    {0x44, "GET CHANNEL STATUS", "6.6.31", make<OtherCommand>, {Devices}},
+    {0x45,
+     "SERVICE SEARCH",
+     "6.6.32",
+     make<OtherCommand>,
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {ServiceSearch, DeviceFilter, TextAttribute, Frame},
+     &AlphaIdentifier},
+    {0x46,
+     "GET SERVICE INFORMATION",
+     "6.6.33",
+     make<OtherCommand>,
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {AttributeInformation, TextAttribute, Frame},
+     &AlphaIdentifier},
+    {0x47,
+     "DECLARE SERVICE",
+     "6.6.34",
+     make<OtherCommand>,
+     {Devices},
+     {ServiceRecord, TransportLevel}},
+    {0x50, "SET FRAMES", "6.6.35", make<OtherCommand>, {Devices}, {Frame, Frames, FrameLayout}},
+    {0x51, "GET FRAMES STATUS", "6.6.36", make<OtherCommand>, {Devices}},
+    {0x60,
+     "RETRIEVE MULTIMEDIA MESSAGE",
+     "6.6.37",
+     make<OtherCommand>,
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {MessageReference, MessageIdentifier, MessageContent, FileList.tag, TextAttribute, Frame},
+     &AlphaIdentifier},
+    {0x61,
+     "SUBMIT MULTIMEDIA MESSAGE",
+     "6.6.38",
+     make<OtherCommand>,
+     {Devices, optional<AlphaIdentifier>(), optional<Objects::IconIdentifier>()},
+     {MessageReference, MessageIdentifier, FileList.tag, TextAttribute, Frame},
+     &AlphaIdentifier},
+    {0x62,
+     "DISPLAY MULTIMEDIA MESSAGE",
+     "6.6.39",
+     make<OtherCommand>,
+     {Devices},
+     {MessageIdentifier, MessageContent, FileList.tag, ImmediateResponse.tag, Frame}},
+    {0x70, "ACTIVATE", "6.6.40", make<OtherCommand>, {Devices}, {ActivateDescriptor}},
+    {0x71,
+     "CONTACTLESS STATE CHANGED",
+     "6.6.41",
+     make<OtherCommand>,
+     {Devices},
+     {ContactlessRequest, ContactlessState}},
+    {0x72, "COMMAND CONTAINER", "6.6.42", make<OtherCommand>, {Devices}},
+    {0x73, "ENCAPSULATED SESSION CONTROL", "6.6.43", make<OtherCommand>, {Devices}},
 };
 
 } // namespace
-
-constexpr Field Devices = mandatory<Objects::DeviceIdentities, &Command::devices>();
-const Field DevicesField = Devices;
 
 const CommandRow *findCommand(uint8_t type)
 {

@@ -22,10 +22,8 @@ struct IconIdentifier {
     bool selfExplanatory = false; ///< the icon takes the place of the text
 };
 
-/// Whether the standard has the tag.
-bool isKnownTag(unsigned tag);
-
-/// A data object whose value is read; false for a value that is malformed.
+/// A data object whose value is read; false for a value that is malformed.  Bytes behind those that
+/// the standard has are passed over.
 template <class Value> struct ReadableObject : DataObject {
     bool (*read)(ByteView bytes, Value &value);
 };
@@ -59,9 +57,10 @@ bool readLanguage(ByteView bytes, std::string &language);
 bool readUrl(ByteView bytes, std::string &url);
 bool readByte(ByteView bytes, uint8_t &value);
 bool readBytes(ByteView bytes, Bytes &value);
+bool readFileList(ByteView bytes, Bytes &files);
 bool readPresence(ByteView bytes, bool &there);
 
-/// The data objects that are read; all others of the standard are known, and passed over.
+/// The data objects that are read.
 namespace Objects {
 
 inline constexpr ReadableObject<cat::CommandDetails> CommandDetails{
@@ -84,7 +83,7 @@ inline constexpr ReadableObject<uint8_t> ItemIdentifier{{0x10, "8.10", "item ide
                                                         readByte};
 inline constexpr ReadableObject<cat::ResponseLength> ResponseLength{
     {0x11, "8.11", "response length"}, readResponseLength};
-inline constexpr ReadableObject<Bytes> FileList{{0x12, "8.18", "file list"}, readBytes};
+inline constexpr ReadableObject<Bytes> FileList{{0x12, "8.18", "file list"}, readFileList};
 inline constexpr ReadableObject<std::string> DefaultText{{0x17, "8.23", "default text"},
                                                          readTextString};
 inline constexpr ReadableObject<Bytes> EventList{{0x19, "8.25", "event list"}, readBytes};

@@ -19,6 +19,7 @@ namespace cat {
 /// General results, clause 8.12.
 enum class Result : uint8_t {
     Performed = 0x00,
+    PerformedPartly = 0x02, ///< with missing information: something was passed over (clause 6.10)
     PerformedWithoutIcon = 0x04, ///< its icon could not be displayed (clause 6.5.4)
     TerminatedByUser = 0x10,
     BackwardMove = 0x11,

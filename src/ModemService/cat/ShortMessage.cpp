@@ -51,6 +51,13 @@ size_t validityPeriodBytes(uint8_t first)
     return Bytes[first >> 3 & 0x03];
 }
 
+std::string fromPacked(ByteView packed, size_t firstBit, size_t count)
+{
+    TextBuilder text(packed.size());
+    addPacked(text, packed, firstBit, count);
+    return text.take();
+}
+
 // Clause 9.1.2.5: the count is of semi-octets.
 std::string destination(ByteView bytes, size_t count)
 {
@@ -58,7 +65,7 @@ std::string destination(ByteView bytes, size_t count)
         return {};
     if ((bytes[0] & TypeOfNumber) != Alphanumeric)
         return decodeNumber(bytes, count);
-    return toUtf8WithoutZeros(fromDefaultAlphabet(unpack(bytes.part(1), 0, count * 4 / 7)));
+    return fromPacked(bytes.part(1), 0, count * 4 / 7);
 }
 
 // Clause 9.2.3.24; the length is in codes where they are packed, else in bytes, header included.
@@ -70,8 +77,7 @@ std::string userData(ByteView data, size_t length, TextCoding coding, bool hasHe
     const size_t headerCodes = (header * 8 + 6) / 7; // text begins with a whole code
     if (headerCodes >= length)
         return {};
-    return toUtf8WithoutZeros(
-        fromDefaultAlphabet(unpack(data, headerCodes * 7, length - headerCodes)));
+    return fromPacked(data, headerCodes * 7, length - headerCodes);
 }
 
 } // namespace

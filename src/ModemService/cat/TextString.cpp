@@ -11,7 +11,6 @@ namespace cat {
 namespace {
 
 constexpr char16_t Unknown = u'\ufffd';
-constexpr char16_t Padding = u'\uffff';
 
 // Bits 4 and 3 of the general data coding groups; the fourth value is reserved and read as the
 // first.
@@ -33,48 +32,50 @@ TextCoding dataOrPacked(uint8_t scheme)
 }
 
 // Most significant byte first; an odd byte at the end is no character.
-std::u16string fromUcs2(ByteView bytes)
+std::string fromUcs2(ByteView bytes)
 {
-    std::u16string text(bytes.size() / 2, u'\0');
-    for (size_t i = 0; i < text.size(); ++i)
-        text[i] = char16_t(bytes[2 * i] << 8 | bytes[2 * i + 1]);
-    return text;
+    TextBuilder text(bytes.size() / 2 * 3);
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
+        text.add(char16_t(bytes[i] << 8 | bytes[i + 1]));
+    return text.take();
+}
+
+// A byte a character.
+std::string fromCodes(ByteView codes)
+{
+    TextBuilder text(codes.size());
+    addCodes(text, codes);
+    return text.take();
 }
 
 // ETSI TS 102 221 annex A, codings 0x81 and 0x82: bytes from 80 on are offsets from a base, the
 // others default alphabet.
-std::u16string fromHalfPage(ByteView bytes, unsigned base)
+std::string fromHalfPage(ByteView bytes, unsigned base)
 {
-    std::u16string text;
+    TextBuilder text(bytes.size() * 3);
     for (size_t i = 0; i < bytes.size();) {
         if (bytes[i] >= 0x80) {
             const unsigned code = base + (bytes[i++] & 0x7f);
-            text += code > 0xffff ? Unknown : char16_t(code);
+            text.add(code > 0xffff ? Unknown : char16_t(code));
             continue;
         }
         const auto isOffset = [](uint8_t byte) { return byte >= 0x80; };
         const auto end = std::find_if(bytes.begin() + i, bytes.end(), isOffset);
         const size_t length = size_t(end - bytes.begin()) - i;
-        text += fromDefaultAlphabet(bytes.part(i, length));
+        addCodes(text, bytes.part(i, length));
         i += length;
     }
-    return text;
+    return text.take();
 }
 
-std::u16string fromPaddedUcs2(ByteView bytes)
+// Without the bytes FF at its end, of which `unit` together are one.
+ByteView withoutPadding(ByteView bytes, size_t unit)
 {
-    std::u16string text = fromUcs2(bytes);
-    while (!text.empty() && text.back() == Padding)
-        text.pop_back();
-    return text;
-}
-
-std::u16string fromPaddedDefaultAlphabet(ByteView bytes)
-{
-    size_t size = bytes.size();
-    while (size && bytes[size - 1] == 0xff)
-        --size;
-    return fromDefaultAlphabet(bytes.part(0, size));
+    const auto isPadding = [](uint8_t byte) { return byte == 0xff; };
+    size_t size = bytes.size() / unit * unit;
+    while (size && std::all_of(bytes.begin() + size - unit, bytes.begin() + size, isPadding))
+        size -= unit;
+    return bytes.part(0, size);
 }
 
 } // namespace
@@ -120,23 +121,16 @@ std::optional<TextCoding> broadcastCoding(uint8_t scheme)
     }
 }
 
-std::string toUtf8WithoutZeros(std::u16string text)
+std::string decodeText(ByteView text, TextCoding coding, uint8_t filler)
 {
-    std::replace(text.begin(), text.end(), u'\0', Unknown);
-    return toUtf8(text);
-}
-
-std::string decodeText(ByteView text, TextCoding coding)
-{
-    switch (coding) {
-    case TextCoding::Packed:
-        return toUtf8WithoutZeros(fromDefaultAlphabet(unpack(text)));
-    case TextCoding::Unpacked:
-        return toUtf8WithoutZeros(fromDefaultAlphabet(text));
-    case TextCoding::Ucs2:
-        break;
-    }
-    return toUtf8WithoutZeros(fromUcs2(text));
+    if (coding == TextCoding::Ucs2)
+        return fromUcs2(text);
+    if (coding == TextCoding::Unpacked)
+        return fromCodes(text);
+    const size_t count = countPacked(text, filler);
+    TextBuilder decoded(count);
+    addPacked(decoded, text, 0, count);
+    return decoded.take();
 }
 
 std::string decodeTextString(ByteView value)
@@ -144,7 +138,7 @@ std::string decodeTextString(ByteView value)
     if (value.empty())
         return {};
     const auto coding = messageCoding(value[0]);
-    return coding ? decodeText(value.part(1), *coding) : toUtf8WithoutZeros({Unknown});
+    return coding ? decodeText(value.part(1), *coding) : toUtf8({Unknown});
 }
 
 std::optional<Bytes> encodeTextString(const std::string &utf8, TextCoding coding)
@@ -153,7 +147,7 @@ std::optional<Bytes> encodeTextString(const std::string &utf8, TextCoding coding
         return Bytes();
     const std::u16string text = toUtf16(utf8);
     // What is no UTF-8 would not come back as it went, nor would a zero.
-    if (toUtf8WithoutZeros(text) != utf8)
+    if (toUtf8(text) != utf8 || utf8.find('\0') != std::string::npos)
         return std::nullopt;
 
     Bytes value{uint8_t(coding)};
@@ -178,23 +172,20 @@ std::string decodeAlpha(ByteView value)
 {
     if (value.empty())
         return {};
-    std::u16string text;
     switch (value[0]) {
     case 0x80:
-        text = fromPaddedUcs2(value.part(1));
-        break;
+        return fromUcs2(withoutPadding(value.part(1), 2));
     case 0x81: // count, bits 15 to 8 of the base
-        if (value.size() > 3)
-            text = fromHalfPage(value.part(3, value[1]), unsigned(value[2]) << 7);
-        break;
+        if (value.size() <= 3)
+            return {};
+        return fromHalfPage(value.part(3, value[1]), unsigned(value[2]) << 7);
     case 0x82: // count, base
-        if (value.size() > 4)
-            text = fromHalfPage(value.part(4, value[1]), unsigned(value[2]) << 8 | value[3]);
-        break;
+        if (value.size() <= 4)
+            return {};
+        return fromHalfPage(value.part(4, value[1]), unsigned(value[2]) << 8 | value[3]);
     default:
-        text = fromPaddedDefaultAlphabet(value);
+        return fromCodes(withoutPadding(value, 1));
     }
-    return toUtf8WithoutZeros(std::move(text));
 }
 
 } // namespace cat

@@ -7,7 +7,6 @@ namespace {
 constexpr uint8_t LongTag = 0x7f; // the tag follows, in two bytes
 constexpr uint8_t ComprehensionBit = 0x80;
 constexpr uint16_t LongComprehensionBit = 0x8000;
-constexpr uint16_t FirstLongTag = 0x80;
 
 // Tag number and comprehension bit; gives the bytes that they take, 0 where there are too few.
 size_t readTag(ByteView bytes, Tlv &tlv)
@@ -23,7 +22,7 @@ size_t readTag(ByteView bytes, Tlv &tlv)
         return 0;
     const uint16_t number = uint16_t(bytes[1] << 8 | bytes[2]);
     tlv.required = number & LongComprehensionBit;
-    tlv.tag = std::max<uint16_t>(number & ~LongComprehensionBit, FirstLongTag);
+    tlv.tag = number & ~LongComprehensionBit;
     return 3;
 }
 
@@ -56,6 +55,10 @@ void appendLength(Bytes &bytes, size_t length)
 std::optional<Tlv> TlvReader::next()
 {
     const ByteView rest = m_bytes.part(m_position);
+    if (!rest.empty() && (rest[0] == 0x00 || rest[0] == 0xff)) {
+        m_position = m_bytes.size();
+        return std::nullopt;
+    }
     Tlv tlv;
     const size_t tagBytes = readTag(rest, tlv);
     const auto length = tagBytes ? readLength(rest.part(tagBytes)) : std::nullopt;

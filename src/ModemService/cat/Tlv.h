@@ -19,7 +19,7 @@ void appendLength(Bytes &bytes, size_t length);
 
 /// One comprehension-TLV data object (ETSI TS 101 220 clause 7.1.1).
 struct Tlv {
-    uint16_t tag = 0; ///< without the comprehension bit; 0x80 and above: of three bytes
+    uint16_t tag = 0; ///< without the comprehension bit; the same in its form of three bytes
     bool required = false; ///< the comprehension bit
     ByteView value;
     ByteView whole; ///< tag and length included
@@ -36,7 +36,8 @@ public:
     {
     }
 
-    /// Nothing at the end, and where the bytes are no data object.
+    /// Nothing at the end, which padding makes too (00 and FF are no tags), and where the bytes are
+    /// no data object.
     std::optional<Tlv> next();
     bool atEnd() const { return m_position == m_bytes.size(); }
     size_t offset() const { return m_offset + m_position; }
