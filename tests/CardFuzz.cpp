@@ -1,24 +1,20 @@
 // A card in a reader that answers anything, comes and goes, with a person who does anything:
 //   CardFuzz [SECONDS [SEED]]
-// It plays the card against simulated time, and another one inside a session on the clock's time.
+// It plays the card against simulated time.
 // Exit status 1, with the seed, where a rule is broken: work or memory without bounds, an event of
-// a card that is off or away, a PIN that is told or sent unasked, a session that does not end.
+// a card that is off or away, a PIN that is told or sent unasked.
 //
 // With clang's libFuzzer the bytes are what card and person do (cmake -DSTK_FUZZ=ON).
 
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
 #include <memory>
-#include <new>
 #include <random>
-#include <thread>
 #include <vector>
 
 #include "CatCommands.h"
-#include "Session.h"
 #include "card/ToolkitCard.h"
 
 using namespace std::chrono_literals;
@@ -27,7 +23,10 @@ using cat::ByteView;
 
 namespace {
 
-std::atomic<int64_t> g_allocated{0};
+int64_t allocated()
+{
+    return static_cast<int64_t>(mallinfo2().uordblks);
+}
 
 constexpr int64_t MostMemory = 4 * 1024 * 1024;
 constexpr int MostStepsAtOnce = 2000;
@@ -75,7 +74,7 @@ private:
 class FuzzChannel : public CardChannel {
 public:
     /// The card goes away once in so many exchanges.
-    FuzzChannel(Chance &chance, std::atomic<int> &exchanges, unsigned loss)
+    FuzzChannel(Chance &chance, int &exchanges, unsigned loss)
         : m_chance(chance)
         , m_exchanges(exchanges)
         , m_loss(loss)
@@ -156,7 +155,7 @@ private:
     }
 
     Chance &m_chance;
-    std::atomic<int> &m_exchanges;
+    int &m_exchanges;
     const unsigned m_loss;
     bool m_present = false;
     bool m_isT1 = false;
@@ -227,7 +226,7 @@ public:
         while (m_now < end && !m_chance.isOver()) {
             step();
             act();
-            check(g_allocated - m_before < MostMemory, "memory without bounds");
+            check(allocated() - m_before < MostMemory, "memory without bounds");
         }
     }
 
@@ -302,8 +301,8 @@ private:
     }
 
     Chance &m_chance;
-    const int64_t m_before = g_allocated;
-    std::atomic<int> m_exchanges{0};
+    const int64_t m_before = allocated();
+    int m_exchanges = 0;
     Watcher m_watcher;
     ToolkitCard m_card{std::make_unique<FuzzChannel>(m_chance, m_exchanges, 200), "card", "en",
                        m_watcher};
@@ -326,75 +325,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
 #ifndef STK_LIBFUZZER
 
-void *operator new(size_t size)
-{
-    void *block = std::malloc(size);
-    if (!block)
-        throw std::bad_alloc();
-    g_allocated += static_cast<int64_t>(malloc_usable_size(block));
-    return block;
-}
-
-void operator delete(void *block) noexcept
-{
-    g_allocated -= static_cast<int64_t>(malloc_usable_size(block));
-    std::free(block);
-}
-
-void operator delete(void *block, size_t) noexcept
-{
-    operator delete(block);
-}
-
-namespace {
-
-std::atomic<int> g_type{0}, g_id{0}, g_calls{0};
-
-int onCommand(int, void *data)
-{
-    const auto *notify = static_cast<MOVA_STKNotifyData *>(data);
-    g_type = notify->enStkType;
-    g_id = notify->sCmdId;
-    ++g_calls;
-    return 0;
-}
-
-// The same inside a session, whose thread has the card, with the person on another.
-void liveInSession(uint64_t seed, Card::Time end)
-{
-    Chance cardChance(seed);
-    Chance person(seed + 1);
-    std::atomic<int> exchanges{0};
-    Watcher watcher;
-    Session session;
-    session.registerCommandCallback(onCommand);
-    session.insertCard(std::make_unique<ToolkitCard>(
-        std::make_unique<FuzzChannel>(cardChance, exchanges, 2000), "card", "en", watcher));
-    while (Card::Clock::now() < end) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(person.below(20)));
-        const auto id = static_cast<int16_t>(g_id.load());
-        const unsigned act = person.below(200);
-        if (act < 2)
-            session.removeModem();
-        else if (act < 8)
-            session.insertModem();
-        else if (act == 8)
-            session.endSession();
-        else if (act < 20)
-            session.withCard([&](Card &card) {
-                watcher.answer(static_cast<ToolkitCard &>(card), cardChance, Card::Clock::now());
-            });
-        else if (act < 60)
-            session.selectMenuItem(static_cast<int16_t>(person.below(4)));
-        else
-            session.answer(ServiceFunction::SendNoDataResponse, id, g_type, randomResponse(person));
-    }
-    std::printf("in the session: %d exchanges, %d callbacks\n", exchanges.load(), g_calls.load());
-    check(session.stop(5s), "the session does not end");
-}
-
-} // namespace
-
 int main(int argc, char **argv)
 {
     const int time = argc > 1 ? std::atoi(argv[1]) : 10;
@@ -402,12 +332,10 @@ int main(int argc, char **argv)
     std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
     std::fflush(stdout);
     const Card::Time end = Card::Clock::now() + std::chrono::seconds(time);
-    std::thread session(liveInSession, seed, end);
-    Chance chance(seed + 2);
+    Chance chance(seed);
     int lives = 0;
     for (; Card::Clock::now() < end; ++lives)
         Life(chance).live(2min);
-    session.join();
     std::printf("%d lives of two minutes\n", lives);
     return 0;
 }

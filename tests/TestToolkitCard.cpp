@@ -679,7 +679,7 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
     wire.status.chosenAmong = 2;
     card.readersChanged(now);
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00",
-         "- Reader: chosen among 2 readers; ready; " + std::string(NoSim));
+         "- Reader: chosen among 2 readers; ready; " + std::string(NoSim), 100ms);
     wire.present = false;
     wire.status = trouble(State::NoCard, "no card");
     play("", "! no card", 1s);
@@ -687,7 +687,7 @@ TEST_F(TestToolkitCard, tellsWhatIsInTheWayOnce)
     card.readersChanged(now);
     wire.isAmongOthers = true;
     play("00A40004023F00 > 6A82 A0A40000023F00 > 6E00 " + Reset,
-         "ready; " + std::string(NoSim) + "; ready; - Reader: a USIM");
+         "ready; " + std::string(NoSim) + "; ready; - Reader: a USIM", 100ms);
     card.powerOff();
     EXPECT_EQ(card.wakeUp(), Card::Time::max());
 }

@@ -705,8 +705,12 @@ void ToolkitCard::sendResponse(Time now)
         response.duration = elapsed(*inkey->duration, now - m_state.command->since);
 
     Apdu apdu = toolkitApdu(0x14, 0, 0);
-    apdu.data =
-        cat::encode(response).value(); // only texts are long, and responseTo() measures them
+    std::optional<Bytes> encoded = cat::encode(response);
+    if (!encoded) { // with the time that it took, the text is too long
+        response = unable(command, cat::NoSpecificCause);
+        encoded = cat::encode(response);
+    }
+    apdu.data = std::move(*encoded);
     // The text is the last object, and its first byte the coding.
     const bool hidden = isHiddenInput(command) && response.text && !response.text->empty();
     if (hidden)

@@ -12,6 +12,8 @@ using cat::Bytes;
 namespace {
 
 constexpr uint8_t MaxRecords = 32;
+// The daemon tells of a card a moment before it is done with it.
+constexpr std::chrono::milliseconds SettlingTime{40};
 
 const Bytes MasterFile{0x3f, 0x00};
 const Bytes ApplicationDirectory{0x2f, 0x00}; // EF_DIR, ETSI TS 102 221 clause 13.1
@@ -57,7 +59,7 @@ void ToolkitCard::readersChanged(Time now)
 {
     m_presenceAt = std::min(m_presenceAt, now);
     if (m_failures == 0)
-        m_retryAt = std::min(m_retryAt, now);
+        m_retryAt = std::min(m_retryAt, now + SettlingTime);
     if (m_place == Place::NoSim && m_channel->passOver())
         m_place = Place::Awaited;
 }
