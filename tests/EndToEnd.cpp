@@ -60,9 +60,9 @@ private slots:
         row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
             ".*/bad.json: step 1: \"open\": expected true, found 1");
         const QString quit = write("quit.json", "[{\"wait\":50},{\"quit\":true}]");
-        row({"--card", "pcsc", "--walkthrough", write("notes.json", R"([
+        row({"--card", "pcsc", "--walkthrough", write("notes.json", R"json([
             {"expectNote": "no smart-card daemon is running (pcscd)"}, {"language": "de"},
-            {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])")},
+            {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])json")},
             "no smart-card daemon is running \\(pcscd\\)", 0);
         const QString broken = write("broken.json", "{\"menu\": 5}");
         row({"--card", broken, "--walkthrough", quit}, "/.*/broken.json: .*");
