@@ -35,63 +35,53 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("error"); // a regular expression for the one line
         QTest::addColumn<int>("status");
-        const auto row = [](const QStringList &arguments, const QString &error, int status = 2) {
-            QTest::newRow(qPrintable(arguments.join(' '))) << arguments << error << status;
+        const auto row = [this](const char *line, const QString &error, int status = 2) {
+            QStringList arguments = QString(line).split(' ', Qt::SkipEmptyParts);
+            arguments.replaceInStrings("DIR", m_folder.path());
+            QTest::newRow(line) << arguments << error << status;
         };
-        row({"--cart", "x"}, "Unknown option 'cart'\\.");
-        row({"--card"}, "Missing value after '--card'\\.");
-        row({"--card="}, "option --card needs a CARD");
-        row({"--card", "pcsc:"}, "option --card pcsc: needs the start of a reader's name");
-        row({"--apdu-log="}, "option --apdu-log needs a FILE");
-        row({"--apdu-log", "/absent/x"},
-            "/absent/x: cannot write the capture: No such file or directory");
-        row({"--apdu-log", "/dev"}, "/dev: cannot write the capture: Is a directory");
-        row({"--version", "demo.json"}, "unexpected argument \"demo.json\"");
-        const QString nothing =
-            "there is no display, and so nothing to do: expected --walkthrough .*";
-        row({}, nothing);
-        row({"--card", "pcsc"}, nothing);
-        row({"demo.json"}, "unexpected argument \"demo.json\"");
-        row({"--language", "tlh"},
-            "unknown language \"tlh\": expected one of en, de, fr, es, zh_CN, ar");
-        row({"--card", "/absent.json"}, "/absent.json: no such card scenario");
-        row({"--walkthrough", "/absent"},
-            "/absent: expected a walkthrough, found no readable file: No such file or directory");
-        row({"--walkthrough", write("bad.json", "[{\"open\":1}]")},
-            ".*/bad.json: step 1: \"open\": expected true, found 1");
-        const QString quit = write("quit.json", "[{\"wait\":50},{\"quit\":true}]");
-        row({"--card", "pcsc", "--walkthrough", write("notes.json", R"json([
-            {"expectNote": "no smart-card daemon is running (pcscd)"}, {"language": "de"},
-            {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])json")},
-            "no smart-card daemon is running \\(pcscd\\)", 0);
-        const QString broken = write("broken.json", "{\"menu\": 5}");
-        row({"--card", broken, "--walkthrough", quit}, "/.*/broken.json: .*");
-        row({"--card", broken}, "/.*/broken.json: .*");
-        row({"--trace", "/absent/x"},
-            "/absent/x: cannot write the trace: No such file or directory");
-        row({"--transcript", "/absent/x"},
-            "/absent/x: cannot write the transcript: No such file or directory");
-        const QString full = "/dev/full: cannot write the %1: No space left on device";
-        for (const char *kind : {"trace", "transcript"})
-            row({"--card", Source + "/cards/demo.json", "--walkthrough", quit, QString("--") + kind,
-                 "/dev/full"},
-                full.arg(kind), 0);
-        row({"--screenshots", "/dev/null/x"},
-            "/dev/null/x: cannot make this folder for the pictures");
+        write("bad.json", R"([{"open":1}])");
+        write("broken.json", R"({"menu": 5})");
+        write("card.json", R"({"menu": {"title": "T", "items": [{"text": "a"}]}})");
+        write("quit.json", R"([{"wait":50},{"quit":true}])");
+        write("notes.json", R"-([{"expectNote": "no smart-card daemon is running (pcscd)"},
+            {"language": "de"}, {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])-");
+        row("--cart x", "Unknown option 'cart'\\.");
+        row("--card", "Missing value after '--card'\\.");
+        row("--card=", "option --card needs a CARD");
+        row("--card pcsc:", "option --card pcsc: needs the start of a reader's name");
+        row("--version demo.json", "unexpected argument \"demo.json\"");
+        row("", "there is no display, and so nothing to do: expected --walkthrough .*");
+        row("--card pcsc", "there is no display, and so nothing to do: expected .*");
+        row("--language tlh", "unknown language \"tlh\": expected one of en, .*");
+        row("--card /absent.json", "/absent.json: no such card scenario");
+        row("--walkthrough /absent", "/absent: expected a walkthrough, found no readable file: .*");
+        row("--walkthrough DIR/bad.json", ".*: step 1: \"open\": expected true, found 1");
+        row("--card pcsc --walkthrough DIR/notes.json", "no smart-card daemon is .*", 0);
+        row("--card DIR/broken.json --walkthrough DIR/quit.json", "/.*/broken.json: .*");
+        row("--card DIR/broken.json", "/.*/broken.json: .*");
+        row("--screenshots /dev/null/x", "/dev/null/x: cannot make this folder for the pictures");
+        const QString noFile = ": No such file or directory", full = ": No space left on device";
+        row("--apdu-log /dev", "/dev: cannot write the capture: Is a directory");
+        row("--apdu-log /absent/x", "/absent/x: cannot write the capture" + noFile);
+        row("--trace /absent/x", "/absent/x: cannot write the trace" + noFile);
+        row("--transcript /absent/x", "/absent/x: cannot write the transcript" + noFile);
+        row("--card DIR/card.json --walkthrough DIR/quit.json --trace /dev/full",
+            "/dev/full: cannot write the trace" + full, 0);
+        row("--card DIR/card.json --walkthrough DIR/quit.json --transcript /dev/full",
+            "/dev/full: cannot write the transcript" + full, 0);
 
         write("text/STKPlugin/libSTKPlugin.so", QByteArray("no library\n").repeated(1000));
-        const auto plugin = [&](const QString &folder, const QString &error) {
-            row({"--plugins", folder},
-                "cannot load the SIM toolkit plug-in .*/STKPlugin/libSTKPlugin.so: " + error);
-        };
-        plugin("/absent", "no such file");
-        plugin(m_folder.filePath("text"), ".*(invalid ELF header|not a valid).*");
-        const QString otherQt = "it was built with Qt %1, this application runs with Qt .*";
-        plugin(STK_TEST_PLUGINS "/NewerQt", otherQt.arg("5\\.99\\.0"));
-        plugin(STK_TEST_PLUGINS "/OlderQt", otherQt.arg("4\\.8\\.7"));
-        plugin(STK_TEST_PLUGINS "/NoVerification", "it has no verification data of a plug-in");
-        plugin(STK_TEST_PLUGINS "/NoInterfaces",
-               "it is no user-interface plug-in of this application");
+        const QString cannot = "cannot load the SIM toolkit plug-in .*/STKPlugin/libSTKPlugin.so: ";
+        const QString otherQt = cannot + "it was built with Qt %1, this application runs with .*";
+        row("--plugins /absent", cannot + "no such file");
+        row("--plugins DIR/text", cannot + ".*(invalid ELF header|not a valid).*");
+        row("--plugins " STK_TEST_PLUGINS "/NewerQt", otherQt.arg("5\\.99\\.0"));
+        row("--plugins " STK_TEST_PLUGINS "/OlderQt", otherQt.arg("4\\.8\\.7"));
+        row("--plugins " STK_TEST_PLUGINS "/NoVerification",
+            cannot + "it has no verification data of a plug-in");
+        row("--plugins " STK_TEST_PLUGINS "/NoInterfaces",
+            cannot + "it is no user-interface plug-in of this application");
     }
 
     void complainsInOneLine()
@@ -116,17 +106,15 @@ private slots:
 
     void plays_data()
     {
-        QTest::addColumn<QStringList>("errors");
-        const char *const refused =
-            "OpenUrl: refused \"tel:+800100200\": only http and https are opened";
-        QTest::newRow("by-itself") << QStringList();
-        QTest::newRow("demo") << QStringList();
-        QTest::newRow("every-command") << QStringList(refused);
+        QTest::addColumn<QString>("errors");
+        QTest::newRow("by-itself") << "";
+        QTest::newRow("demo") << "";
+        QTest::newRow("every-command")
+            << "OpenUrl: refused \"tel:+800100200\": only http and https are opened";
     }
 
     void plays()
     {
-        QFETCH(QStringList, errors);
         const QString scenario = Source + "/cards/" + QTest::currentDataTag();
         const QString pictures = m_folder.filePath("new/") + QTest::currentDataTag();
         const QString transcript = m_folder.filePath("transcript"),
@@ -145,11 +133,10 @@ private slots:
         QVERIFY2(result.status == 0, qPrintable(result.errors.join(" | ")));
         // Where there is no audio device, tones are not heard; that is no fault.
         static const QRegularExpression sound("^(Cannot play |PulseAudioService: |ALSA lib )");
-        QStringList seen = result.errors;
-        seen.erase(std::remove_if(seen.begin(), seen.end(),
-                                  [](auto &line) { return line.contains(sound); }),
-                   seen.end());
-        QCOMPARE(seen, errors);
+        QStringList seen;
+        for (const QString &line : result.errors)
+            seen << (line.contains(sound) ? QStringList() : QStringList(line));
+        QTEST(seen.join('\n'), "errors");
 
         const QStringList names = QDir(pictures).entryList({"*.png"});
         QCOMPARE(names.size(), read(scenario + ".walkthrough.json").count("{\"screenshot\":"));

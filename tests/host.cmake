@@ -9,12 +9,17 @@ target_include_directories(TestHostUi PRIVATE ${PROJECT_SOURCE_DIR}/src/HostUi)
 target_compile_definitions(TestHostUi PRIVATE ${host_definitions})
 add_dependencies(TestHostUi translations)
 
-stk_qtest(NAME TestWalkthrough SOURCES TestWalkthrough.cpp LIBS ConnectionManagerObjects)
-stk_qtest(NAME TestPinField SOURCES TestPinField.cpp LIBS ConnectionManagerObjects)
-stk_qtest(NAME TestUrlBar SOURCES TestUrlBar.cpp LIBS ConnectionManagerObjects)
-stk_qtest(NAME TestReaderMenu SOURCES TestReaderMenu.cpp LIBS ConnectionManagerObjects)
+foreach(test TestWalkthrough TestPinField TestUrlBar TestReaderMenu)
+  stk_qtest(NAME ${test} SOURCES ${test}.cpp LIBS ConnectionManagerObjects)
+endforeach()
 
-stk_qtest(NAME EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core)
+# The cards' walkthroughs mostly wait: each is a test of its own, so that they can do so side by side.
+stk_test_executable(EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core Qt5::Test Stk::Gui
+  ARGUMENTS complainsInOneLine needsDisplay endsWalkthrough)
+foreach(card by-itself demo every-command)
+  add_test(NAME EndToEnd-${card} COMMAND EndToEnd plays:${card})
+  set_tests_properties(EndToEnd-${card} PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)
+endforeach()
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})
 add_dependencies(EndToEnd ConnectionManager STKPlugin tones)
 set_tests_properties(EndToEnd PROPERTIES COST 90) # long, so it starts early
