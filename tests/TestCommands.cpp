@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "platform/ClipMessageBox.h"
 #include "platform/ClipSound.h"
 
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
@@ -54,11 +55,23 @@ class TestCommands : public PluginTest {
         return nullptr;
     }
 
-    /* Sends the command and does that inside the event loop of its window, if it opens one. */
-    void present(int type, int cmdId, const std::function<void()> &act)
+    static void setVerdict(bool handled) { STKLogic::CreateInstance()->UpdateCBReturnVal(handled); }
+
+    /* Sends the command and does that inside the event loop of its window, if it opens one.  The
+     * verdict is false until the handler says otherwise. */
+    void present(
+        int type, int cmdId, const std::function<void()> &act = [] {})
     {
         modem.notify(type, cmdId);
-        QTimer::singleShot(0, this, act); // posted behind the command
+        QTimer::singleShot(0, this, [=] { // posted behind the command
+            const bool up = box();
+            if (up)
+                setVerdict(true); // of whatever comes before this one's
+            act();
+            if (up)
+                setVerdict(false);
+        });
+        setVerdict(false);
         deliver();
         QCoreApplication::processEvents();
     }
@@ -82,7 +95,7 @@ class TestCommands : public PluginTest {
         modem.notify(55, 999);
         const bool handled = modem.takeCalls().isEmpty();
         deliver();
-        STKLogic::CreateInstance()->UpdateCBReturnVal(true);
+        setVerdict(true);
         return handled;
     }
 
@@ -148,6 +161,12 @@ private slots:
                 QCOMPARE(message->buttonRole(boxButton("LuminePlugin:IDS_OK")),
                          QMessageBox::YesRole);
                 QCOMPARE(message->defaultButton(), boxButton("LuminePlugin:IDS_CANCEL"));
+                QVERIFY(message->windowFlags() & Qt::FramelessWindowHint);
+                // The frame of a message takes its size, and no other.
+                emit static_cast<ClipMessageBox *>(message)->changeSize(QSize(234, 123));
+                QCOMPARE(box()->size(), QSize(234, 123));
+                QCOMPARE(box()->minimumSize(), box()->maximumSize());
+                QCOMPARE(ui.beeps, round + 1);
                 QCOMPARE(ticking(dialog), row.clearMode == 0 ? QList<int>{1000} : QList<int>());
                 for (int tick = 0; tick < row.ticks; ++tick) {
                     const QPointer<QAbstractButton> ok = boxButton("LuminePlugin:IDS_OK");
@@ -174,7 +193,7 @@ private slots:
         modem.status["GetPromptText"] = -1;
         present(MOVA_STKTYPE_DISPLAY_TEXT, 1, [] { QVERIFY(!box()); });
         QCOMPARE(answers(), QStringList());
-        QVERIFY(verdict()); // nothing was reported
+        QVERIFY(!verdict()); // nothing was reported
         modem.status.clear();
         modem.status["SendNoDataResponse"] = -1;
         present(MOVA_STKTYPE_DISPLAY_TEXT, 2, [] { leave("IDS_OK"); });
@@ -197,9 +216,16 @@ private slots:
             dialog->onMessageTimeOut();
             const QPointer<QDialog> first = box();
             putText("second", 1, 0);
-            send(MOVA_STKTYPE_DISPLAY_TEXT, 2);
+            modem.status["SendNoDataResponse"] = -1;
+            takeTrace();
+            present(MOVA_STKTYPE_DISPLAY_TEXT, 2);
+            modem.status.clear();
+            const QStringList trace = takeTrace().filter("onSTKDisplayText");
+            QCOMPARE(
+                trace.mid(1),
+                QStringList({"SendNoDataResponse Failed " FILE_NAME ": onSTKDisplayText: TIME: ",
+                             "End of " FILE_NAME ": onSTKDisplayText: TIME: "}));
             QCOMPARE(answers(), QStringList("SendNoDataResponse(2,1,0)"));
-            QVERIFY(verdict());
             QCOMPARE(box(), first.data());
             QCOMPARE(first->findChild<QMessageBox *>()->text(), QString("first"));
             dialog->onMessageTimeOut();
@@ -207,10 +233,77 @@ private slots:
             leave("IDS_OK");
         });
         QCOMPARE(answers(), QStringList("SendNoDataResponse(1,1,1)"));
-        // Two before the first was presented: the card knows the newer alone, and it is shown once.
-        modem.notify(MOVA_STKTYPE_DISPLAY_TEXT, 3);
-        present(MOVA_STKTYPE_DISPLAY_TEXT, 4, [] { leave("IDS_OK"); });
-        QCOMPARE(answers(), QStringList("SendNoDataResponse(4,1,1)"));
+    }
+
+    /* Two of a type in the queue: both slots find the newer one, which is answered once. */
+    void twoInTheQueue_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("answer");
+        QTest::newRow("text") << 1 << "SendNoDataResponse(4,1,1)";
+        QTest::newRow("key") << 2 << "AnswerInKey(4,1,7)";
+        QTest::newRow("yes-no") << -2 << "AnswerInKey(4,1,1)";
+        QTest::newRow("input") << 3 << "AnswerInput(4,1,7)";
+        QTest::newRow("call") << 4 << "SendNoDataResponse(4,4,4)";
+        QTest::newRow("tone") << 5 << "SendNoDataResponse(4,5,1)";
+        QTest::newRow("browser") << 11 << "SendNoDataResponse(4,11,1)";
+        QTest::newRow("idle text") << 12 << "SendNoDataResponse(4,12,1)";
+    }
+
+    void twoInTheQueue()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, answer);
+        putTones({"tone_8"});
+        show();
+        ui.messageAnswer = QMessageBox::NoButton;
+        modem.input.sMaxLen = 1;
+        modem.inKey.nInputType = type < 0 ? 1 : 0;
+        putText("text", 1, 0);
+        for (bool queued : {true, false}) {
+            if (queued)
+                modem.notify(qAbs(type), 3);
+            else // between the details and the answer, and changes neither
+                modem.duringDetails = [this] { modem.notify(MOVA_STKTYPE_SEND_SMS, 5); };
+            present(qAbs(type), 4, [type] {
+                if (type > 3)
+                    return;
+                if (QLineEdit *const line = box()->findChild<QLineEdit *>()) {
+                    QTest::keyClick(line, Qt::Key_7);
+                    boxButton("STKPlugin:IDS_STK_BTN_OK")->click();
+                } else if (type < 0) {
+                    box()->accept();
+                } else {
+                    leave("IDS_OK");
+                }
+            });
+            QCOMPARE(answers().filter("(4,"), QStringList(answer));
+            QCOMPARE(isBusy(), type < 4 && type != 1); // the wait is owed, whatever came meanwhile
+            QVERIFY(verdict());
+            QTRY_VERIFY(!isBusy());
+        }
+    }
+
+    /* The wait for the card is the newer question's. */
+    void aNewerQuestionTakesTheWait_data() { addRows("older", {"key", "yes-no", "input"}); }
+    void aNewerQuestionTakesTheWait()
+    {
+        QFETCH(QString, older);
+        show();
+        ui.messageAnswer = QMessageBox::NoButton;
+        modem.inKey.nInputType = older == "yes-no" ? 1 : 0;
+        present(older == "input" ? 3 : 2, 1, [&] {
+            const QPointer<QDialog> first = box();
+            modem.inKey.nInputType = 0;
+            present(older == "input" ? 2 : 3, 2, [&] { box()->close(); });
+            QVERIFY(isBusy());
+            takeTrace();
+            modem.notify(55, 9); // the card's answer to it
+            if (first)
+                first->close();
+        });
+        QVERIFY(takeTrace().filter("stkWaitforRespond").isEmpty());
+        QVERIFY(STKLogic::CreateInstance()->GetResponseVar());
     }
 
     void playTone_data()
@@ -241,7 +334,7 @@ private slots:
         for (int round = 0; round < 2; ++round) { // a second tone replaces the first
             ui.soundsPlayed.clear();
             modem.status[row.failing] = -1;
-            send(MOVA_STKTYPE_PLAY_TONE, 6);
+            present(MOVA_STKTYPE_PLAY_TONE, 6);
             QCOMPARE(answers(),
                      row.handled ? QStringList("SendNoDataResponse(6,5,1)") : QStringList());
             QCOMPARE(ui.soundsPlayed,
@@ -281,18 +374,36 @@ private slots:
                  QStringList("Start of " FILE_NAME ": onPlayingFinished: LINE: "));
     }
 
-    void yesNo_data() { addRows("way", {"accept", "reject", "time limit", "answer refused"}); }
+    void yesNo_data()
+    {
+        addRows("way",
+                {"accept", "reject", "time limit", "time limit of another",
+                 "time limit, shown again", "answer refused"});
+    }
     void yesNo()
     {
         QFETCH(QString, way);
         show();
         ui.messageAnswer = QMessageBox::NoButton;
-        modem.inKey = {{}, 1, 0, static_cast<uint16_t>(way == "time limit" ? 50 : 0)};
+        modem.inKey = {
+            {},
+            1,
+            0,
+            static_cast<uint16_t>(way.contains("limit") && !way.endsWith("another") ? 150 : 0)};
         modem.put(modem.inKey.szText, "<b>Sure?</b>");
         modem.status["AnswerInKey"] = way == "answer refused" ? -1 : 0;
+        if (way.endsWith("another")) { // runs on, for the box now; the window stays
+            modem.device(6601);
+            deliver();
+            QCOMPARE(ticking(STKDialog::Instance()), QList<int>{100});
+        }
         present(MOVA_STKTYPE_GET_INKEY, 14, [&] {
             QCOMPARE(box()->objectName(), QString("message"));
-            if (way == "time limit")
+            if (way.endsWith("again")) {
+                frame()->close();
+                open();
+            }
+            if (way.contains("limit"))
                 QTRY_VERIFY(!box());
             else
                 way == "reject" ? box()->reject() : box()->accept();
@@ -301,6 +412,9 @@ private slots:
         QCOMPARE(answers(),
                  QStringList(way[0] == 'a' ? "AnswerInKey(14,1,1)" : "AnswerInKey(14,1,0)"));
         QCOMPARE(isBusy(), way != "answer refused");
+        QVERIFY(!isBusy() || takeTrace().filter("Called with TimeOut = 10").size() == 1);
+        QVERIFY(frame());
+        QCOMPARE(ticking(STKDialog::Instance()), QList<int>());
         QCOMPARE(verdict(), way != "answer refused");
     }
 
@@ -314,11 +428,15 @@ private slots:
         modem.inKey.usDuration = 1;
         modem.input = {{}, what.endsWith("1") ? 1 : 0, 1, 1, 1, 0, {}};
         present(type, 15, [&] {
-            QTest::keyClick(box()->findChild<QLineEdit *>(), Qt::Key_7);
+            for (Qt::Key key : {Qt::Key_7, Qt::Key_Backspace, Qt::Key_7}) {
+                QTest::keyClick(box()->findChild<QLineEdit *>(), key);
+                QCOMPARE(boxButton("STKPlugin:IDS_STK_BTN_OK")->isEnabled(), key == Qt::Key_7);
+            }
             boxButton("STKPlugin:IDS_STK_BTN_OK")->click();
         });
         QCOMPARE(answers(), QStringList(answer + "(15,1,7)"));
         QVERIFY(isBusy());
+        QCOMPARE(takeTrace().filter("Called with TimeOut = 10").size(), 1);
         QVERIFY(verdict());
         modem.status["AnswerInKey"] = modem.status["AnswerInput"] = -1;
         QTRY_VERIFY(!isBusy());
@@ -363,6 +481,9 @@ private slots:
              false,
              "GetLaunchBrowser() failed %1: onSTKLaunchBrowser: TIME: "},
             {11, none, browsed, true, "SendNoDataResponse() failed %1: onSTKLaunchBrowser: TIME: "},
+            {0, "", mainMenuRead, true, ""},
+            {99, "", {}, true, ""},
+            {6, "", {"GetSubMenu(9)", "ReleaseSubMenus()"}, true, ""},
             {8, "", {}, true, ""},
             {9, "", {}, true, ""},
             {10, "", {}, true, ""},
@@ -386,11 +507,11 @@ private slots:
         show();
         modem.put(modem.launchBrowser.szUrl, row.failing == "address" ? "" : "http://a");
         modem.status[row.failing] = -1;
-        send(row.type, 9);
+        present(row.type, 9);
         QCOMPARE(modem.takeCalls(), row.calls);
         const bool opens = row.type == 11 && row.handled && row.failing != "address";
         QCOMPARE(ui.openedUrls, opens ? QStringList("http://a") : QStringList());
-        QCOMPARE(rows(), mainMenuRows);
+        QCOMPARE(rows().size(), row.type == 6 ? 2 : 3);
         QVERIFY(!box());
         QVERIFY(row.trace.isEmpty() || takeTrace().contains(row.trace.arg(FILE_NAME)));
         modem.status.clear();
@@ -417,18 +538,35 @@ private slots:
         QCOMPARE(answers(), QStringList({"AnswerInput(2,0,)", "SendNoDataResponse(1,1,1)"}));
     }
 
-    void aToneIsNotCutByTheTimerOfAnEarlierShowing()
+    void aToneKeepsItsTimeAcrossShowings()
     {
         putTones({"tone_8"});
         modem.playTone.usDuration = 1;
         STKDialog *const dialog = show();
-        send(MOVA_STKTYPE_PLAY_TONE, 1);
-        frame()->close();
-        modem.playTone.usDuration = 60;
+        for (int id : {1, 2}) {
+            present(MOVA_STKTYPE_PLAY_TONE, id);
+            frame()->close();
+            show();
+            if (id == 1)
+                QTRY_VERIFY(!ui.playing);
+            QCOMPARE(ticking(dialog), id == 1 ? QList<int>() : QList<int>{1000});
+        }
+        modem.playTone.usDuration = 60; // the old timer must not cut it
+        present(MOVA_STKTYPE_PLAY_TONE, 3);
+        QCOMPARE(ticking(dialog), QList<int>({60000}));
+    }
+
+    /* A text that clears itself takes the timer over, and the window stays. */
+    void aTextTakesTheTimerOfTheModem()
+    {
         show();
-        send(MOVA_STKTYPE_PLAY_TONE, 2);
-        QTRY_COMPARE(ticking(dialog), QList<int>({60000}));
-        QVERIFY(ui.playing);
+        putText("text", 0, 9);
+        modem.device(6601);
+        present(MOVA_STKTYPE_DISPLAY_TEXT, 1, [this] {
+            QTRY_COMPARE(ticking(STKDialog::Instance()), QList<int>{1000});
+            leave("IDS_OK");
+        });
+        QVERIFY(frame());
     }
 
     /* Each window crossed with everything that may arrive while it is up. */
@@ -436,7 +574,7 @@ private slots:
     {
         QTest::addColumn<QString>("window");
         QTest::addColumn<int>("event");
-        const int events[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 55, 99, -1, 6601, 6602};
+        const int events[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 55, 99, -1, -2, 6601, 6602};
         for (const char *window : {"text", "countdown", "key", "yes-no", "input"}) {
             for (int event : events)
                 QTest::addRow("%s, %d", window, event) << window << event;
@@ -464,7 +602,9 @@ private slots:
         };
         present(type, 1, [&] {
             QVERIFY(box());
-            if (event >= 6600)
+            if (event == -2)
+                STKDialog::Destroy();
+            else if (event >= 6600)
                 modem.device(event);
             else if (event == -1)
                 modem.notify(type, 1, 1);
@@ -478,6 +618,11 @@ private slots:
         });
         closeAll();
         const QStringList calls = answers();
+        if (event == -2) { // nobody is left who could answer
+            QCOMPARE(calls, QStringList());
+            STKLogic::DestroyInst();
+            return;
+        }
         modem.notify(MOVA_STKTYPE_SETUP_MENU, 3); // ends a wait for the card
         deliver();
         QTRY_VERIFY(!isBusy());

@@ -131,6 +131,7 @@ private slots:
         selectBy(way, 2);
         QCOMPARE(modem.takeCalls(), QStringList("SelectMenuItem(1,300)"));
         QVERIFY(isBusy());
+        QCOMPARE(takeTrace().filter("Called with TimeOut = 20").size(), 1);
         QVERIFY(!dialog->m_bEnterPressed);
         answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 8);
         QVERIFY(!isBusy());
@@ -142,9 +143,11 @@ private slots:
         selectBy(way, 1);
         QCOMPARE(modem.takeCalls(), QStringList("SelectSubMenuItem(8,1,6)"));
         QVERIFY(isBusy());
+        QCOMPARE(takeTrace().filter("Called with TimeOut = 20").size(), 1);
         modem.subTitle = "";
         answerWith(dialog, MOVA_STKTYPE_SELECT_ITEM, 9);
         QCOMPARE(frame()->windowTitle(), QString("Operator"));
+        send(MOVA_STKTYPE_SEND_SMS, 10); // it is not what the user answers
         click(button("Back"));
         QCOMPARE(modem.takeCalls(),
                  QStringList({"GetSubMenu(9)", "ReleaseSubMenus()", "SelectSubMenuItem(9,3,0)"}));
@@ -421,10 +424,18 @@ private slots:
         modem.device(MOVA_DEV_EVENT_DEVICE_NOT_READY); // nothing is open any more
         deliver();
         show();
-        modem.mainItems = {{1, "Back again"}};
+        const QString wide(30, QChar(0x4E2D)), narrow(40, 'i');
+        modem.mainItems = {{1, wide}, {2, narrow}, {3, "a\nb"}, {4, "<b>" + wide}};
         modem.device(MOVA_DEV_EVENT_DEVICE_READY);
         deliver();
-        QCOMPARE(rows(), QStringList("Back again"));
+        QCOMPARE(rows(), QStringList({wide, narrow, "a\nb", "<b>" + wide}));
+        // What does not fit its row has a tool tip, as plain text.
+        QStringList tips;
+        for (int row = 0; row < 4; ++row)
+            tips << table()->item(row, 0)->toolTip();
+        QCOMPARE(tips,
+                 QStringList({"<qt>" + wide + "</qt>", "", "<qt>a<br/>b</qt>",
+                              "<qt>&lt;b>" + wide + "</qt>"}));
         // Closed before the modem's own time-out could close it, and shown again: it stays.
         modem.device(MOVA_DEV_EVENT_DEVICE_REMOVED);
         deliver();

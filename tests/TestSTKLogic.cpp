@@ -1,5 +1,6 @@
 #include "PluginTest.h"
 
+#include <functional>
 #include <utility>
 
 #define FILE_NAME "../../src/STKPlugin/STKLogic"
@@ -317,10 +318,6 @@ private slots:
         StkInKeyRequest input = {"", 0, 1, 77, 0, 0, 0, ""};
         QVERIFY(logic->GetInputRequest(&input));
         QCOMPARE(fields(input), whole + " 2 0 77 1 -1 300 " + whole);
-        QVERIFY(logic->GetRefreshInfo());
-        QCOMPARE(modem.takeCalls(),
-                 QStringList({"GetIdleModePrompt(33)", "GetPlayTone(33)", "GetInKeyRequest(33)",
-                              "GetInputRequest(33)", "GetRefreshInfo(33)"}));
     }
 
     void invalidValuesLeaveTheFieldAlone()
@@ -350,63 +347,81 @@ private slots:
         }
     }
 
-    void aFailedGetChangesNothing()
+    /* Every getter and answer: what it writes, calls, returns and leaves alone. */
+    void detailsAndAnswers()
     {
-        for (const char *name :
-             {"GetIdleModePrompt", "GetPlayTone", "GetLaunchBrowser", "GetInKeyRequest",
-              "GetInputRequest", "GetPromptText", "GetRefreshInfo"})
-            modem.status[name] = -6;
-        QString text = "kept", mode = "kept";
-        int duration = 42;
-        MOVAPlayToneRequest tone = {42, 42, "kept"};
-        MOVALaunchBrowser browser = {42, "kept"};
-        StkInKeyRequest request = {"kept", 42, 42, 42, 42, 42, 42, "kept"};
-        takeTrace();
-        QVERIFY(!logic->GetPlayTone(&tone));
-        QCOMPARE(takeTrace(),
-                 lines("GetPlayTone",
-                       {"Calling MOVA_STKSrv_GetPlayTone(): %",
-                        "MOVA_STKSrv_GetPlayTone() returned -6: %"},
-                       false));
-        QVERIFY(!logic->GetIdleModePrompt(&text) && !logic->GetLaunchBrowser(&browser) &&
-                !logic->GetInKeyRquest(&request) && !logic->GetInputRequest(&request) &&
-                !logic->GetPromptText(&text, &mode, &duration) && !logic->GetRefreshInfo());
-        QCOMPARE(text + mode + tone.strText + browser.strUrl, QString("keptkeptkeptkept"));
-        QCOMPARE(duration + tone.nTone + tone.nDuration + browser.nLaunchMode, 4 * 42);
-        QCOMPARE(fields(request), QString("kept 42 42 42 42 42 42 kept"));
-    }
-
-    void answers()
-    {
-        modem.notify(MOVA_STKTYPE_GET_INPUT, 12);
-        takeTrace();
         const QString smile = QString::fromUtf8("a\xF0\x9F\x98\x80");
-        QVERIFY(logic->CallStkAnswerInput("STK_TYPE_OK", smile));
-        QCOMPARE(takeTrace(),
-                 lines("CallStkAnswerInput",
-                       {"Calling MOVA_STKSrv_AnswerInput(" + smile + "): %",
-                        "MOVA_STKSrv_AnswerInKey() returned 0: %",
-                        "MOVA_STKSrv_AnswerInput() success: %"}));
-        QVERIFY(logic->CallStkAnswerInput("stk_type_ok", "x"));
-        QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_OK", "1"));
-        QVERIFY(logic->CallStkAnswerInKey("STK_TYPE_CANCEL", ""));
-        QVERIFY(logic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED));
-        modem.status["AnswerInKey"] = modem.status["AnswerInput"] =
-            modem.status["SendNoDataResponse"] = 1;
-        QVERIFY(!logic->CallStkAnswerInKey("STK_TYPE_OK", "") &&
-                !logic->CallStkAnswerInput("STK_TYPE_OK", ""));
-        takeTrace();
-        QVERIFY(!logic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, STK_UI_TR_SUCCESS));
-        QCOMPARE(takeTrace(),
-                 lines("SendNoDataResponse",
-                       {"Calling MOVA_STKSrv_SendNoDataResponse(): %",
-                        "MOVA_STKSrv_SendNoDataResponse() returned 1: %"},
-                       false));
-        QCOMPARE(modem.takeCalls(),
-                 QStringList({"AnswerInput(12,1," + smile + ")", "AnswerInput(12,0,x)",
-                              "AnswerInKey(12,1,1)", "AnswerInKey(12,0,)",
-                              "SendNoDataResponse(12,4,4)", "AnswerInKey(12,1,)",
-                              "AnswerInput(12,1,)", "SendNoDataResponse(12,1,1)"}));
+        QString text, mode;
+        int duration;
+        MOVAPlayToneRequest tone;
+        MOVALaunchBrowser browser;
+        StkInKeyRequest request;
+        const struct {
+            const char *function, *service, *calling, *success;
+            QString arguments;
+            std::function<bool()> act;
+        } rows[] = {
+            {"GetIdleModePrompt", "GetIdleModePrompt", "Calling $(): %", "SDK success %", "",
+             [&] { return logic->GetIdleModePrompt(&text); }},
+            {"GetPlayTone", "GetPlayTone", "Calling $(): %", "SDK success %", "",
+             [&] { return logic->GetPlayTone(&tone); }},
+            {"GetLaunchBrowser", "GetLaunchBrowser", "Calling $(): %", "SDK success %", "",
+             [&] { return logic->GetLaunchBrowser(&browser); }},
+            {"GetInKeyRquest", "GetInKeyRequest", "Calling $(): %", "SDK success %", "",
+             [&] { return logic->GetInKeyRquest(&request); }},
+            {"GetInputRequest", "GetInputRequest", "Calling $(): %", "SDK success %", "",
+             [&] { return logic->GetInputRequest(&request); }},
+            {"GetPromptText", "GetPromptText", "Calling  $() %", nullptr, "",
+             [&] { return logic->GetPromptText(&text, &mode, &duration); }},
+            {"GetRefreshInfo", "GetRefreshInfo", "Calling  $() %", "$() success: %", "",
+             [&] { return logic->GetRefreshInfo(); }},
+            {"CallStkAnswerInKey", "AnswerInKey", "Calling $(1): %", "$() success: %", ",1,1",
+             [&] { return logic->CallStkAnswerInKey("STK_TYPE_OK", "1"); }},
+            {"CallStkAnswerInKey", "AnswerInKey", "Calling $(): %", "$() success: %", ",0,",
+             [&] { return logic->CallStkAnswerInKey("STK_TYPE_CANCEL", ""); }},
+            {"CallStkAnswerInput", "AnswerInput", "Calling $(&): %", "$() success: %", ",1,&",
+             [&] { return logic->CallStkAnswerInput("STK_TYPE_OK", smile); }},
+            {"CallStkAnswerInput", "AnswerInput", "Calling $(x): %", "$() success: %", ",0,x",
+             [&] { return logic->CallStkAnswerInput("stk_type_ok", "x"); }},
+            {"SendNoDataResponse", "SendNoDataResponse", "Calling $(): %",
+             "MOVA return success : %", ",4,4",
+             [&] {
+                 return logic->SendNoDataResponse(MOVA_STKTYPE_SETUP_CALL, STK_UI_TR_NOT_SUPPORTED);
+             }},
+        };
+        modem.notify(MOVA_STKTYPE_GET_INPUT, 12);
+        modem.takeCalls();
+        for (const auto &row : rows) {
+            const QString service = QString("MOVA_STKSrv_") + row.service;
+            // The text's answer shares this line with the key's.
+            const QString returned = QString(service).replace("AnswerInput", "AnswerInKey");
+            for (int status : {0, -6}) {
+                text = mode = "kept";
+                duration = 42;
+                tone = {42, 42, "kept"};
+                browser = {42, "kept"};
+                request = {"kept", 42, 42, 42, 42, 42, 42, "kept"};
+                modem.status[row.service] = status;
+                takeTrace();
+                QVERIFY2(row.act() == (status == 0), row.function);
+                QStringList between({row.calling, returned + "() returned @: %"});
+                if (status == 0 && row.success)
+                    between << row.success;
+                between.replaceInStrings("@", QString::number(status))
+                    .replaceInStrings("$", service)
+                    .replaceInStrings("&", smile);
+                QCOMPARE(takeTrace(), lines(row.function, between, status == 0));
+                QCOMPARE(calls(),
+                         QString("%1(12%2)")
+                             .arg(row.service, QString(row.arguments).replace("&", smile)));
+                if (status != 0) {
+                    QCOMPARE(text + mode + tone.strText + browser.strUrl,
+                             QString("kept").repeated(4));
+                    QCOMPARE(duration + tone.nTone + tone.nDuration + browser.nLaunchMode, 4 * 42);
+                    QCOMPARE(fields(request), QString("kept 42 42 42 42 42 42 kept"));
+                }
+            }
+        }
     }
 };
 

@@ -20,6 +20,7 @@ struct FakeHostUi {
     bool soundPlays = true; /* what Play() returns */
     ClipSound *playing = nullptr; /* the sound that plays now, null for none */
     QString libraryPath;
+    int beeps = 0;
     int threadWaitSeconds = -1; /* of the last WaitForThreadToStop, -1 before */
 
     void finishSound();

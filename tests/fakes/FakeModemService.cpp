@@ -49,6 +49,8 @@ int32_t details(const char *function, int16_t cmdId, const Record &from, Record 
     const int32_t result = called(function, QString::number(cmdId));
     if (result == 0)
         *to = from;
+    if (const auto act = std::exchange(fakeModem.duringDetails, nullptr))
+        act();
     return result;
 }
 

@@ -1,6 +1,7 @@
 #ifndef FAKEMODEMSERVICE_H
 #define FAKEMODEMSERVICE_H
 
+#include <functional>
 #include <vector>
 
 #include <QHash>
@@ -32,6 +33,9 @@ struct FakeModemService {
         NoOverride; /* reported instead of the number of items where it is another */
     bool nullItems = false;
     int menusOut = 0; /* menus that were handed out and not released */
+
+    /* Runs once, inside the next call that hands out details. */
+    std::function<void()> duringDetails;
 
     MOVA_STKPlayToneInfo playTone = {};
     MOVA_STKLaunchBrowserInfo launchBrowser = {};
