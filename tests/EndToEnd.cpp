@@ -44,7 +44,8 @@ private slots:
         write("broken.json", R"({"menu": 5})");
         write("card.json", R"({"menu": {"title": "T", "items": [{"text": "a"}]}})");
         write("quit.json", R"([{"wait":50},{"quit":true}])");
-        write("notes.json", R"-([{"expectNote": "no smart-card daemon is running (pcscd)"},
+        write("notes.json",
+              R"-([{"language": "en"}, {"expectNote": "no smart-card daemon is running (pcscd)"},
             {"language": "de"}, {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])-");
         row("--cart x", "Unknown option 'cart'\\.");
         row("--card", "Missing value after '--card'\\.");
