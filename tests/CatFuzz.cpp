@@ -9,6 +9,7 @@
 #include <random>
 
 #include "CatCommands.h"
+#include "TestCatJson.h"
 #include "Text.h"
 #include "card/CommandBridge.h"
 #include "cat/Command.h"
@@ -46,13 +47,13 @@ void checkText(const std::string &text)
     check(text.size() <= longestText(g_input.size()), "a text longer than its input");
 }
 
-void checkMenu(const CommandMenu &menu)
+void checkTexts(const CatJson::Json &json)
 {
-    checkText(menu.title.utf8);
-    check(menu.items.size() <= g_input.size() / 2, "more items than the input holds");
-    for (const CommandMenuItem &item : menu.items) {
-        checkText(item.text.utf8);
-        check(item.id >= 1 && item.id <= 255, "an item without identifier");
+    if (json.is_string())
+        checkText(json);
+    if (json.is_structured()) {
+        for (const auto &part : json)
+            checkTexts(part);
     }
 }
 
@@ -62,20 +63,8 @@ void checkBridge(const cat::Command &command)
     if (!bridged)
         return;
     check(!strcmp(commandName(bridged->body), command.name), "another command behind the bridge");
-    if (const CommandMenu *menu = commandMenu(bridged->body))
-        checkMenu(*menu);
-    if (const auto *text = std::get_if<DisplayText>(&bridged->body))
-        checkText(text->text.utf8);
-    if (const auto *input = std::get_if<GetInput>(&bridged->body))
-        checkText(input->defaultText.utf8);
-    if (const auto *message = std::get_if<SendShortMessage>(&bridged->body)) {
-        checkText(message->address);
-        checkText(message->message);
-    }
-    if (const auto *call = std::get_if<SetUpCall>(&bridged->body))
-        checkText(call->address);
-    if (const auto *browser = std::get_if<LaunchBrowser>(&bridged->body))
-        checkText(browser->url.utf8);
+    const CommandMenu *menu = commandMenu(bridged->body);
+    check(!menu || menu->items.size() <= g_input.size() / 2, "more items than the input holds");
 }
 
 void checkCommand()
@@ -87,6 +76,7 @@ void checkCommand()
     check(command.reason.size() < 300, "an endless reason");
     check(command.reason.empty() == (command.problem == cat::Problem::None),
           "a problem without a reason, or the other way round");
+    checkTexts(CatJson::fields(command));
     checkBridge(command);
     check(cat::textRoom(command) > 127, "no room for an answer");
 
