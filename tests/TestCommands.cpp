@@ -235,7 +235,8 @@ private slots:
         QCOMPARE(answers(), QStringList("SendNoDataResponse(1,1,1)"));
     }
 
-    /* Two of a type in the queue: both slots find the newer one, which is answered once. */
+    /* Two of a type in the queue: both slots find the newer one, which is answered once.  A notice
+     * behind it changes nothing. */
     void twoInTheQueue_data()
     {
         QTest::addColumn<int>("type");
@@ -260,12 +261,14 @@ private slots:
         modem.input.sMaxLen = 1;
         modem.inKey.nInputType = type < 0 ? 1 : 0;
         putText("text", 1, 0);
-        for (bool queued : {true, false}) {
-            if (queued)
-                modem.notify(qAbs(type), 3);
-            else // between the details and the answer, and changes neither
+        enum { Before, Behind, Inside };
+        for (int notice : {Before, Behind, Inside}) {
+            if (notice == Inside) // between the details and the answer, and changes neither
                 modem.duringDetails = [this] { modem.notify(MOVA_STKTYPE_SEND_SMS, 5); };
-            present(qAbs(type), 4, [type] {
+            else
+                modem.notify(qAbs(type), notice == Before ? 3 : 4);
+            const bool behind = notice == Behind;
+            present(behind ? MOVA_STKTYPE_SEND_SMS : qAbs(type), behind ? 5 : 4, [type] {
                 if (type > 3)
                     return;
                 if (QLineEdit *const line = box()->findChild<QLineEdit *>()) {
@@ -516,6 +519,11 @@ private slots:
         QVERIFY(row.trace.isEmpty() || takeTrace().contains(row.trace.arg(FILE_NAME)));
         modem.status.clear();
         QCOMPARE(verdict(), row.handled);
+        modem.takeCalls();
+        modem.status[row.failing] = -1;
+        modem.notify(row.type, 9);
+        present(MOVA_STKTYPE_SEND_USSD, 10); // a notice behind it, which changes nothing
+        QCOMPARE(modem.takeCalls(), row.calls);
     }
 
     void aTextThatWasLeftUnderAnotherWindowKeepsItsAnswer()

@@ -554,7 +554,7 @@ void STKDialog::onSTKSelItem()
 {
     TRACE_START();
     if (m_pStkLogic) {
-        const STKCommand stCommand = m_pStkLogic->CommandInProgress();
+        const STKCommand stCommand = m_pStkLogic->CommandInProgress(MOVA_STKTYPE_SELECT_ITEM);
         const bool bFetched = m_pStkLogic->GetSubMenu(&m_stSubMenu, stCommand);
         if (bFetched) {
             m_stSubMenuCommand = stCommand;
@@ -666,9 +666,9 @@ void STKDialog::onDeviceAvailable(bool isAvaialable)
  * have been queued before the first was presented, and both their slots find the newer one. */
 bool STKDialog::takeCommand(_MOVA_EN_STKTYPE enStkType, STKCommand *pCommand)
 {
-    *pCommand = m_pStkLogic->CommandInProgress();
+    *pCommand = m_pStkLogic->CommandInProgress(enStkType);
     if (*pCommand == STKCommand())
-        return true; // called by hand: the card has not sent anything yet
+        return true; // called by hand: the card has not sent one yet
     if (m_mapTaken.value(enStkType) == *pCommand)
         return false;
     m_mapTaken.insert(enStkType, *pCommand);
@@ -1092,7 +1092,8 @@ void STKDialog::onSTKRefresh()
 {
     TRACE_START();
     if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(m_pStkLogic->GetRefreshInfo());
+        m_pStkLogic->UpdateCBReturnVal(
+            m_pStkLogic->GetRefreshInfo(m_pStkLogic->CommandInProgress(MOVA_STKTYPE_REFRESH)));
     TRACE_END();
 }
 

@@ -23,14 +23,6 @@ void CopyIfBetween(int iLowest, int iHighest, int32_t value, int *pTarget)
         *pTarget = value;
 }
 
-STKCommand NextCommand(STKCommand stCommand, int16_t sCmdId)
-{
-    stCommand.sCmdId = sCmdId;
-    if (++stCommand.usNumber == 0)
-        stCommand.usNumber = 1; // 0 is for none
-    return stCommand;
-}
-
 void ClearMenu(StkMenuItems *pMenu)
 {
     pMenu->itemList->clear();
@@ -77,7 +69,7 @@ STKLogic::STKLogic()
     : m_sCmdId(0)
     , m_bRet(true)
     , m_bRespondence(false)
-    , m_stCommand(STKCommand())
+    , m_astCommand()
 {
     TRACE_START();
     TRACE_END();
@@ -89,9 +81,20 @@ STKLogic::~STKLogic()
     TRACE_END();
 }
 
-STKCommand STKLogic::CommandInProgress() const
+STKCommand STKLogic::CommandInProgress(_MOVA_EN_STKTYPE enStkType) const
 {
-    return m_stCommand.load(std::memory_order_relaxed);
+    return m_astCommand[enStkType].load(std::memory_order_relaxed);
+}
+
+void STKLogic::keepCommand(_MOVA_EN_STKTYPE enStkType, int16_t sCmdId)
+{
+    if (enStkType < MOVA_STKTYPE_SETUP_MENU || enStkType > MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT)
+        return;
+    STKCommand stCommand = CommandInProgress(enStkType);
+    stCommand.sCmdId = sCmdId;
+    if (++stCommand.usNumber == 0)
+        stCommand.usNumber = 1; // 0 is for none
+    m_astCommand[enStkType].store(stCommand, std::memory_order_relaxed);
 }
 
 int16_t STKLogic::cmdIdOf(STKCommand stCommand) const
@@ -136,8 +139,6 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
     }
     const MOVA_STKNotifyData &data = *static_cast<const MOVA_STKNotifyData *>(pNotifyData);
     pLogic->m_sCmdId.store(data.sCmdId, std::memory_order_relaxed);
-    pLogic->m_stCommand.store(NextCommand(pLogic->CommandInProgress(), data.sCmdId),
-                              std::memory_order_relaxed);
     if (data.bTimeOut == 1) {
         TRACE_FILE_FUNC_TIME("STK TimeOut %s: %s: %s: ");
         emit pLogic->CloseInputDlg();
@@ -145,6 +146,7 @@ int STKLogic::OnSTKEventCB(int, void *pNotifyData)
         TRACE_END();
         return 0;
     }
+    pLogic->keepCommand(data.enStkType, data.sCmdId);
     pLogic->stkEventSwitchCase(data.enStkType);
     if (!pLogic->m_bRet.load(std::memory_order_relaxed)) {
         TRACE_FILE_FUNC_TIME("m_bRet is false %s: %s: %s: ");
@@ -417,12 +419,12 @@ bool STKLogic::GetPromptText(QString *pText, QString *pClearMode, int *pDuration
     return true;
 }
 
-bool STKLogic::GetRefreshInfo()
+bool STKLogic::GetRefreshInfo(STKCommand stCommand)
 {
     TRACE_START();
     MOVA_STKRefreshInfo stInfo = {};
     TRACE_FILE_FUNC_TIME("Calling  MOVA_STKSrv_GetRefreshInfo() %s: %s: %s: ");
-    const int32_t status = MOVA_STKSrv_GetRefreshInfo(cmdIdOf(STKCommand()), &stInfo);
+    const int32_t status = MOVA_STKSrv_GetRefreshInfo(cmdIdOf(stCommand), &stInfo);
     TRACE_STATUS("MOVA_STKSrv_GetRefreshInfo() returned %li: %s: %s: %s: ", status);
     if (status != 0)
         return false;

@@ -46,8 +46,9 @@ struct StkInKeyRequest {
     QString strDefaultText;
 };
 
-/* One notification of the card: the identifier of its command, and its place among all of them,
- * since identifiers may come again; 0 for none.  One word, so that threads pass it on whole. */
+/* One notification of the card: the identifier of its command, and its place among those of its
+ * type, since identifiers may come again; 0 for none.  One word, so that threads pass it on whole.
+ */
 struct STKCommand {
     int16_t sCmdId = 0;
     uint16_t usNumber = 0;
@@ -89,9 +90,9 @@ public:
     bool GetResponseVar();
     void SetResponseVar(bool bRespondence);
 
-    /* The newest notification with data.  Whatever opens a window for a command keeps it: further
-     * ones may arrive before the answer. */
-    STKCommand CommandInProgress() const;
+    /* The newest notification of that type.  Whatever presents a command keeps it: others may have
+     * arrived since, and more may before the answer. */
+    STKCommand CommandInProgress(_MOVA_EN_STKTYPE enStkType) const;
 
     /* The rest returns true when the service returned 0; on false, unless said otherwise, nothing
      * was changed.  Without a command, or with none, they are about the newest. */
@@ -111,7 +112,7 @@ public:
     /* *pClearMode becomes "STK_CLR_MODE_AUTO" or empty, *pDuration seconds. */
     bool GetPromptText(QString *pText, QString *pClearMode, int *pDuration,
                        STKCommand stCommand = STKCommand());
-    bool GetRefreshInfo();
+    bool GetRefreshInfo(STKCommand stCommand = STKCommand());
 
     /* result: "STK_TYPE_OK" accepts, anything else cancels. */
     bool CallStkAnswerInKey(QString result, QString answer, STKCommand stCommand = STKCommand());
@@ -143,11 +144,12 @@ private:
     ~STKLogic();
 
     int16_t cmdIdOf(STKCommand stCommand) const;
+    void keepCommand(_MOVA_EN_STKTYPE enStkType, int16_t sCmdId);
 
     std::atomic<int16_t> m_sCmdId;
     std::atomic<int32_t> m_bRet;
     std::atomic<int32_t> m_bRespondence;
-    std::atomic<STKCommand> m_stCommand; /* what CommandInProgress tells */
+    std::atomic<STKCommand> m_astCommand[MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT + 1]; /* by type */
 
     static std::atomic<STKLogic *> m_pStkLogicInst;
 };
