@@ -10,22 +10,21 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <random>
 #include <thread>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <QApplication>
-#include <QLineEdit>
+#include <QFile>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTimer>
 #include <QtTest>
 
+#include "FakeModemService.h"
 #include "HostUi.h"
 #include "STKDialog.h"
 #include "STKInputDlg.h"
@@ -52,61 +51,156 @@ private:
     std::mt19937 m_engine;
 };
 
-/* The modem service: answers every call at random and keeps the books of the answers. */
-class Modem {
+long residentKiB()
+{
+    QFile file("/proc/self/statm");
+    const QByteArray fields = file.open(QIODevice::ReadOnly) ? file.readAll() : "0 0";
+    return fields.split(' ').at(1).toLong() * sysconf(_SC_PAGESIZE) / 1024;
+}
+
+/* What the design keeps: the timers of every showing and the validators of every digits window. */
+struct Kept {
+    int timers = STKDialog::Instance()->findChildren<QTimer *>().size() +
+        STKInputDlg::StkInputDlgInstance()->findChildren<QTimer *>().size();
+    int validators = STKInputDlg::StkInputDlgInstance()->findChildren<QValidator *>().size();
+
+    long kiB() const { return (timers * 400L + validators * 2000L) / 1024; }
+};
+
+/* The modem service, the card, and the user, who all do whatever comes to their minds. */
+class Soak : public QObject {
+    Q_OBJECT
+
 public:
-    explicit Modem(unsigned seed)
-        : m_dice(seed)
+    Soak(unsigned seed, int seconds)
+        : m_end(Clock::now() + std::chrono::seconds(seconds))
+        , m_service(seed)
+        , m_user(seed + 1)
+        , m_card(seed + 2)
     {
+        fakeModem.onCall = [this](const QString &function, int id) { return call(function, id); };
+        m_mainWindow.resize(640, 480);
+        m_mainWindow.show();
+        HostUi::setMainWindow(&m_mainWindow);
+        HostUi::setUrlOpener([](const QUrl &) { return true; });
+        STKDialog::Instance();
     }
 
-    int32_t fate()
+    void run()
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_dice.once(25) ? -1 : 0;
+        beTheUser();
+        std::thread card([this] {
+            while (Clock::now() < m_end) {
+                beTheCard();
+                std::this_thread::sleep_for(
+                    std::chrono::microseconds(m_card.once(4) ? 0 : m_card.upTo(4000)));
+            }
+        });
+        while (Clock::now() < m_end) {
+            QTest::qWait(50);
+            if (startKiB == 0 && commands > 1000) {
+                startKiB = residentKiB();
+                keptAtStart = Kept().kiB();
+            }
+        }
+        card.join();
+        m_stopped = true;
     }
 
-    template <size_t units> void put(uint16_t (&text)[units])
+    void openToolkit()
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        const uint16_t letters[] = {'a',    'W',   ' ',    '<',    '&', 0x416,
-                                    0x4E2D, 0x639, 0xD83D, 0xDE00, '\n'};
-        const size_t length = m_dice.once(4) ? units : static_cast<size_t>(m_dice.upTo(40));
-        for (size_t i = 0; i < length; ++i)
-            text[i] = letters[m_dice.upTo(10)];
-        if (length < units)
-            text[length] = 0;
+        QRect area;
+        STKDialog::Instance()->ShowStkDlg(&m_mainWindow, area);
+        ++shown;
     }
 
-    int number(int highest)
+    int failures = 0;
+    long answers = 0, shown = 0, startKiB = 0, keptAtStart = 0;
+    std::atomic<long> commands{0};
+
+public slots:
+    /* A command's handler has begun. */
+    void take()
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_dice.upTo(highest);
+        m_depth = QThread::currentThread()->loopLevel(); // first, so that the sum never falls short
+        --m_waiting;
     }
 
-    /* A command is out: its answer is awaited. */
-    int16_t command(bool alone)
+private:
+    struct Book {
+        bool alone; /* the handlers of all earlier commands had run when it was sent */
+        bool answered;
+    };
+
+    int32_t call(const QString &function, int id)
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        ++m_id;
-        m_answered[m_id] = Book{alone, false};
-        if (m_answered.size() > 1000)
-            m_answered.erase(m_answered.begin());
-        return static_cast<int16_t>(m_id);
+        if (m_service.once(25))
+            return -1;
+        if (function.startsWith("Answer") || function.startsWith("Send"))
+            return answer(id);
+        if (function.endsWith("Menu"))
+            fillMenus();
+        else if (function.startsWith("Get"))
+            fillDetails();
+        return 0;
+    }
+
+    QString text()
+    {
+        const int letters[] = {'a', 'W', ' ', '<', '&', 0x416, 0x4E2D, 0x639, 0xD83D, 0xDE00, '\n'};
+        QString text;
+        for (int left = m_service.once(4) ? 600 : m_service.upTo(40); left > 0; --left)
+            text += QChar(m_service.of(letters));
+        return text;
+    }
+
+    void fillMenus()
+    {
+        FakeModemService &to = fakeModem;
+        to.mainTitle = to.subTitle = text();
+        to.mainItems.clear();
+        for (int id = m_service.upTo(28); id > 0; --id)
+            to.mainItems.push_back({static_cast<int16_t>(id), text()});
+        to.subItems = to.mainItems;
+        to.itemCountOverride = m_service.once(20) ? -2 : to.NoOverride;
+        to.nullItems = m_service.once(20);
+    }
+
+    void fillDetails()
+    {
+        FakeModemService &to = fakeModem;
+        const auto number = [this](int highest) {
+            return static_cast<short>(m_service.upTo(highest));
+        };
+        const auto time = [this](int longest) {
+            return static_cast<uint16_t>(m_service.upTo(longest));
+        };
+        to.playTone = {number(20), time(2), {}};
+        to.launchBrowser.nLaunchMode = number(4);
+        to.inKey = {{}, number(4), number(2), time(50)};
+        to.input = {{}, number(4), number(2), number(4), number(40), number(2), {}};
+        --to.input.sMinLen;
+        --to.input.sMaxLen;
+        to.promptText = {{}, number(1), time(2)};
+        to.put(to.idleText.szText, text());
+        to.put(to.playTone.szText, text());
+        to.put(to.launchBrowser.szUrl, text());
+        to.put(to.inKey.szText, text());
+        to.put(to.input.szText, text());
+        to.put(to.input.szDefaultText, text());
+        to.put(to.promptText.szText, text());
     }
 
     /* The user interface answers.  What the callback answers by itself, on its own thread, may
      * cross with that: such a command was over before its handler ran. */
-    int32_t answer(int16_t id)
+    int32_t answer(int id)
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_dice.once(25))
-            return -1;
         const auto book =
             m_answered.find(m_id - static_cast<uint16_t>(m_id - static_cast<uint16_t>(id)));
         if (book == m_answered.end())
             return -1;
-        if (std::this_thread::get_id() != guiThread) {
+        if (QThread::currentThread() != qApp->thread()) {
             book->second.alone = false;
         } else if (book->second.answered && book->second.alone) {
             std::printf("command %d was answered twice\n", id);
@@ -117,353 +211,105 @@ public:
         return 0;
     }
 
-    std::thread::id guiThread = std::this_thread::get_id();
-    std::atomic<int> failures{0};
-    std::atomic<long> answers{0};
-    std::atomic<MOVA_STKCallback> stkCallback{nullptr};
-    std::atomic<MOVA_DevMgrCallback> deviceCallback{nullptr};
-
-private:
-    struct Book {
-        bool alone; /* the handlers of all earlier commands had run when it was sent */
-        bool answered;
-    };
-
-    std::mutex m_mutex;
-    Dice m_dice;
-    uint32_t m_id = 0;
-    std::map<uint32_t, Book> m_answered;
-};
-
-Modem *modem = nullptr;
-
-template <typename Record> int32_t menu(Record *record)
-{
-    if (modem->fate() != 0)
-        return -1;
-    modem->put(record->szTitle);
-    record->sItemCount = static_cast<int16_t>(modem->number(30) - 2);
-    record->pItems = record->sItemCount > 0 ? new MOVA_STKMenuItem[record->sItemCount] : nullptr;
-    for (int i = 0; i < record->sItemCount; ++i) {
-        record->pItems[i].sItemId = static_cast<int16_t>(i);
-        modem->put(record->pItems[i].szItemText);
-    }
-    return 0;
-}
-
-template <typename Record> int32_t release(Record *record)
-{
-    delete[] record->pItems;
-    return modem->fate();
-}
-
-} // namespace
-
-int32_t MOVA_STK_RegisterCallBack(MOVA_STKCallback callback)
-{
-    modem->stkCallback = callback;
-    return 0;
-}
-int32_t MOVA_DevSrv_RegisterDevMgrCallback(MOVA_DevMgrCallback callback)
-{
-    modem->deviceCallback = callback;
-    return 0;
-}
-int32_t MOVA_STK_UnRegisterCallBack(MOVA_STKCallback)
-{
-    return 0;
-}
-int32_t MOVA_DevSrv_UnRegisterDevMgrCallback(MOVA_DevMgrCallback)
-{
-    return 0;
-}
-int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo *info)
-{
-    return menu(info);
-}
-int32_t MOVA_STKSrv_ReleaseMenus(MOVA_STKMenuInfo *info)
-{
-    return release(info);
-}
-int32_t MOVA_STKSrv_GetSubMenu(int16_t, MOVA_STKSubMenuInfo *info)
-{
-    return menu(info);
-}
-int32_t MOVA_STKSrv_ReleaseSubMenus(MOVA_STKSubMenuInfo *info)
-{
-    return release(info);
-}
-int32_t MOVA_STKSrv_SelectMenuItem(int16_t, int16_t)
-{
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_SelectSubMenuItem(int16_t, int32_t, int16_t)
-{
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetRefreshInfo(int16_t, MOVA_STKRefreshInfo *)
-{
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetIdleModePrompt(int16_t, MOVA_STKIdleModeTextInfo *info)
-{
-    modem->put(info->szText);
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetPlayTone(int16_t, MOVA_STKPlayToneInfo *info)
-{
-    modem->put(info->szText);
-    info->nTone = modem->number(20);
-    info->usDuration = static_cast<uint16_t>(modem->number(2));
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetLaunchBrowser(int16_t, MOVA_STKLaunchBrowserInfo *info)
-{
-    modem->put(info->szUrl);
-    info->nLaunchMode = modem->number(4);
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetInKeyRequest(int16_t, MOVA_STKInKeyInfo *info)
-{
-    modem->put(info->szText);
-    info->nInputType = modem->number(4);
-    info->bOption = modem->number(2);
-    info->usDuration = static_cast<uint16_t>(modem->number(50));
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetInputRequest(int16_t, MOVA_STKInputInfo *info)
-{
-    modem->put(info->szText);
-    modem->put(info->szDefaultText);
-    info->nInputType = modem->number(4);
-    info->bEcho = modem->number(2);
-    info->sMinLen = static_cast<int16_t>(modem->number(4) - 1);
-    info->sMaxLen = static_cast<int16_t>(modem->number(40) - 1);
-    info->bOption = modem->number(2);
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_GetPromptText(int16_t, MOVA_STKPromptTextInfo *info)
-{
-    modem->put(info->szText);
-    info->nClearMode = modem->number(1);
-    info->usDuration = static_cast<uint16_t>(modem->number(2));
-    return modem->fate();
-}
-int32_t MOVA_STKSrv_AnswerInKey(int16_t id, int32_t, const uint16_t *)
-{
-    return modem->answer(id);
-}
-int32_t MOVA_STKSrv_AnswerInput(int16_t id, int32_t, const uint16_t *)
-{
-    return modem->answer(id);
-}
-int32_t MOVA_STKSrv_SendNoDataResponse(int16_t id, _STK_UI_EN_STKTYPE, _STK_UI_EN_TERMINALRESPONSE)
-{
-    return modem->answer(id);
-}
-
-namespace {
-
-/* Counts the commands whose handlers have not begun.  Called by name: the thread sanitizer does not
- * see how Qt hands a functor over. */
-class Queue : public QObject {
-    Q_OBJECT
-public:
-    std::atomic<int> waiting{0};
-    /* event loops on top of each other: every window under another has one */
-    std::atomic<int> depth{0};
-
-    /* How deep it may get when every waiting command opens a window on top of the others: a slow
-     * machine may have no time for the user between them. */
-    int deepest() const { return depth + waiting; }
-public slots:
-    void take()
+    /* A command is out: its answer is awaited. */
+    int16_t command()
     {
-        depth = QThread::currentThread()->loopLevel(); // first, so that deepest() never falls short
-        --waiting;
-    }
-};
-
-/* The card: a thread that sends whatever comes to its mind. */
-class Card {
-public:
-    Card(unsigned seed, Queue *queue, Clock::time_point end)
-        : m_dice(seed)
-        , m_queue(queue)
-        , m_end(end)
-        , m_thread([this] { run(); })
-    {
-    }
-    ~Card() { m_thread.join(); }
-    long commands() const { return m_commands; }
-
-private:
-    void run()
-    {
-        while (Clock::now() < m_end) {
-            act();
-            std::this_thread::sleep_for(
-                std::chrono::microseconds(m_dice.once(4) ? 0 : m_dice.upTo(4000)));
-        }
+        std::lock_guard<std::mutex> lock(m_mutex);
+        ++m_id;
+        m_answered[m_id] = Book{m_waiting == 0, false};
+        if (m_answered.size() > 1000)
+            m_answered.erase(m_answered.begin());
+        return static_cast<int16_t>(m_id);
     }
 
-    void act()
+    void beTheCard()
     {
-        if (m_queue->deepest() >= MAX_DEPTH)
-            return; // the user must close some windows first: the stack is not endless
-        if (m_dice.once(60)) {
-            modem->deviceCallback.load()(6600 + m_dice.upTo(4), nullptr);
+        // Every waiting command may open a window on top of the others, and a slow machine may have
+        // no time for the user between them: the stack is not endless.
+        if (m_depth + m_waiting >= MAX_DEPTH)
+            return;
+        if (m_card.once(60)) {
+            fakeModem.deviceCallback(6600 + m_card.upTo(4), nullptr);
             return;
         }
-        if (m_dice.once(200)) {
-            modem->stkCallback.load()(0, nullptr);
+        if (m_card.once(200)) {
+            fakeModem.stkCallback(0, nullptr);
             return;
         }
         // The menu and the end of a session come often, as on a real card: they clear a verdict.
         const int types[] = {0, 1, 1,  2,  2,  3,  3,  4,  5,  6, 6,   7,
                              8, 9, 10, 11, 12, 13, 55, 99, 99, 0, 100, -1};
-        MOVA_STKNotifyData data = {static_cast<_MOVA_EN_STKTYPE>(m_dice.of(types)),
-                                   modem->command(m_queue->waiting == 0), m_dice.once(40)};
-        ++m_queue->waiting;
-        modem->stkCallback.load()(0, &data);
-        // Behind the command's own signal in the queue: its handler has begun when this runs.
-        QMetaObject::invokeMethod(m_queue, "take", Qt::QueuedConnection);
-        ++m_commands;
+        MOVA_STKNotifyData data = {static_cast<_MOVA_EN_STKTYPE>(m_card.of(types)), command(),
+                                   m_card.once(40)};
+        ++m_waiting;
+        fakeModem.stkCallback(0, &data);
+        // Behind the command's own signal in the queue; by name, since the thread sanitizer does
+        // not see how Qt hands a functor over.
+        QMetaObject::invokeMethod(this, "take", Qt::QueuedConnection);
+        ++commands;
     }
 
-    Dice m_dice;
-    Queue *m_queue;
-    const Clock::time_point m_end;
-    std::atomic<long> m_commands{0};
-    std::thread m_thread;
-};
-
-QDialog *toolkitWindow()
-{
-    STKTableWidget *const table = STKDialog::Instance()->m_pTableWidget;
-    return table ? qobject_cast<QDialog *>(table->window()) : nullptr;
-}
-
-/* The user: does something to the window on top, or opens the toolkit. */
-class User : public QObject {
-public:
-    User(unsigned seed, QWidget *mainWindow, Queue *queue, Clock::time_point end)
-        : m_dice(seed)
-        , m_mainWindow(mainWindow)
-        , m_queue(queue)
-        , m_end(end)
+    /* Every other millisecond, also inside the event loop that an action has opened; a repeating
+     * timer would wait for that to end. */
+    void beTheUser()
     {
-    }
-
-    /* Acts every other millisecond, also inside the event loop that an action of its own has
-     * opened; a repeating timer would wait for that to end. */
-    void goOn()
-    {
-        if (stopped)
+        if (m_stopped)
             return;
-        m_queue->depth = QThread::currentThread()->loopLevel();
-        QTimer::singleShot(2, this, [this] { goOn(); });
-        act();
-    }
-
-    bool stopped = false;
-    long shown = 0;
-
-private:
-    void act()
-    {
+        m_depth = QThread::currentThread()->loopLevel();
+        QTimer::singleShot(2, this, [this] { beTheUser(); });
+        while (m_user.once(25) && QApplication::overrideCursor())
+            QApplication::restoreOverrideCursor(); // as a host may
         QWidget *const top = QApplication::activeModalWidget();
+        STKTableWidget *const table = STKDialog::Instance()->m_pTableWidget;
         if (Clock::now() >= m_end) { // the event loops of all windows have to unwind
             if (top)
                 top->close();
-            return;
+        } else if (!table && (!top || m_user.once(20))) {
+            openToolkit();
+        } else if (top) {
+            useWindow(top);
         }
-        if (!top || (!toolkitWindow() && m_dice.once(20))) {
-            if (!toolkitWindow()) {
-                QRect area;
-                STKDialog::Instance()->ShowStkDlg(m_mainWindow, area);
-                ++shown;
-            }
-            return;
-        }
+    }
+
+    void useWindow(QWidget *top)
+    {
         const int keys[] = {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Down,
                             Qt::Key_Up,     Qt::Key_1,     Qt::Key_A,      Qt::Key_Backspace,
                             Qt::Key_Tab,    Qt::Key_Space};
-        switch (m_dice.upTo(5)) {
-        case 0:
-            clickAButton(top);
-            break;
-        case 1:
-            if (m_dice.once(4))
-                top->close();
-            break;
-        case 2:
-            clickARow(top);
-            break;
-        default:
+        const auto buttons = top->findChildren<QPushButton *>();
+        const int what = m_user.upTo(5);
+        if (what == 0 && !buttons.isEmpty())
+            buttons.at(m_user.upTo(buttons.size() - 1))->click();
+        else if (what == 1 && m_user.once(4))
+            top->close();
+        else if (what == 2)
+            clickARow(top, top->findChild<QTableWidget *>());
+        else if (what > 2)
             QTest::sendKeyEvent(QTest::Click, top->focusWidget() ? top->focusWidget() : top,
-                                static_cast<Qt::Key>(m_dice.of(keys)), "1", Qt::NoModifier);
-        }
+                                static_cast<Qt::Key>(m_user.of(keys)), "1", Qt::NoModifier);
     }
 
-    void clickAButton(QWidget *top)
+    void clickARow(QWidget *top, QTableWidget *table)
     {
-        const QList<QPushButton *> buttons = top->findChildren<QPushButton *>();
-        if (!buttons.isEmpty())
-            buttons.at(m_dice.upTo(buttons.size() - 1))->click();
-    }
-
-    void clickARow(QWidget *top)
-    {
-        QTableWidget *const table = top->findChild<QTableWidget *>();
         if (!table || table->rowCount() == 0)
             return;
         const QPoint at =
-            table->visualItemRect(table->item(m_dice.upTo(table->rowCount() - 1), 0)).center();
+            table->visualItemRect(table->item(m_user.upTo(table->rowCount() - 1), 0)).center();
         QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-        if (m_dice.once(2) && QApplication::activeModalWidget() == top)
+        if (m_user.once(2) && QApplication::activeModalWidget() == top)
             QTest::mouseDClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     }
 
-    Dice m_dice;
-    QWidget *m_mainWindow;
-    Queue *m_queue;
     const Clock::time_point m_end;
-};
-
-long residentKiB()
-{
-    long pages = 0, resident = 0;
-    if (FILE *const file = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(file, "%ld %ld", &pages, &resident) != 2)
-            resident = 0;
-        std::fclose(file);
-    }
-    return resident * sysconf(_SC_PAGESIZE) / 1024;
-}
-
-long peakKiB()
-{
-    rusage usage;
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
-/* What the design keeps: the timers of every showing, the validators of every digits window, and
- * the cursors of every wait. */
-struct Kept {
-    int timers = 0, validators = 0;
-
-    static Kept now()
-    {
-        Kept kept;
-        STKInputDlg *const input = STKInputDlg::StkInputDlgInstance();
-        kept.timers = STKDialog::Instance()->findChildren<QTimer *>().size() +
-            input->findChildren<QTimer *>().size();
-        kept.validators = input->findChildren<QValidator *>().size();
-        return kept;
-    }
-    long kiB() const { return (timers * 400L + validators * 2000L) / 1024; }
+    Dice m_service, m_user, m_card;
+    QWidget m_mainWindow;
+    bool m_stopped = false;
+    /* commands whose handlers have not begun, and event loops on top of each other: every window
+     * under another has one */
+    std::atomic<int> m_waiting{0}, m_depth{0};
+    std::mutex m_mutex;
+    uint32_t m_id = 0;
+    std::map<uint32_t, Book> m_answered;
 };
 
 bool closeEverything()
@@ -481,11 +327,10 @@ bool closeEverything()
     return false;
 }
 
-bool toolkitWorks(QWidget *mainWindow)
+bool toolkitWorks(Soak &soak)
 {
-    QRect area;
     STKDialog *const dialog = STKDialog::Instance();
-    dialog->ShowStkDlg(mainWindow, area);
+    soak.openToolkit();
     QTest::qWait(50);
     STKTableWidget *const table = dialog->m_pTableWidget;
     for (int i = 0; i < 100 && !dialog->m_pStkThread->isRunning(); ++i) {
@@ -518,69 +363,34 @@ int main(int argc, char **argv)
         if (type == QtFatalMsg)
             std::fprintf(stderr, "%s\n", qPrintable(message));
     });
-    Modem theModem(seed);
-    modem = &theModem;
-    HostUi::setUrlOpener([](const QUrl &) { return true; });
-    QWidget mainWindow;
-    mainWindow.resize(640, 480);
-    mainWindow.show();
-    HostUi::setMainWindow(&mainWindow);
-    STKDialog::Instance();
-
-    long commands = 0, startKiB = 0;
-    Kept keptAtStart;
-    const Clock::time_point start = Clock::now(), end = start + std::chrono::seconds(seconds);
-    Queue queue;
-    User user(seed + 1, &mainWindow, &queue, end);
-    QTimer clerk;
-    user.goOn();
-    {
-        Card card(seed + 2, &queue, end);
-        QObject::connect(&clerk, &QTimer::timeout, &user, [&] {
-            while (QApplication::overrideCursor())
-                QApplication::restoreOverrideCursor(); // as a host may
-            if (startKiB == 0 && card.commands() > 1000) {
-                startKiB = residentKiB();
-                keptAtStart = Kept::now();
-            }
-        });
-        clerk.start(50);
-        while (Clock::now() < end)
-            QTest::qWait(50);
-        clerk.stop();
-        commands = card.commands();
-    }
-    const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
-    user.stopped = true;
+    Soak soak(seed, seconds);
+    soak.run();
     const bool closed = closeEverything();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    const Kept kept = Kept::now();
-    const long grown = residentKiB() - startKiB, keptKiB = kept.kiB() - keptAtStart.kiB();
+    const Kept kept;
+    const long grown = residentKiB() - soak.startKiB, keptKiB = kept.kiB() - soak.keptAtStart;
 
-    int failures = theModem.failures;
+    int failures = soak.failures;
     const auto require = [&failures](bool holds, const char *what) {
-        if (!holds) {
+        failures += !holds;
+        if (!holds)
             std::printf("FAILED: %s\n", what);
-            ++failures;
-        }
     };
     require(closed, "every window can be closed");
     int left = 0;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows)
-        left += qobject_cast<ExtendDialog *>(window) != nullptr;
+    for (QWidget *window : QApplication::topLevelWidgets())
+        left += bool(qobject_cast<ExtendDialog *>(window));
     require(left == 0, "no window is left behind");
-    require(toolkitWorks(&mainWindow), "the toolkit works afterwards");
+    require(toolkitWorks(soak), "the toolkit works afterwards");
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    require(startKiB == 0 || grown <= keptKiB + 8 * 1024,
+    require(soak.startKiB == 0 || grown <= keptKiB + 8 * 1024,
             "memory is flat after the first thousand commands");
 #endif
-    std::printf("soak: %ld commands (%.0f a second), %ld answers, the toolkit shown %ld times\n",
-                commands, commands / elapsed, theModem.answers.load(), user.shown);
+    std::printf("soak: %ld commands (%ld a second), %ld answers, the toolkit shown %ld times\n",
+                soak.commands.load(), soak.commands / qMax(seconds, 1), soak.answers, soak.shown);
     std::printf("soak: memory grew by %ld KiB after the first thousand, of which about %ld KiB are "
-                "kept on purpose "
-                "(%d timers, %d validators); peak %ld KiB\n",
-                grown, keptKiB, kept.timers, kept.validators, peakKiB());
+                "kept on purpose (%d timers, %d validators)\n",
+                grown, keptKiB, kept.timers, kept.validators);
     STKDialog::Instance()->unSDKRegisterEvent();
     STKDialog::Destroy();
     std::printf("%d passed, %d failed\n", failures ? 0 : 1, failures);

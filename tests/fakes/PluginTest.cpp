@@ -1,5 +1,6 @@
 #include "PluginTest.h"
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
@@ -26,6 +27,15 @@ QStringList PluginTest::takeTrace()
     static const QRegularExpression time("\\b[0-2]\\d:[0-5]\\d:[0-5]\\d:\\d{3}\\b");
     std::lock_guard<std::mutex> lock(traceMutex);
     return std::exchange(traceLines, QStringList()).replaceInStrings(time, "TIME");
+}
+
+bool PluginTest::traced(const QString &text, const QString &function)
+{
+    const QStringList lines = takeTrace();
+    return std::any_of(lines.begin(), lines.end(), [&](const QString &line) {
+        return line.startsWith(text + " ../../src/STKPlugin/") &&
+            line.endsWith(": " + function + ": TIME: ");
+    });
 }
 
 QString PluginTest::methodsOf(const QMetaObject &meta)

@@ -27,6 +27,9 @@ protected:
     /* The trace lines since the last take, each with its time field replaced by "TIME". */
     static QStringList takeTrace();
 
+    /* Whether a function wrote that since the last take. */
+    static bool traced(const QString &text, const QString &function);
+
     /* The service's calls since the last take, with blanks between. */
     QString calls() { return modem.takeCalls().join(" "); }
 
