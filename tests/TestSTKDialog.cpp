@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTimer>
 
 #include "STKInputDlg.h"
@@ -467,9 +468,13 @@ private slots:
 
     void theModemGoesAndComes()
     {
-        show();
+        STKDialog *const dialog = show();
         QPointer<QDialog> window = frame();
+        dialog->stkWaitforRespond(1000000); // during which it cannot close
+        QSignalSpy ticks(dialog->findChild<QTimer *>("STKTimer"), SIGNAL(timeout()));
         modem.device(MOVA_DEV_EVENT_DEVICE_REMOVED);
+        QVERIFY(ticks.wait());
+        modem.notify(MOVA_STKTYPE_END_SESSION, 1);
         QTRY_VERIFY(!window || !window->isVisible());
         modem.device(MOVA_DEV_EVENT_DEVICE_NOT_READY); // nothing is open any more
         deliver();

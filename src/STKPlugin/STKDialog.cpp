@@ -633,10 +633,13 @@ void STKDialog::onSTKTimeOut()
     if (!m_pStkTimer)
         return;
     if (m_strTimerType == "STK_DEVICE_TIMER") {
-        m_strTimerType = "";
-        stopTimers(STK_TIMER_NAME);
         closeInputDlg();
-        onButtonClickClose();
+        // The frame refuses to close while the card is waited for: the timer goes on.
+        if (!m_pStkThread || !m_pStkThread->isRunning()) {
+            m_strTimerType = "";
+            stopTimers(STK_TIMER_NAME);
+            onButtonClickClose();
+        }
     } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
         m_strTimerType = "";
         stopTimers(STK_TIMER_NAME);
