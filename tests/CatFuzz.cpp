@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <random>
 
 #include "CatCommands.h"
@@ -34,20 +35,15 @@ void check(bool holds, const char *what)
     std::abort();
 }
 
-// Three bytes of UTF-8 a character at most, and eight characters in seven packed bytes.
-size_t longestText(size_t bytes)
-{
-    return bytes * 4 + 8;
-}
-
 void checkText(const std::string &text)
 {
     check(text.find('\0') == std::string::npos, "a zero in a text");
     check(toUtf8(toUtf16(text)) == text, "a text that is no UTF-8");
-    check(text.size() <= longestText(g_input.size()), "a text longer than its input");
+    // Three bytes of UTF-8 a character at most, and eight characters in seven packed bytes.
+    check(text.size() <= g_input.size() * 4 + 8, "a text longer than its input");
 }
 
-void checkTexts(const CatJson::Json &json)
+void checkTexts(const cat::Json &json)
 {
     if (json.is_string())
         checkText(json);
@@ -76,7 +72,7 @@ void checkCommand()
     check(command.reason.size() < 300, "an endless reason");
     check(command.reason.empty() == (command.problem == cat::Problem::None),
           "a problem without a reason, or the other way round");
-    checkTexts(CatJson::fields(command));
+    checkTexts(cat::fields(command));
     checkBridge(command);
     check(cat::textRoom(command) > 127, "no room for an answer");
 
@@ -153,37 +149,27 @@ private:
             bytes.push_back(uint8_t(below(256)));
         static constexpr uint8_t Telling[] = {0x00, 0x01, 0x1b, 0x7f, 0x80, 0x81,
                                               0x82, 0x83, 0xd0, 0xd8, 0xfe, 0xff};
+        const uint8_t telling = Telling[below(std::size(Telling))];
         const auto place = bytes.begin() + below(bytes.size());
-        switch (below(8)) {
-        case 0:
-            *place ^= uint8_t(1u << below(8));
-            break;
-        case 1: // a length that lies, among others
-            *place = Telling[below(std::size(Telling))];
-            break;
-        case 2:
-            bytes.erase(place, bytes.end());
-            break;
-        case 3:
-            bytes.erase(place);
-            break;
-        case 4:
-            bytes.insert(place, 1 + below(40), Telling[below(std::size(Telling))]);
-            break;
-        case 5: { // a piece of another command
-            const Bytes &other = command();
-            bytes.insert(place, other.begin() + below(other.size()), other.end());
-            break;
-        }
-        case 6: // another type, or another qualifier
-            if (bytes.size() > 6)
-                bytes[5 + below(2)] = uint8_t(below(256));
-            break;
-        case 7:
-            if (bytes.size() > 2 && bytes.size() < 0x82)
-                bytes[1] = uint8_t(bytes.size() - 2); // the outer length right again
-            break;
-        }
+        const std::function<void()> faults[] = {
+            [&] { *place ^= uint8_t(1u << below(8)); },
+            [&] { *place = telling; }, // a length that lies, among others
+            [&] { bytes.erase(place, bytes.end()); },
+            [&] { bytes.erase(place); },
+            [&] { bytes.insert(place, 1 + below(40), telling); },
+            [&, &other = command()] {
+                bytes.insert(place, other.begin() + below(other.size()), other.end());
+            },
+            [&] { // another type, or another qualifier
+                if (bytes.size() > 6)
+                    bytes[5 + below(2)] = uint8_t(below(256));
+            },
+            [&] { // the outer length right again
+                if (bytes.size() > 2 && bytes.size() < 0x82)
+                    bytes[1] = uint8_t(bytes.size() - 2);
+            },
+        };
+        faults[below(std::size(faults))]();
     }
 
     std::mt19937_64 m_random;
