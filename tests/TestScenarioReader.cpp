@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fnmatch.h>
 #include <fstream>
 
 #include "ScenarioReader.h"
@@ -34,30 +35,31 @@ std::string errorIn(const std::string &content)
     return error.substr(name.size() + 2);
 }
 
+// In the rows a `*` stands for anything: the names of all keys, or what the JSON library says.
+void expectError(const std::string &content, const std::string &pattern)
+{
+    const std::string error = errorIn(content);
+    EXPECT_EQ(fnmatch(pattern.c_str(), error.c_str(), 0), 0) << error << ", not " << pattern;
+}
+
 } // namespace
 
 TEST(ScenarioReader, NamesPlaceExpectedAndFound)
 {
     const std::string number = ": expected a whole number from ";
     const std::string unknown = ": unknown key; allowed here: ";
+    std::string path; // as much of it as an error shows
+    while (path.size() < 100)
+        path += "/0";
     const std::pair<std::string, std::string> rows[] = {
         {"", "expected a scenario, found an empty file"},
         {"{\n  \"menu\": {\n    oops",
-         "line 3, column 5: not JSON: syntax error while parsing object key - invalid literal; "
-         "last read: '\"menu\": "
-         "{<U+000A>    o'; expected string literal"},
-        {"{\"name\":\"\xff\"}",
-         "line 1, column 10: not JSON: syntax error while parsing value - invalid string: "
-         "ill-formed UTF-8 byte; last "
-         "read: '\"\xef\xbf\xbd'"},
-        {std::string(401, '['),
-         "/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/"
-         "0/0/0/0/0/0…: "
-         "nested deeper than 400 levels"},
+         "line 3, column 5: not JSON: syntax error *'\"menu\": {<U+000A>    o'*"},
+        {"{\"name\":\"\xff\"}", "line 1, column 10: not JSON: *UTF-8*'\"\xef\xbf\xbd'"},
+        {std::string(401, '['), path + "…: nested deeper than 400 levels"},
         {"[]", "/: expected an object, found an empty list"},
         {"{}", "/: expected the key \"menu\" (an object), found none"},
-        {R"({"menu":{},"menus":{}})",
-         "/menus" + unknown + "name, latency, responseTime, modemTime, menu, unasked, fail"},
+        {R"({"menu":{},"menus":{}})", "/menus" + unknown + "name, *, fail"},
         {withItems(R"({"text":"a"},{"text":"b","text":"c"})"),
          "/menu/items/1/text: this key stands here twice"},
         {withItems(R"({"text":12})"), "/menu/items/0/text: expected a string, found 12"},
@@ -72,42 +74,23 @@ TEST(ScenarioReader, NamesPlaceExpectedAndFound)
         {R"({"latency":0,"menu":{"title":"M","items":[]}})",
          "/latency" + number + "1 to 86400000, found 0"},
         {R"({"menu":{"title":"M","items":[]},"fail":{"MOVA_Get":-1}})",
-         "/fail/MOVA_Get" + unknown +
-             "MOVA_STK_RegisterCallBack, MOVA_STK_UnRegisterCallBack, "
-             "MOVA_DevSrv_RegisterDevMgrCallback, "
-             "MOVA_DevSrv_UnRegisterDevMgrCallback, MOVA_STKSrv_GetMainMenu, "
-             "MOVA_STKSrv_ReleaseMenus, "
-             "MOVA_STKSrv_GetSubMenu, MOVA_STKSrv_ReleaseSubMenus, MOVA_STKSrv_SelectMenuItem, "
-             "MOVA_STKSrv_SelectSubMenuItem, MOVA_STKSrv_GetIdleModePrompt, "
-             "MOVA_STKSrv_GetPlayTone, "
-             "MOVA_STKSrv_GetLaunchBrowser, MOVA_STKSrv_GetInKeyRequest, "
-             "MOVA_STKSrv_GetInputRequest, "
-             "MOVA_STKSrv_GetPromptText, MOVA_STKSrv_GetRefreshInfo, MOVA_STKSrv_AnswerInKey, "
-             "MOVA_STKSrv_AnswerInput, "
-             "MOVA_STKSrv_SendNoDataResponse"},
+         "/fail/MOVA_Get" + unknown + "MOVA_STK_RegisterCallBack, *"},
         {R"({"menu":{"title":"M","items":[],"fail":{"MOVA_STKSrv_GetMainMenu":0}}})",
          "/menu/fail/MOVA_STKSrv_GetMainMenu: expected a status other than 0, found 0"},
         {R"({"menu":{"title":"M","items":[]},"unasked":[{"after":1,"send":{"wait":1}}]})",
          "/unasked/0/send: expected the key \"command\" (a string), found none"},
     };
     for (const auto &[content, error] : rows)
-        EXPECT_EQ(errorIn(content), error);
+        expectError(content, error);
     const std::pair<std::string, std::string> steps[] = {
         {"7", "0: expected an object, found 7"},
-        {"{}",
-         "0: expected a step with one of the keys command, wait, silence, endSession, timeout, "
-         "goto, modem, found an "
-         "empty object"},
+        {"{}", "0: expected a step with one of the keys command, *, modem, found an empty object"},
         {R"({"wait":10,"silence":true})", "0/silence" + unknown + "wait"},
         {R"({"silence":false})", "0/silence: expected true, found false"},
         {R"({"command":"beep"})",
-         "0/command: expected one of displayText, getInkey, getInput, launchBrowser, playTone, "
-         "raw, refresh, "
-         "selectItem, sendShortMessage, sendSs, sendUssd, setUpCall, setUpIdleModeText, setUpMenu, "
-         "found \"beep\""},
+         "0/command: expected one of displayText, *, setUpMenu, found \"beep\""},
         {R"({"command":"displayText","txt":"a"})",
-         "0/txt" + unknown +
-             "command, text, clearMode, duration, label, on, fail, responseTime, unterminated"},
+         "0/txt" + unknown + "command, text, clearMode, duration, label, *"},
         {R"({"command":"displayText","text":"a","on":{"yes":[]}})",
          "0/on/yes" + unknown + "ok, terminated, notSupported, otherwise"},
         {R"({"command":"getInput","text":"a","on":{"text":{"a/b~":[{"wait":"1"}]}}})",
@@ -123,20 +106,21 @@ TEST(ScenarioReader, NamesPlaceExpectedAndFound)
          "1: expected a wait or the modem ready, after it was removed"},
     };
     for (const auto &[content, error] : steps)
-        EXPECT_EQ(errorIn(withItems(R"({"text":"a","do":[)" + content + "]}")),
-                  "/menu/items/0/do/" + error);
+        expectError(withItems(R"({"text":"a","do":[)" + content + "]}"),
+                    "/menu/items/0/do/" + error);
 }
 
 TEST(ScenarioReader, NamesAFileThatCannotBeRead)
 {
-    EXPECT_EQ(errorOf("/nowhere\n.json"),
-              "/nowhere\\n.json: cannot be read: No such file or directory");
-    EXPECT_EQ(errorOf("/proc"), "/proc: expected a scenario file, found a directory");
-    EXPECT_EQ(errorOf("/dev/zero"),
-              "/dev/zero: expected a scenario file, found a device or a pipe");
-    EXPECT_EQ(errorOf("/proc/self/mem"), "/proc/self/mem: cannot be read: Input/output error");
-    EXPECT_EQ(errorIn(std::string(16 * 1024 * 1024, ' ') + "{}"),
-              "expected at most 16 MiB, found more");
+    const std::pair<std::string, std::string> rows[] = {
+        {"/nowhere\n.json", "/nowhere\\n.json: cannot be read: No such file or directory"},
+        {"/proc", "/proc: expected a scenario file, found a directory"},
+        {"/dev/zero", "/dev/zero: expected a scenario file, found a device or a pipe"},
+        {"/proc/self/mem", "/proc/self/mem: cannot be read: Input/output error"},
+    };
+    for (const auto &[file, error] : rows)
+        EXPECT_EQ(errorOf(file), error);
+    expectError(std::string(16 * 1024 * 1024, ' ') + "{}", "expected at most 16 MiB, found more");
 }
 
 TEST(ScenarioReader, TakesEveryNumberThatTheRecordsHold)

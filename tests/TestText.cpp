@@ -21,14 +21,11 @@ std::u16string copied(const CommandText &text, size_t capacity)
 
 TEST(Text, FitsItsRecordAtAWholeCharacter)
 {
-    const std::string emoji = "\xf0\x9f\x98\x80"; // U+1F600
     const std::tuple<CommandText, size_t, std::u16string> rows[] = {
-        {{"", false}, 4, u""},
-        {{"abc", false}, 4, u"abc"},
         {{"abcd", false}, 4, u"abc"},
-        {{"ab" + emoji, false}, 4, u"ab"},
-        {{"a" + emoji, false}, 4, u"a\U0001F600"},
-        {{emoji, false}, 1, u""},
+        {{"ab😀", false}, 4, u"ab"},
+        {{"a😀", false}, 4, u"a😀"},
+        {{"😀", false}, 1, u""},
         {{"Größe €", false}, 16, u"Größe €"},
         {{std::string("a\0b", 3), false}, 4, u"a"},
         {{"abc", true}, 4, u"abca"},
@@ -43,7 +40,7 @@ TEST(Text, FitsItsRecordAtAWholeCharacter)
 TEST(Text, ComesBackFromUtf16)
 {
     const uint16_t units[] = {'a', 0xd83d, 0xde00, 0xd83d, 0x20ac, 0xde00, 0, 'x'};
-    EXPECT_EQ(toUtf8(units), "a\xf0\x9f\x98\x80\xef\xbf\xbd€\xef\xbf\xbd");
+    EXPECT_EQ(toUtf8(units), "a😀\ufffd€\ufffd");
     EXPECT_EQ(toUtf8(nullptr), "");
 }
 
