@@ -11,7 +11,8 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <fstream>
+#include <functional>
 #include <random>
 
 #include <unistd.h>
@@ -111,9 +112,12 @@ private:
 
     void choose()
     {
-        const std::vector<int16_t> items = mainMenu();
-        if (!items.empty())
-            MOVA_STKSrv_SelectMenuItem(1, items[m_dice.upTo(static_cast<int>(items.size()) - 1)]);
+        MOVA_STKMenuInfo menu{};
+        if (MOVA_STKSrv_GetMainMenu(&menu) != 0)
+            return;
+        if (menu.sItemCount > 0)
+            MOVA_STKSrv_SelectMenuItem(1, menu.pItems[m_dice.upTo(menu.sItemCount - 1)].sItemId);
+        MOVA_STKSrv_ReleaseMenus(&menu);
     }
 
     void enterPin(int request)
@@ -125,26 +129,15 @@ private:
 
     void disturb()
     {
-        switch (m_dice.upTo(5)) {
-        case 0:
-            CardHost::endSession();
-            break;
-        case 1:
-            CardHost::timeOutSession();
-            break;
-        case 2:
-            CardHost::removeModem();
-            break;
-        case 3:
-            CardHost::setLanguage(m_dice.once(2) ? "en" : "fr");
-            break;
-        case 4:
-            CardHost::closeCard();
-            break;
-        default:
-            CardHost::openReader("Virtual reader 00 01");
-            break; // an empty one
-        }
+        const std::function<void()> ways[] = {
+            CardHost::endSession,
+            CardHost::timeOutSession,
+            CardHost::removeModem,
+            [this] { CardHost::setLanguage(m_dice.once(2) ? "en" : "fr"); },
+            CardHost::closeCard,
+            [] { CardHost::openReader("Virtual reader 00 01"); }, // an empty one
+        };
+        ways[m_dice.upTo(std::size(ways) - 1)]();
         if (m_dice.once(2))
             return;
         CardHost::insertModem();
@@ -159,11 +152,7 @@ private:
 long residentKiB()
 {
     long pages = 0, resident = 0;
-    if (FILE *const file = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(file, "%ld %ld", &pages, &resident) != 2)
-            resident = 0;
-        std::fclose(file);
-    }
+    std::ifstream("/proc/self/statm") >> pages >> resident;
     return resident * sysconf(_SC_PAGESIZE) / 1024;
 }
 

@@ -162,49 +162,33 @@ std::optional<ServiceCall> ServiceCalls::next(int32_t type, milliseconds most)
     }
 }
 
-bool answer(const ServiceCall &command)
+void answer(const ServiceCall &command)
 {
     static constexpr uint16_t Text[] = {'5', 0};
+    const auto type = _STK_UI_EN_STKTYPE(command.type);
     switch (command.type) {
     case MOVA_STKTYPE_DISPLAY_TEXT:
     case MOVA_STKTYPE_PLAY_TONE:
     case MOVA_STKTYPE_LAUNCH_BROWSER:
     case MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT:
-        MOVA_STKSrv_SendNoDataResponse(command.id, _STK_UI_EN_STKTYPE(command.type),
-                                       STK_UI_TR_SUCCESS);
-        return true;
+        MOVA_STKSrv_SendNoDataResponse(command.id, type, STK_UI_TR_SUCCESS);
+        break;
     case MOVA_STKTYPE_SETUP_CALL:
-        MOVA_STKSrv_SendNoDataResponse(command.id, _STK_UI_EN_STKTYPE(command.type),
-                                       STK_UI_TR_NOT_SUPPORTED);
-        return true;
+        MOVA_STKSrv_SendNoDataResponse(command.id, type, STK_UI_TR_NOT_SUPPORTED);
+        break;
     case MOVA_STKTYPE_GET_INKEY:
         MOVA_STKSrv_AnswerInKey(command.id, 1, Text);
-        return true;
+        break;
     case MOVA_STKTYPE_GET_INPUT:
         MOVA_STKSrv_AnswerInput(command.id, 1, Text);
-        return true;
+        break;
     case MOVA_STKTYPE_SELECT_ITEM: {
         MOVA_STKSubMenuInfo menu{};
         if (MOVA_STKSrv_GetSubMenu(command.id, &menu) != 0)
-            return true;
+            break;
         MOVA_STKSrv_SelectSubMenuItem(command.id, MOVA_SUBMENU_ACTION_SELECT,
                                       menu.sItemCount ? menu.pItems[0].sItemId : int16_t(0));
         MOVA_STKSrv_ReleaseSubMenus(&menu);
-        return true;
     }
-    default:
-        return false;
     }
-}
-
-std::vector<int16_t> mainMenu()
-{
-    MOVA_STKMenuInfo menu{};
-    std::vector<int16_t> items;
-    if (MOVA_STKSrv_GetMainMenu(&menu) != 0)
-        return items;
-    for (int i = 0; i < menu.sItemCount; ++i)
-        items.push_back(menu.pItems[i].sItemId);
-    MOVA_STKSrv_ReleaseMenus(&menu);
-    return items;
 }

@@ -25,8 +25,6 @@ public:
     /// `arguments` are those of VirtualCard, without the port; `reader` is 0 or 1.
     explicit CardProcess(std::vector<std::string> arguments, int reader = 0);
     ~CardProcess();
-    CardProcess(const CardProcess &) = delete;
-    CardProcess &operator=(const CardProcess &) = delete;
 
     /// Waits until the card says this, at most so long, and tells when it said so; nothing when it
     /// did not.  What it said before is taken, too.
@@ -59,8 +57,6 @@ class ServiceCalls {
 public:
     ServiceCalls();
     ~ServiceCalls();
-    ServiceCalls(const ServiceCalls &) = delete;
-    ServiceCalls &operator=(const ServiceCalls &) = delete;
 
     /// Nothing when none came in the time.
     std::optional<ServiceCall> next(std::chrono::milliseconds most);
@@ -74,11 +70,7 @@ private:
     std::deque<ServiceCall> m_calls;
 };
 
-/// Does what the command asks of a user who agrees to everything.  False for what is no command
-/// that a user answers.
-bool answer(const ServiceCall &command);
-
-/// The identifiers of the menu's items.
-std::vector<int16_t> mainMenu();
+/// Does what the command asks of a user who agrees to everything.
+void answer(const ServiceCall &command);
 
 #endif

@@ -8,40 +8,35 @@ class TestReaderMenu : public QObject {
     Q_OBJECT
 
 private slots:
-    void followsReaders_data()
-    {
-        QTest::addColumn<QString>("start"); // what was asked for
-        QTest::addColumn<QStringList>("lists"); // one after the other
-        QTest::addColumn<QString>("checked"); // reader in use after the last
-        const auto row = [](const char *what, const char *start, const QStringList &lists,
-                            const char *checked) {
-            QTest::newRow(what) << QString(start) << lists << QString(checked);
-        };
-        row("first with a card", "", {"a=0 b=1 c=1"}, "b");
-        row("first without any card", "", {"a=0 b=0"}, "a");
-        row("stays with a card", "", {"a=0 b=1", "a=1 b=1"}, "b");
-        row("goes on when it is pulled", "", {"a=1 b=1", "a=0 b=1"}, "b");
-        row("goes on when it is unplugged", "", {"a=1 b=1", "b=1"}, "b");
-        row("named, though empty", "b", {"a=1 b=0"}, "b");
-        row("named by its start", "be", {"b=1 beta=1"}, "beta");
-        row("named, not there", "x", {"a=1"}, "");
-        row("no readers", "", {"a=1", ""}, "");
-    }
-
     void followsReaders()
     {
-        QFETCH(QString, start);
-        QFETCH(QStringList, lists);
-        QMenu menu;
-        ReaderMenu readers(&menu);
-        readers.use(start);
-        for (const QString &list : qAsConst(lists))
-            readers.setReaders(read(list));
-        const QAction *action = readers.checkedAction();
-        QTEST(action ? action->data().toString() : QString(""), "checked");
-        const int count = lists.last().split(' ', Qt::SkipEmptyParts).size();
-        QCOMPARE(menu.actions().size(), qMax(1, count) + 1); // a line for none, and the separator
-        QCOMPARE(menu.actions().first()->isEnabled(), count > 0);
+        const struct {
+            QString what, start; // what was asked for
+            QStringList lists; // one after the other
+            QString checked; // reader in use after the last
+        } rows[] = {
+            {"first with a card", "", {"a=0 b=1 c=1"}, "b"},
+            {"first without any card", "", {"a=0 b=0"}, "a"},
+            {"stays with a card", "", {"a=0 b=1", "a=1 b=1"}, "b"},
+            {"goes on when it is pulled", "", {"a=1 b=1", "a=0 b=1"}, "b"},
+            {"goes on when it is unplugged", "", {"a=1 b=1", "b=1"}, "b"},
+            {"named, though empty", "b", {"a=1 b=0"}, "b"},
+            {"named by its start", "be", {"b=1 beta=1"}, "beta"},
+            {"named, not there", "x", {"a=1"}, ""},
+            {"no readers", "", {"a=1", ""}, ""},
+        };
+        for (const auto &[what, start, lists, checked] : rows) {
+            QMenu menu;
+            ReaderMenu readers(&menu);
+            readers.use(start);
+            for (const QString &list : lists)
+                readers.setReaders(read(list));
+            const QAction *action = readers.checkedAction();
+            QCOMPARE(what + (action ? action->data().toString() : ""), what + checked);
+            const int count = lists.last().split(' ', Qt::SkipEmptyParts).size();
+            QCOMPARE(menu.actions().size(), qMax(1, count) + 1); // a line for none; the separator
+            QCOMPARE(menu.actions().first()->isEnabled(), count > 0);
+        }
     }
 
     // As from its own triggered signal, which the action must outlive.
