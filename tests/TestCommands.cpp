@@ -13,13 +13,6 @@
 
 #define FILE_NAME "../../src/STKPlugin/STKDialog"
 
-struct TextRow {
-    int clearMode, duration, ticks;
-    QString way;
-    int response;
-};
-Q_DECLARE_METATYPE(TextRow)
-
 /* Each proactive command from the callback to the answer, and every way to leave it. */
 class TestCommands : public PluginTest {
     Q_OBJECT
@@ -131,26 +124,23 @@ class TestCommands : public PluginTest {
     }
 
 private slots:
+    /* Clear mode, duration, after how many seconds, how, and the answer. */
     void displayText_data()
     {
-        QTest::addColumn<TextRow>("row");
-        const TextRow rows[] = {{1, 0, 0, "OK", 1},     {1, 9, 0, "CANCEL", 0},
-                                {5, 0, 0, "close", 0},  {1, 0, 0, "escape", 0},
-                                {0, 5, 2, "OK", 1},     {0, 5, 2, "CANCEL", 0},
-                                {0, 5, 4, "close", 0},  {0, 5, 5, "itself", 1},
-                                {0, 1, 1, "itself", 1}, {0, 0, 3, "itself", 1} /* by default */};
-        for (const TextRow &row : rows)
-            QTest::addRow("mode %d, %d s, at %d: %s", row.clearMode, row.duration, row.ticks,
-                          qPrintable(row.way))
-                << row;
+        addRows("row",
+                {"1 0 0 OK 1", "1 9 0 CANCEL 0", "5 0 0 close 0", "1 0 0 escape 0", "0 5 2 OK 1",
+                 "0 5 2 CANCEL 0", "0 5 4 close 0", "0 5 5 itself 1", "0 1 1 itself 1",
+                 "0 0 3 itself 1"});
     }
-
     void displayText()
     {
-        QFETCH(TextRow, row);
+        QFETCH(QString, row);
+        const int clearMode = row.section(' ', 0, 0).toInt(),
+                  duration = row.section(' ', 1, 1).toInt(), ticks = row.section(' ', 2, 2).toInt(),
+                  seconds = duration ? duration : 3;
+        const QString way = row.section(' ', 3, 3);
         STKDialog *const dialog = show();
-        const int seconds = row.duration ? row.duration : 3;
-        putText("<b>x</b> <GO-BACKWARDS>", row.clearMode, row.duration);
+        putText("<b>x</b> <GO-BACKWARDS>", clearMode, duration);
         for (int round = 0; round < 2; ++round) { // a second text starts from the beginning
             present(MOVA_STKTYPE_DISPLAY_TEXT, 31, [&] {
                 auto *const message = box()->findChild<ClipMessageBox *>();
@@ -166,19 +156,19 @@ private slots:
                 QCOMPARE(box()->size(), QSize(234, 123));
                 QCOMPARE(box()->minimumSize(), box()->maximumSize());
                 QCOMPARE(ui.beeps, round + 1);
-                QCOMPARE(ticking(dialog), row.clearMode == 0 ? QList<int>{1000} : QList<int>());
-                for (int tick = 0; tick < row.ticks; ++tick) {
+                QCOMPARE(ticking(dialog), clearMode == 0 ? QList<int>{1000} : QList<int>());
+                for (int tick = 0; tick < ticks; ++tick) {
                     const QPointer<QAbstractButton> ok = boxButton("LuminePlugin:IDS_OK");
                     QVERIFY(dialog->m_pTimeMsgDlg->isVisible());
                     dialog->onMessageTimeOut();
                     QCOMPARE(ok->text(), QString("LuminePlugin:IDS_OK = %1").arg(seconds - tick));
                 }
-                if (row.way != "itself")
-                    leave(row.way);
+                if (way != "itself")
+                    leave(way);
             });
             QVERIFY(!dialog->m_pTimeMsgDlg);
             QCOMPARE(answers(),
-                     QStringList(QString("SendNoDataResponse(31,1,%1)").arg(row.response)));
+                     QStringList(QString("SendNoDataResponse(31,1,%1)").arg(row.right(1))));
             QVERIFY(verdict());
         }
         dialog->onMessageTimeOut();
@@ -218,11 +208,10 @@ private slots:
             takeTrace();
             present(MOVA_STKTYPE_DISPLAY_TEXT, 2);
             modem.status.clear();
-            const QStringList trace = takeTrace().filter("onSTKDisplayText");
-            QCOMPARE(
-                trace.mid(1),
-                QStringList({"SendNoDataResponse Failed " FILE_NAME ": onSTKDisplayText: TIME: ",
-                             "End of " FILE_NAME ": onSTKDisplayText: TIME: "}));
+            QCOMPARE(takeTrace().filter("onSTKDisplayText").join("").section(FILE_NAME, 1),
+                     QString(": onSTKDisplayText: TIME: SendNoDataResponse Failed " FILE_NAME
+                             ": onSTKDisplayText: TIME: End of " FILE_NAME
+                             ": onSTKDisplayText: TIME: "));
             QCOMPARE(answers(), QStringList("SendNoDataResponse(2,1,0)"));
             QCOMPARE(box(), first.data());
             QCOMPARE(first->findChild<QMessageBox *>()->text(), QString("first"));

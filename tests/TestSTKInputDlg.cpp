@@ -255,6 +255,8 @@ private slots:
             QVERIFY(takeTrace().filter("onTimerTimeOut").isEmpty());
             // An answer time runs only in a window that is there.
             dialog->SetInKeyRequest(StkInKeyRequest{"Key", 0, 0, 30, 0, 0, 9, ""});
+            for (QTimer *timer : dialog->findChildren<QTimer *>())
+                QVERIFY(!timer->isActive() || timer->interval() == 1000);
             QTRY_VERIFY(!dialog->IsDialogCreated());
             QVERIFY(!takeTrace().filter("onTimerTimeOut").isEmpty());
         });

@@ -46,11 +46,11 @@ QString PluginTest::methodsOf(const QMetaObject &meta)
     return signatures.join(" ");
 }
 
-void PluginTest::addRows(const char *column, std::initializer_list<const char *> texts)
+void PluginTest::addRows(const char *column, const QStringList &texts)
 {
     QTest::addColumn<QString>(column);
-    for (const char *text : texts)
-        QTest::newRow(text) << text;
+    for (const QString &text : texts)
+        QTest::newRow(qPrintable(text)) << text;
 }
 
 void PluginTest::initTestCase()

@@ -1,8 +1,6 @@
 #ifndef PLUGINTEST_H
 #define PLUGINTEST_H
 
-#include <initializer_list>
-
 #include <QApplication>
 #include <QPushButton>
 #include <QStringList>
@@ -36,7 +34,7 @@ protected:
     /* The signals and slots of a class in their order. */
     static QString methodsOf(const QMetaObject &meta);
     /* One column of texts, a row each that is named like its text. */
-    static void addRows(const char *column, std::initializer_list<const char *> texts);
+    static void addRows(const char *column, const QStringList &texts);
 
     /* A main menu of three items with the identifiers 7, -1 and 300, in this order. */
     void putMainMenu();
