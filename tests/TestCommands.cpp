@@ -368,6 +368,7 @@ private slots:
         }
         present(MOVA_STKTYPE_GET_INKEY, 14, [&] {
             QCOMPARE(box()->objectName(), QString("message"));
+            QCOMPARE(ticking(STKDialog::Instance()).size(), way.contains("limit") ? 1 : 0);
             if (way.endsWith("again")) {
                 frame()->close();
                 open();
