@@ -10,13 +10,12 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "STKKeyboardLoan.h"
 #include "STKInputDlg.h"
+#include "STKRowToolTip.h"
 #include "STKThread.h"
 #include "TraceLog.h"
 #include "platform/Change.h"
@@ -29,43 +28,22 @@
 namespace {
 
 const int FRAME_WIDGET_TYPE = 1, MESSAGE_WIDGET_TYPE = 4;
-const int FRAME_WIDTH = 380, FRAME_HEIGHT = 357;
-const int TABLE_WIDTH = 345, TABLE_HEIGHT = 250;
+const int TABLE_WIDTH = 345;
 const int ROW_HEIGHT = 17;
-const int DEVICE_TIMER_MS = 100;
 const int THREAD_STOP_SECONDS = 5;
 const int WAIT_AFTER_MENU_CHOICE = 20,
           WAIT_AFTER_INPUT = 10; /* in the unit of STKThread::TimeStamp */
-const int COUNTDOWN_MS = 1000, DEFAULT_TEXT_SECONDS = 3;
+const int DEFAULT_TEXT_SECONDS = 3;
 const int INPUT_TYPE_YES_NO = 1;
 const int FALLBACK_TONE = 8; /* ringing, ETSI TS 102 223 clause 8.16 */
 const char STK_TIMER_NAME[] = "STKTimer", TONE_TIMER_NAME[] = "STKPlayToneTimer";
 const char HOST_CONTEXT[] = "LuminePlugin"; /* where the host keeps the texts of its own buttons */
 
-/* A tool tip takes what looks like markup for markup, unless all of it is. */
-QString PlainToolTip(QString strText)
-{
-    strText.replace('&', "&amp;").replace('<', "&lt;").replace('\n', "<br/>");
-    return "<qt>" + strText + "</qt>";
-}
-
-/* Whether a row shows the whole text, with the scroll bar beside it. */
-bool FitsRow(const QTableWidget *pTable, const QString &strText)
-{
-    const int nMargin = pTable->style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1;
-    const int nBesides =
-        2 * (pTable->frameWidth() + nMargin) + pTable->verticalScrollBar()->sizeHint().width();
-    return !strText.contains('\n') &&
-        pTable->fontMetrics().boundingRect(strText).width() + nBesides <= TABLE_WIDTH;
-}
-
-/* A row carries no identifier: its text is looked up.  The last of equal names wins; 0 without any.
- */
+/* A row carries no identifier: its text is looked up.  The last of equal names wins, none is 0. */
 int ItemIdOf(const StkMenuItems &stMenu, const QString &strText)
 {
     int nItemId = 0;
-    for (int i = 0; i < stMenu.itemList->count(); ++i) {
-        const StkItemClass &item = stMenu.itemList->at(i);
+    for (const StkItemClass &item : *stMenu.itemList) {
         qDebug("Item name = %s, Index=%d", TraceText(item.strItemText).constData(), item.nItemId);
         if (item.strItemText == strText)
             nItemId = item.nItemId;
@@ -77,12 +55,6 @@ QString ToneFile(int nTone)
 {
     return CommonUtils::GetPluginLibraryPath() + "/plugins/STKPlugin/tone_" +
         QString::number(nTone, 10);
-}
-
-StkInKeyRequest EmptyRequest()
-{
-    StkInKeyRequest request = {"", 0, 0, 0, 0, 0, 0, ""};
-    return request;
 }
 
 } // namespace
@@ -105,26 +77,12 @@ STKDialog *STKDialog::Instance()
 void STKDialog::Destroy()
 {
     TRACE_START();
-    if (m_pStkDialogInstance) {
-        delete m_pStkDialogInstance;
-        m_pStkDialogInstance = nullptr;
-    }
+    delete m_pStkDialogInstance;
+    m_pStkDialogInstance = nullptr;
     TRACE_END();
 }
 
 STKDialog::STKDialog()
-    : m_pStkThread(nullptr)
-    , m_bEnterPressed(false)
-    , m_strMenuState("STK_UNKNOWN")
-    , m_pStkTimer(nullptr)
-    , m_pPlayToneTimer(nullptr)
-    , m_pMsgTimer(nullptr)
-    , m_nMsgDuration(0)
-    , m_pBtnOk(nullptr)
-    , m_pBtnCancel(nullptr)
-    , m_nMsgTicks(0)
-    , m_nMsgRemain(0)
-    , m_nQuestions(0)
 {
     TRACE_START();
     m_pStkLogic = STKLogic::CreateInstance();
@@ -132,39 +90,27 @@ STKDialog::STKDialog()
     m_pStkInputDlg = STKInputDlg::StkInputDlgInstance();
     if (m_pStkLogic) {
         m_pStkLogic->RegisterSTKCB();
-        connectLogic();
+        // Delivered queued: the logic emits on the service's thread, and this is the GUI thread's.
+        connect(m_pStkLogic, SIGNAL(DevAvailable(bool)), this, SLOT(onDeviceAvailable(bool)));
+        connect(m_pStkLogic, SIGNAL(STKSetupMenu()), this, SLOT(onSTKSetupMenu()));
+        connect(m_pStkLogic, SIGNAL(STKDisplayText()), this, SLOT(onSTKDisplayText()));
+        connect(m_pStkLogic, SIGNAL(STKGetInkey()), this, SLOT(onSTKGetInkey()));
+        connect(m_pStkLogic, SIGNAL(STKGetInput()), this, SLOT(onSTKGetInput()));
+        connect(m_pStkLogic, SIGNAL(STKSetupCall()), this, SLOT(onSTKSetupCall()));
+        connect(m_pStkLogic, SIGNAL(STKPlayTone()), this, SLOT(onSTKPlayTone()));
+        connect(m_pStkLogic, SIGNAL(STKSelItem()), this, SLOT(onSTKSelItem()));
+        connect(m_pStkLogic, SIGNAL(STKRefresh()), this, SLOT(onSTKRefresh()));
+        connect(m_pStkLogic, SIGNAL(STKSendSS()), this, SLOT(onSTKSendSS()));
+        connect(m_pStkLogic, SIGNAL(STKSendSMS()), this, SLOT(onSTKSendSMS()));
+        connect(m_pStkLogic, SIGNAL(STKSendUSSD()), this, SLOT(onSTKSendUSSD()));
+        connect(m_pStkLogic, SIGNAL(STKLaunchBrowser()), this, SLOT(onSTKLaunchBrowser()));
+        connect(m_pStkLogic, SIGNAL(STKSetupIdleModeText()), this, SLOT(onSTKSetupIdleModeText()));
+        connect(m_pStkLogic, SIGNAL(STKEndSession()), this, SLOT(onSTKEndSession()));
+        connect(m_pStkLogic, SIGNAL(ShowMainMenu()), this, SLOT(onShowMainMenu()));
+        connect(m_pStkLogic, SIGNAL(CloseInputDlg()), this, SLOT(onCloseInputDlg()));
     }
-    if (m_pStkThread)
-        connect(m_pStkThread, SIGNAL(ChangeCursor()), this, SLOT(onChangeCursor()));
-    m_strTitle = "";
-    m_stMainMenu.strTitle = "";
-    m_stMainMenu.itemList = new QList<StkItemClass>;
-    m_stSubMenu.strTitle = "";
-    m_stSubMenu.itemList = new QList<StkItemClass>;
+    connect(m_pStkThread, SIGNAL(ChangeCursor()), this, SLOT(onChangeCursor()));
     TRACE_END();
-}
-
-/* The logic emits on the service's thread and this object lives on the GUI thread, so every one of
- * these is delivered queued. */
-void STKDialog::connectLogic()
-{
-    connect(m_pStkLogic, SIGNAL(DevAvailable(bool)), this, SLOT(onDeviceAvailable(bool)));
-    connect(m_pStkLogic, SIGNAL(STKSetupMenu()), this, SLOT(onSTKSetupMenu()));
-    connect(m_pStkLogic, SIGNAL(STKDisplayText()), this, SLOT(onSTKDisplayText()));
-    connect(m_pStkLogic, SIGNAL(STKGetInkey()), this, SLOT(onSTKGetInkey()));
-    connect(m_pStkLogic, SIGNAL(STKGetInput()), this, SLOT(onSTKGetInput()));
-    connect(m_pStkLogic, SIGNAL(STKSetupCall()), this, SLOT(onSTKSetupCall()));
-    connect(m_pStkLogic, SIGNAL(STKPlayTone()), this, SLOT(onSTKPlayTone()));
-    connect(m_pStkLogic, SIGNAL(STKSelItem()), this, SLOT(onSTKSelItem()));
-    connect(m_pStkLogic, SIGNAL(STKRefresh()), this, SLOT(onSTKRefresh()));
-    connect(m_pStkLogic, SIGNAL(STKSendSS()), this, SLOT(onSTKSendSS()));
-    connect(m_pStkLogic, SIGNAL(STKSendSMS()), this, SLOT(onSTKSendSMS()));
-    connect(m_pStkLogic, SIGNAL(STKSendUSSD()), this, SLOT(onSTKSendUSSD()));
-    connect(m_pStkLogic, SIGNAL(STKLaunchBrowser()), this, SLOT(onSTKLaunchBrowser()));
-    connect(m_pStkLogic, SIGNAL(STKSetupIdleModeText()), this, SLOT(onSTKSetupIdleModeText()));
-    connect(m_pStkLogic, SIGNAL(STKEndSession()), this, SLOT(onSTKEndSession()));
-    connect(m_pStkLogic, SIGNAL(ShowMainMenu()), this, SLOT(onShowMainMenu()));
-    connect(m_pStkLogic, SIGNAL(CloseInputDlg()), this, SLOT(onCloseInputDlg()));
 }
 
 STKDialog::~STKDialog()
@@ -183,9 +129,7 @@ STKDialog::~STKDialog()
     // A thread that is not running is left behind, one small object for each of these: that is part
     // of the design.
     STKLogic::DestroyInst();
-    m_pStkLogic = nullptr;
     STKInputDlg::DestroyInstance();
-    m_pStkInputDlg = nullptr;
     if (m_pMessageBox)
         m_pMessageBox->close(); // nobody would take its answer
     m_pMessageBox = nullptr;
@@ -211,7 +155,13 @@ bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
 {
     TRACE_START();
     const bool bOk = initUI(parent);
-    connectWidgets();
+    connect(m_pBtnBack, SIGNAL(clicked()), this, SLOT(onButtonClickBack()));
+    connect(m_pBtnSelect, SIGNAL(clicked()), this, SLOT(onButtonClickSelect()));
+    connect(m_pBtnClose, SIGNAL(clicked()), this, SLOT(onButtonClickClose()));
+    connect(m_pTableWidget, SIGNAL(cellDoubleClicked(int, int)), this,
+            SLOT(onCellDoubleClicked(int, int)));
+    connect(m_pStkTimer, SIGNAL(timeout()), this, SLOT(onSTKTimeOut()));
+    connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
     if (m_pStkLogic) {
         // Fetched and drawn once more, now in any case: initUI leaves a menu that cannot be fetched
         // alone, and with it the state of the showing before.
@@ -224,7 +174,7 @@ bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
     if (m_pBtnBack)
         m_pBtnBack->setEnabled(false);
     if (m_pExtendDlg) {
-        m_pExtendDlg->setFixedSize(FRAME_WIDTH, FRAME_HEIGHT);
+        m_pExtendDlg->setFixedSize(380, 357);
         m_pExtendDlg->setWindowModality(Qt::WindowModal);
         m_pExtendDlg->show();
         CommonUtils::MoveCentre(m_pExtendDlg);
@@ -232,17 +182,6 @@ bool STKDialog::ShowStkDlg(QWidget *parent, QRect &)
     }
     TRACE_END();
     return bOk;
-}
-
-void STKDialog::connectWidgets()
-{
-    connect(m_pBtnBack, SIGNAL(clicked()), this, SLOT(onButtonClickBack()));
-    connect(m_pBtnSelect, SIGNAL(clicked()), this, SLOT(onButtonClickSelect()));
-    connect(m_pBtnClose, SIGNAL(clicked()), this, SLOT(onButtonClickClose()));
-    connect(m_pTableWidget, SIGNAL(cellDoubleClicked(int, int)), this,
-            SLOT(onCellDoubleClicked(int, int)));
-    connect(m_pStkTimer, SIGNAL(timeout()), this, SLOT(onSTKTimeOut()));
-    connect(m_pPlayToneTimer, SIGNAL(timeout()), this, SLOT(onSTKPlayToneTimeOut()));
 }
 
 /* The frame takes its widgets along.  The timers stay behind as this object's children, and a box
@@ -264,10 +203,8 @@ bool STKDialog::initUI(QWidget *parent)
     TRACE_START();
     forgetWindow();
     m_pExtendDlg = new (std::nothrow) STKExtendDlg(parent);
-    if (!m_pExtendDlg) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pExtendDlg))
         return false;
-    }
     m_pExtendDlg->Instantiate(this);
     m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
     m_pBtnBack = new (std::nothrow) QPushButton(m_pMainWidget);
@@ -317,11 +254,9 @@ void STKDialog::setStkUiLayout()
     QVBoxLayout *pOuter = new (std::nothrow) QVBoxLayout;
     QHBoxLayout *pButtonRow = new (std::nothrow) QHBoxLayout;
     QHBoxLayout *pCloseRow = new (std::nothrow) QHBoxLayout;
-    if (!pOuter || !pButtonRow || !pCloseRow) {
-        TRACE_FILE_FUNC_TIME("Memory Allocation Failed %s: %s: %s: ");
+    if (TRACE_FAILS(pOuter && pButtonRow && pCloseRow, "Memory Allocation Failed %s: %s: %s: "))
         return;
-    }
-    m_pTableWidget->setFixedSize(TABLE_WIDTH, TABLE_HEIGHT);
+    m_pTableWidget->setFixedSize(TABLE_WIDTH, 250);
     pButtonRow->addWidget(m_pBtnBack);
     pButtonRow->addWidget(m_pBtnSelect);
     pButtonRow->setAlignment(Qt::AlignLeft);
@@ -358,10 +293,8 @@ void STKDialog::setStkObjectName()
 void STKDialog::SetStkUiText()
 {
     TRACE_START();
-    if (!m_pBtnBack || !m_pBtnSelect || !m_pBtnClose) {
-        TRACE_FILE_FUNC_TIME("Widgets id NULL %s: %s: %s: ");
+    if (TRACE_FAILS(m_pBtnBack && m_pBtnSelect && m_pBtnClose, "Widgets id NULL %s: %s: %s: "))
         return;
-    }
     m_pBtnBack->setText(tr(QString("IDS_STK_BTN_BACK")));
     m_pBtnSelect->setText(tr(QString("IDS_STK_BTN_SELECT")));
     m_pBtnClose->setText(tr(QString("IDS_STK_BTN_CLOSE")));
@@ -381,10 +314,8 @@ QString STKDialog::tr(QString id)
 bool STKDialog::deleteTableItems()
 {
     TRACE_START();
-    if (!m_pTableWidget) {
-        TRACE_FILE_FUNC_TIME("Table Widget is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pTableWidget, "Table Widget is null %s: %s: %s: "))
         return false;
-    }
     for (int i = 0; i < m_pTableWidget->rowCount(); ++i)
         delete m_pTableWidget->takeItem(i, 0);
     m_pTableWidget->clear();
@@ -411,12 +342,9 @@ void STKDialog::showMainMenu()
     TRACE_START();
     m_strMenuState = "STK_MAINMENU";
     if (deleteTableItems()) {
-        if (!m_stMainMenu.strTitle.isEmpty()) {
+        if (!m_stMainMenu.strTitle.isEmpty())
             m_strTitle = m_stMainMenu.strTitle;
-            m_pExtendDlg->setWindowTitle(m_strTitle);
-        } else {
-            m_pExtendDlg->setWindowTitle("");
-        }
+        m_pExtendDlg->setWindowTitle(m_stMainMenu.strTitle);
         fillTable(m_stMainMenu);
     }
     if (m_pBtnBack)
@@ -440,6 +368,8 @@ void STKDialog::showSubMenu()
 
 void STKDialog::fetchAndShowMainMenu()
 {
+    if (!m_pStkLogic)
+        return;
     m_pStkLogic->GetMainMenu(&m_stMainMenu);
     showMainMenu();
 }
@@ -447,10 +377,8 @@ void STKDialog::fetchAndShowMainMenu()
 void STKDialog::onButtonClickSelect()
 {
     TRACE_START();
-    if (!m_pTableWidget) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pTableWidget))
         return;
-    }
     QTableWidgetItem *pItem = m_pTableWidget->currentItem();
     if (!pItem || pItem->text().isEmpty())
         return;
@@ -458,25 +386,20 @@ void STKDialog::onButtonClickSelect()
     TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
     if (m_strMenuState == "STK_UNKNOWN" || !m_pStkLogic)
         return;
-    if (m_strMenuState == "STK_MAINMENU") {
+    if (m_strMenuState == "STK_MAINMENU")
         followChoice(m_pStkLogic->SelectMainMenuItem(nItemId));
-    } else if (m_strMenuState == "STK_SUBMENU") {
+    else if (m_strMenuState == "STK_SUBMENU")
         subMenuSeleted(pItem);
-    }
     TRACE_END();
 }
 
 void STKDialog::subMenuSeleted(QTableWidgetItem *item)
 {
     TRACE_START();
-    if (!item) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(item))
         return;
-    }
-    if (!m_pStkLogic) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkLogic))
         return;
-    }
     const int nItemId = ItemIdOf(m_stSubMenu, item->text());
     TRACE_VALUE_FILE_FUNC_TIME("Current Index value = %d %s: %s: %s: ", nItemId);
     followChoice(
@@ -493,8 +416,7 @@ void STKDialog::onButtonClickBack()
     TRACE_END();
 }
 
-/* Waits for what the card makes of the choice; refused, there may be another menu to choose from.
- */
+/* A card that refused the choice may have another menu by now. */
 void STKDialog::followChoice(bool bSent)
 {
     if (bSent)
@@ -535,18 +457,15 @@ void STKDialog::onCellDoubleClicked(int, int)
 void STKDialog::onSTKSetupMenu()
 {
     TRACE_START();
-    if (m_pStkLogic) {
-        fetchAndShowMainMenu();
-        m_pStkLogic->UpdateCBReturnVal(true);
-    }
+    fetchAndShowMainMenu();
+    reportHandled();
     TRACE_END();
 }
 
 void STKDialog::onShowMainMenu()
 {
     TRACE_START();
-    if (m_pStkLogic)
-        fetchAndShowMainMenu();
+    fetchAndShowMainMenu();
     TRACE_END();
 }
 
@@ -570,8 +489,7 @@ void STKDialog::onSTKEndSession()
     TRACE_START();
     closeInputDlg();
     showMainMenu();
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
+    reportHandled();
     TRACE_END();
 }
 
@@ -582,10 +500,8 @@ void STKDialog::stkWaitforRespond(int iTimeOut)
     TRACE_START();
     if (iTimeOut < 1)
         return;
-    if (!m_pStkLogic || !m_pStkThread) {
-        TRACE_FILE_FUNC_TIME("Logic instance or thread is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic && m_pStkThread, "Logic instance or thread is null %s: %s: %s: "))
         return;
-    }
     m_pStkLogic->SetResponseVar(false);
     QApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
     m_pStkThread->SetTimeOut(iTimeOut);
@@ -643,10 +559,9 @@ void STKDialog::onSTKTimeOut()
     } else if (m_strTimerType == "STK_MSGBOX_TIMER") {
         m_strTimerType = "";
         stopTimers(STK_TIMER_NAME);
-        if (m_pMessageBox) {
+        if (m_pMessageBox)
             m_pMessageBox->close();
-            m_pMessageBox = nullptr;
-        }
+        m_pMessageBox = nullptr;
     }
     TRACE_END();
 }
@@ -654,16 +569,20 @@ void STKDialog::onSTKTimeOut()
 void STKDialog::onDeviceAvailable(bool isAvaialable)
 {
     TRACE_START();
-    if (isAvaialable) {
-        if (m_pStkLogic)
-            fetchAndShowMainMenu();
-    } else if (m_pStkTimer) {
-        useStkTimer("STK_DEVICE_TIMER", DEVICE_TIMER_MS);
-    }
+    if (isAvaialable)
+        fetchAndShowMainMenu();
+    else if (m_pStkTimer)
+        useStkTimer("STK_DEVICE_TIMER", 100);
     TRACE_END();
 }
 
 /* ---- Commands: what they share ---- */
+
+void STKDialog::reportHandled()
+{
+    if (m_pStkLogic)
+        m_pStkLogic->UpdateCBReturnVal(true);
+}
 
 /* The command that a slot is to present and to answer.  False when it has been: two of a type may
  * have been queued before the first was presented, and both their slots find the newer one. */
@@ -695,8 +614,7 @@ void STKDialog::onSTKDisplayText()
         return;
     int nResult = QMessageBox::Cancel;
     if (!m_pTimeMsgDlg) {
-        QString strText = "";
-        QString strClearMode = "";
+        QString strText, strClearMode;
         m_nMsgDuration = 0;
         if (!m_pStkLogic->GetPromptText(&strText, &strClearMode, &m_nMsgDuration, stCommand))
             return;
@@ -717,10 +635,9 @@ void STKDialog::onSTKDisplayText()
         if (!pThis || !m_pStkLogic)
             return;
     }
-    const bool bTerminated = nResult == QMessageBox::Cancel || nResult == QMessageBox::No;
-    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT,
-                                         bTerminated ? STK_UI_TR_TERMINATED : STK_UI_TR_SUCCESS,
-                                         stCommand))
+    const _STK_UI_EN_TERMINALRESPONSE enResponse =
+        nResult == QMessageBox::Ok ? STK_UI_TR_SUCCESS : STK_UI_TR_TERMINATED;
+    if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_DISPLAY_TEXT, enResponse, stCommand))
         TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed %s: %s: %s: ");
     m_pStkLogic->UpdateCBReturnVal(true);
     TRACE_END();
@@ -728,12 +645,35 @@ void STKDialog::onSTKDisplayText()
 
 void STKDialog::startCountdown()
 {
-    if (m_pMsgTimer->isActive())
-        m_pMsgTimer->stop();
     if (m_nMsgDuration == 0)
         m_nMsgDuration = DEFAULT_TEXT_SECONDS;
-    m_pMsgTimer->start(COUNTDOWN_MS);
+    m_pMsgTimer->start(1000);
     m_nMsgRemain = m_nMsgDuration;
+}
+
+/* Fills the frame m_pTimeMsgDlg. */
+ClipMessageBox *STKDialog::buildTextBox(const QString &strText)
+{
+    ClipMessageBox *const pBox = new ClipMessageBox(m_pTimeMsgDlg);
+    m_pTimeMsgDlg->AddMainWidget(pBox);
+    m_pTimeMsgDlg->setWindowFlags(Qt::WindowCloseButtonHint);
+    pBox->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
+    m_pTimeMsgDlg->setWindowTitle("");
+    pBox->setIcon(QMessageBox::NoIcon);
+    pBox->setText(strText);
+    QApplication::beep();
+    m_pBtnOk = pBox->addButton(Change::tr("IDS_OK", HOST_CONTEXT), QMessageBox::YesRole);
+    m_pBtnCancel = pBox->addButton(Change::tr("IDS_CANCEL", HOST_CONTEXT), QMessageBox::RejectRole);
+    // The last one wins: Return must not accept a text that only just came up.
+    pBox->setDefaultButton(m_pBtnOk);
+    pBox->setDefaultButton(m_pBtnCancel);
+    connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
+    connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
+    // Another window's event loop may run on top of this one and keep exec() from returning.
+    if (m_pMsgTimer)
+        connect(m_pTimeMsgDlg, SIGNAL(finished(int)), m_pMsgTimer, SLOT(stop()));
+    m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
+    return pBox;
 }
 
 int STKDialog::showTimeMessageBox(QString text)
@@ -745,27 +685,7 @@ int STKDialog::showTimeMessageBox(QString text)
             ExtendDialog(pParent, Qt::WindowCloseButtonHint, MESSAGE_WIDGET_TYPE);
     if (!m_pTimeMsgDlg)
         return QMessageBox::Cancel;
-    QPointer<ClipMessageBox> pBox = new ClipMessageBox(m_pTimeMsgDlg);
-    m_pTimeMsgDlg->AddMainWidget(pBox);
-    m_pTimeMsgDlg->setWindowFlags(Qt::WindowCloseButtonHint);
-    pBox->setWindowFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint);
-    m_pTimeMsgDlg->setWindowTitle("");
-    pBox->setIcon(QMessageBox::NoIcon);
-    pBox->setText(text);
-    QApplication::beep();
-    m_pBtnOk = pBox->addButton(Change::tr("IDS_OK", HOST_CONTEXT), QMessageBox::YesRole);
-    m_pBtnCancel = pBox->addButton(Change::tr("IDS_CANCEL", HOST_CONTEXT), QMessageBox::RejectRole);
-    // The last one wins: Return must not accept a text that only just came up.
-    if (m_pBtnOk)
-        pBox->setDefaultButton(m_pBtnOk);
-    if (m_pBtnCancel)
-        pBox->setDefaultButton(m_pBtnCancel);
-    connect(pBox, SIGNAL(changeSize(QSize)), m_pTimeMsgDlg, SLOT(changeSize(QSize)));
-    connect(pBox, SIGNAL(buttonClicked(QAbstractButton *)), m_pTimeMsgDlg, SLOT(close()));
-    // Another window's event loop may run on top of this one and keep exec() from returning.
-    if (m_pMsgTimer)
-        connect(m_pTimeMsgDlg, SIGNAL(finished(int)), m_pMsgTimer, SLOT(stop()));
-    m_pTimeMsgDlg->setWindowModality(Qt::WindowModal);
+    QPointer<ClipMessageBox> pBox = buildTextBox(text);
     const QPointer<STKDialog> pThis = this;
     const QPointer<ExtendDialog> pFrame = m_pTimeMsgDlg;
     {
@@ -785,7 +705,6 @@ int STKDialog::showTimeMessageBox(QString text)
     const bool bOk = pBox && pBox->clickedButton() == m_pBtnOk;
     delete pBox;
     delete m_pTimeMsgDlg;
-    m_pTimeMsgDlg = nullptr;
     TRACE_END();
     return bOk ? QMessageBox::Ok : QMessageBox::Cancel;
 }
@@ -793,21 +712,17 @@ int STKDialog::showTimeMessageBox(QString text)
 /* One step of the countdown on the OK button. */
 void STKDialog::onMessageTimeOut()
 {
-    if (!m_pMsgTimer) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pMsgTimer))
         return;
-    }
-    if (!m_pTimeMsgDlg) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pTimeMsgDlg))
         return;
-    }
-    const QString strRemain = QString::number(m_nMsgRemain, 10);
     if (!m_pBtnOk) {
         m_pMsgTimer->stop();
         m_pTimeMsgDlg->close();
         return;
     }
-    m_pBtnOk->setText(Change::tr("IDS_OK", HOST_CONTEXT) + " = " + strRemain);
+    m_pBtnOk->setText(Change::tr("IDS_OK", HOST_CONTEXT) + " = " +
+                      QString::number(m_nMsgRemain, 10));
     ++m_nMsgTicks;
     --m_nMsgRemain;
     if (m_nMsgTicks == m_nMsgDuration) {
@@ -824,10 +739,8 @@ void STKDialog::onMessageTimeOut()
 void STKDialog::onSTKPlayTone()
 {
     TRACE_START();
-    if (!m_pStkLogic || !m_pPlayToneTimer) {
-        TRACE_FILE_FUNC_TIME("Logic/timer instance is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic && m_pPlayToneTimer, "Logic/timer instance is null %s: %s: %s: "))
         return;
-    }
     STKCommand stCommand;
     if (!takeCommand(MOVA_STKTYPE_PLAY_TONE, &stCommand))
         return;
@@ -837,7 +750,6 @@ void STKDialog::onSTKPlayTone()
         m_pStkLogic->UpdateCBReturnVal(false);
         return;
     }
-    const int nInterval = request.nDuration * 1000;
     QString strFile = ToneFile(request.nTone);
     if (!QFile::exists(strFile))
         strFile = ToneFile(FALLBACK_TONE);
@@ -848,7 +760,7 @@ void STKDialog::onSTKPlayTone()
     }
     playTone(strFile);
     stopTimers(TONE_TIMER_NAME);
-    m_pPlayToneTimer->start(nInterval);
+    m_pPlayToneTimer->start(request.nDuration * 1000);
     if (!m_pStkLogic->SendNoDataResponse(MOVA_STKTYPE_PLAY_TONE, STK_UI_TR_SUCCESS, stCommand))
         TRACE_FILE_FUNC_TIME("SendNoDataResponse Failed of %s: %s: %s: ");
     m_pStkLogic->UpdateCBReturnVal(true);
@@ -858,19 +770,15 @@ void STKDialog::onSTKPlayTone()
 void STKDialog::playTone(QString strFileName)
 {
     TRACE_END(); // the entry is marked by this line as well
-    if (strFileName.isEmpty()) {
-        TRACE_FILE_FUNC_TIME("Filename is empty of %s: %s: %s: ");
+    if (TRACE_FAILS(!strFileName.isEmpty(), "Filename is empty of %s: %s: %s: "))
         return;
-    }
     stopTone();
     delete m_pClipSoundSTK; // one that had ended, or never started
     m_pClipSoundSTK = new (std::nothrow) ClipSound(strFileName);
     if (!m_pClipSoundSTK)
         return;
-    if (!m_pClipSoundSTK->Play()) {
-        TRACE_FILE_FUNC_TIME("Playing failed %s: %s: %s: ");
+    if (TRACE_FAILS(m_pClipSoundSTK->Play(), "Playing failed %s: %s: %s: "))
         return;
-    }
     connect(m_pClipSoundSTK, SIGNAL(finished()), this, SLOT(onPlayingFinished()));
     TRACE_END();
 }
@@ -912,14 +820,12 @@ void STKDialog::onPlayingFinished()
 void STKDialog::onSTKGetInkey()
 {
     TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic, "Logic instance is null %s: %s: %s: "))
         return;
-    }
     STKCommand stCommand;
     if (!takeCommand(MOVA_STKTYPE_GET_INKEY, &stCommand))
         return;
-    StkInKeyRequest request = EmptyRequest();
+    StkInKeyRequest request = {};
     if (!m_pStkLogic->GetInKeyRquest(&request, stCommand)) {
         TRACE_FILE_FUNC_TIME("GetInKeyRquest faied %s: %s: %s: ");
         m_pStkLogic->UpdateCBReturnVal(false);
@@ -944,14 +850,12 @@ void STKDialog::onSTKGetInkey()
 void STKDialog::onSTKGetInput()
 {
     TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is NULL %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic, "Logic instance is NULL %s: %s: %s: "))
         return;
-    }
     STKCommand stCommand;
     if (!takeCommand(MOVA_STKTYPE_GET_INPUT, &stCommand))
         return;
-    StkInKeyRequest request = EmptyRequest();
+    StkInKeyRequest request = {};
     if (!m_pStkLogic->GetInputRequest(&request, stCommand)) {
         TRACE_FILE_FUNC_TIME("GetInputRequest failed %s: %s: %s: ");
         m_pStkLogic->UpdateCBReturnVal(false);
@@ -976,8 +880,7 @@ void STKDialog::showInputDlg(STKCommand stCommand)
         return;
     if (m_pStkInputDlg && m_pStkInputDlg->GetLastError() == 0 && nQuestion == m_nQuestions)
         stkWaitforRespond(WAIT_AFTER_INPUT);
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
+    reportHandled();
 }
 
 void STKDialog::askYesNo(const StkInKeyRequest &stRequest, STKCommand stCommand)
@@ -1019,10 +922,8 @@ void STKDialog::onCloseInputDlg()
 void STKDialog::onSTKSetupIdleModeText()
 {
     TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic inst is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic, "Logic inst is null %s: %s: %s: "))
         return;
-    }
     STKCommand stCommand;
     if (!takeCommand(MOVA_STKTYPE_SETUP_IDLE_MODE_TEXT, &stCommand))
         return;
@@ -1042,10 +943,8 @@ void STKDialog::onSTKSetupIdleModeText()
 void STKDialog::onSTKLaunchBrowser()
 {
     TRACE_START();
-    if (!m_pStkLogic) {
-        TRACE_FILE_FUNC_TIME("Logic instance is null %s: %s: %s: ");
+    if (TRACE_FAILS(m_pStkLogic, "Logic instance is null %s: %s: %s: "))
         return;
-    }
     STKCommand stCommand;
     if (!takeCommand(MOVA_STKTYPE_LAUNCH_BROWSER, &stCommand))
         return;
@@ -1063,31 +962,26 @@ void STKDialog::onSTKLaunchBrowser()
     TRACE_END();
 }
 
-/* The modem carries these out and answers them. */
-void STKDialog::acceptSilently()
-{
-    if (m_pStkLogic)
-        m_pStkLogic->UpdateCBReturnVal(true);
-}
+/* The modem carries these three out and answers them. */
 
 void STKDialog::onSTKSendUSSD()
 {
     TRACE_START();
-    acceptSilently();
+    reportHandled();
     TRACE_END();
 }
 
 void STKDialog::onSTKSendSMS()
 {
     TRACE_START();
-    acceptSilently();
+    reportHandled();
     TRACE_END();
 }
 
 void STKDialog::onSTKSendSS()
 {
     TRACE_START();
-    acceptSilently();
+    reportHandled();
     TRACE_END();
 }
 
@@ -1124,8 +1018,6 @@ STKTableWidget::STKTableWidget(QWidget *parent)
     TRACE_TIME_FILE_FUNC("%s: %s: %s Entered");
 }
 
-STKTableWidget::~STKTableWidget() { }
-
 void STKTableWidget::Instantiate(STKDialog *pStkDialog)
 {
     m_pStkDialog = pStkDialog;
@@ -1138,43 +1030,35 @@ bool STKTableWidget::isWaiting() const
 
 void STKTableWidget::mousePressEvent(QMouseEvent *e)
 {
-    if (isWaiting()) {
+    if (isWaiting())
         e->ignore();
-        return;
-    }
-    QAbstractItemView::mousePressEvent(e);
+    else
+        QAbstractItemView::mousePressEvent(e);
 }
 
 /* A second double click on the row that was just chosen must not choose it again. */
 void STKTableWidget::mouseDoubleClickEvent(QMouseEvent *e)
 {
-    if (isWaiting()) {
+    if (isWaiting())
         e->ignore();
-        return;
-    }
-    QAbstractItemView::mouseDoubleClickEvent(e);
+    else
+        QAbstractItemView::mouseDoubleClickEvent(e);
 }
 
 void STKTableWidget::keyPressEvent(QKeyEvent *e)
 {
     TRACE_TIME_FILE_FUNC("%s: %s: %s Start ");
-    if (!e) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(e))
         return;
-    }
-    if (!m_pStkDialog) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkDialog))
         return;
-    }
     if (isWaiting()) {
         e->ignore();
         return;
     }
     if (e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter) {
-        if (!m_pStkDialog->m_pTableWidget) {
-            TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+        if (TRACE_IS_NULL(m_pStkDialog->m_pTableWidget))
             return;
-        }
         if (!m_pStkDialog->m_pTableWidget->selectedItems().isEmpty())
             m_pStkDialog->m_bEnterPressed = true;
     }
@@ -1190,18 +1074,12 @@ void STKTableWidget::mouseReleaseEvent(QMouseEvent *e)
         TRACE_TIME_FILE_FUNC("%s: %s: %s End ");
         return;
     }
-    if (!m_pStkDialog) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkDialog))
         return;
-    }
-    if (!m_pStkDialog->m_pTableWidget) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkDialog->m_pTableWidget))
         return;
-    }
-    if (!m_pStkDialog->m_pBtnBack) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkDialog->m_pBtnBack))
         return;
-    }
     m_pStkDialog->m_pTableWidget->setCurrentCell(-1, -1);
     if (m_pStkDialog->m_strMenuState == "STK_MAINMENU")
         m_pStkDialog->m_pBtnBack->setEnabled(false);
@@ -1214,8 +1092,6 @@ STKExtendDlg::STKExtendDlg(QWidget *parent)
     : ExtendDialog(parent, Qt::WindowCloseButtonHint, FRAME_WIDGET_TYPE)
 {
 }
-
-STKExtendDlg::~STKExtendDlg() { }
 
 void STKExtendDlg::Instantiate(STKDialog *pStkDialog)
 {

@@ -8,6 +8,7 @@
 #include "STKLogic.h"
 #include "platform/ExtendDialog.h"
 
+class ClipMessageBox;
 class ClipSound;
 class QPushButton;
 class QRect;
@@ -32,7 +33,7 @@ public:
     void mouseReleaseEvent(QMouseEvent *e) override;
     void keyPressEvent(QKeyEvent *e) override;
     void mouseDoubleClickEvent(QMouseEvent *e) override;
-    ~STKTableWidget();
+    ~STKTableWidget() = default;
 
 private:
     bool isWaiting() const;
@@ -50,7 +51,7 @@ public:
 
     void reject() override;
     void closeEvent(QCloseEvent *e) override;
-    ~STKExtendDlg();
+    ~STKExtendDlg() = default;
 
 private:
     QPointer<STKDialog> m_pStkDialog;
@@ -99,11 +100,11 @@ public:
      * passed. */
     void stkWaitforRespond(int iTimeOut);
 
-    STKThread *m_pStkThread;
+    STKThread *m_pStkThread = nullptr;
     QPointer<STKTableWidget> m_pTableWidget;
     QPointer<QPushButton> m_pBtnBack;
-    bool m_bEnterPressed; /* Return is on its way from the list to the frame */
-    QString m_strMenuState; /* "STK_UNKNOWN", "STK_MAINMENU" or "STK_SUBMENU" */
+    bool m_bEnterPressed = false; /* Return is on its way from the list to the frame */
+    QString m_strMenuState = "STK_UNKNOWN"; /* or "STK_MAINMENU" or "STK_SUBMENU" */
     QPointer<ExtendDialog> m_pTimeMsgDlg;
 
 public slots:
@@ -138,8 +139,6 @@ private:
     STKDialog();
     ~STKDialog();
 
-    void connectLogic();
-    void connectWidgets();
     void forgetWindow();
     void closeInputDlg();
     void fillTable(const StkMenuItems &stMenu);
@@ -149,32 +148,33 @@ private:
     void useStkTimer(const QString &strTimerType, int nMilliseconds);
     bool takeCommand(_MOVA_EN_STKTYPE enStkType, STKCommand *pCommand);
     QWidget *dialogParent() const;
+    void reportHandled();
     void startCountdown();
+    ClipMessageBox *buildTextBox(const QString &strText);
     void askYesNo(const StkInKeyRequest &stRequest, STKCommand stCommand);
     void showInputDlg(STKCommand stCommand);
-    void acceptSilently();
 
     QPointer<STKLogic> m_pStkLogic;
     QPointer<STKExtendDlg> m_pExtendDlg;
     QPointer<QWidget> m_pMainWidget;
     QPointer<QPushButton> m_pBtnSelect;
     QPointer<QPushButton> m_pBtnClose;
-    QString m_strTitle;
-    StkMenuItems m_stMainMenu;
-    StkMenuItems m_stSubMenu;
-    QTimer *m_pStkTimer; /* one timer, two uses: m_strTimerType tells which */
+    QString m_strTitle = "";
+    StkMenuItems m_stMainMenu = {"", new QList<StkItemClass>};
+    StkMenuItems m_stSubMenu = {"", new QList<StkItemClass>};
+    QTimer *m_pStkTimer = nullptr; /* one timer, two uses: m_strTimerType tells which */
     QPointer<STKInputDlg> m_pStkInputDlg;
     QString m_strTimerType; /* "STK_DEVICE_TIMER", "STK_MSGBOX_TIMER" or empty */
-    QTimer *m_pPlayToneTimer;
-    QTimer *m_pMsgTimer;
-    int m_nMsgDuration;
-    QPushButton *m_pBtnOk;
-    QPushButton *m_pBtnCancel;
-    int m_nMsgTicks;
-    int m_nMsgRemain;
+    QTimer *m_pPlayToneTimer = nullptr;
+    QTimer *m_pMsgTimer = nullptr;
+    int m_nMsgDuration = 0;
+    QPushButton *m_pBtnOk = nullptr;
+    QPushButton *m_pBtnCancel = nullptr;
+    int m_nMsgTicks = 0;
+    int m_nMsgRemain = 0;
     QMap<int, STKCommand> m_mapTaken; /* the last command of each type that a slot has taken */
     STKCommand m_stSubMenuCommand; /* the one whose menu m_stSubMenu is */
-    int m_nQuestions; /* how many input windows and yes/no boxes have come up */
+    int m_nQuestions = 0; /* how many input windows and yes/no boxes have come up */
 
     static STKDialog *m_pStkDialogInstance;
     static ClipSound *m_pClipSoundSTK;

@@ -164,10 +164,8 @@ bool STKInputDlg::initUI(QWidget *parent)
 {
     TRACE_START();
     m_pExtendDlg = new (std::nothrow) STKInputExtendDlg(parent);
-    if (!m_pExtendDlg) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pExtendDlg))
         return false;
-    }
     m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
     m_pBtnOk = new (std::nothrow) QPushButton(m_pExtendDlg);
     m_pBtnCancel = new (std::nothrow) QPushButton(m_pExtendDlg);

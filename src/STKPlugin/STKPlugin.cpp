@@ -34,10 +34,8 @@ STKPlugin::~STKPlugin()
 bool STKPlugin::ShowWindow(QWidget *pParent, QRect &area)
 {
     TRACE_START();
-    if (!m_pStkDialog) {
-        TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d");
+    if (TRACE_IS_NULL(m_pStkDialog))
         return false;
-    }
     return m_pStkDialog->ShowStkDlg(pParent, area);
 }
 

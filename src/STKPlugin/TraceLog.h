@@ -44,4 +44,9 @@ inline QByteArray TraceText(const QString &strText)
 #define TRACE_START() TRACE_FILE_FUNC_TIME("Start of %s: %s: %s: ")
 #define TRACE_END() TRACE_FILE_FUNC_TIME("End of %s: %s: %s: ")
 
+/* Conditions of an early return: whether a check fails, and then its line is written. */
+#define TRACE_IS_NULL(pointer)                                                                     \
+    (!(pointer) && (TRACE_TIME_FILE_FUNC_LINE("Arg is NULL: %s: %s: %s %d"), true))
+#define TRACE_FAILS(check, format) (!(check) && (TRACE_FILE_FUNC_TIME(format), true))
+
 #endif
