@@ -6,7 +6,7 @@ packages="
   qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
   qtmultimedia5-dev libqt5multimedia5-plugins
   nlohmann-json3-dev
-  pkg-config libpcsclite-dev libpcap-dev pcscd
+  pkg-config libpcsclite-dev libpcap-dev pcscd libmbim-glib-dev libudev-dev
   fonts-dejavu-core fonts-noto-core fonts-noto-color-emoji fonts-wqy-microhei"
 test_packages="
   libgtest-dev libbenchmark-dev

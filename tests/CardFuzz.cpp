@@ -15,7 +15,9 @@
 #include <vector>
 
 #include "CatCommands.h"
-#include "card/ToolkitCard.h"
+#include "session/Session.h"
+#include "reader/ReaderPort.h"
+#include "toolkit/ToolkitTerminal.h"
 
 using namespace std::chrono_literals;
 using cat::Bytes;
@@ -162,9 +164,9 @@ private:
 };
 
 // Keeps the books of the PIN.
-class Watcher : public CardListener {
+class Watcher : public PortReports {
 public:
-    void exchanged(const ApduTraffic &traffic) override
+    void exchanged(const PortTraffic &traffic) override
     {
         const auto begin = traffic.command.begin();
         const auto end = traffic.command.end();
@@ -172,9 +174,9 @@ public:
         if (traffic.command.size() > 5 && traffic.command[1] == 0x20)
             check(m_allowed-- > 0, "a PIN was sent unasked");
     }
-    void answeredByModem(const std::string &, const std::string &) override { }
-    void noticed(const CardHost::Notice &) override { }
-    void pinWanted(const CardHost::PinRequest &request) override
+    void answeredByTerminal(const std::string &, const std::string &) override { }
+    void noticed(const Notice &) override { }
+    void pinWanted(const PinRequest &request) override
     {
         check(!m_request, "two requests at once");
         m_request = request.id;
@@ -185,13 +187,13 @@ public:
         m_request.reset();
     }
 
-    void answer(ToolkitCard &card, Chance &chance, Card::Time now)
+    void answer(ToolkitTerminal &card, Chance &chance, Card::Time now)
     {
         if (!m_request)
             return;
         const bool digits = !chance.once(3);
         m_allowed = digits;
-        card.answerPin(*m_request, CardHost::Pin(PinDigits, digits ? 8 : 0), now);
+        card.answerPin(*m_request, Pin(PinDigits, digits ? 8 : 0), now);
     }
 
 private:
@@ -304,8 +306,10 @@ private:
     const int64_t m_before = allocated();
     int m_exchanges = 0;
     Watcher m_watcher;
-    ToolkitCard m_card{std::make_unique<FuzzChannel>(m_chance, m_exchanges, 200), "card", "en",
-                       m_watcher};
+    ToolkitTerminal m_card{
+        std::make_unique<ReaderPort>(std::make_unique<FuzzChannel>(m_chance, m_exchanges, 200),
+                                     "card", m_watcher),
+        "card", "en", m_watcher};
     Card::Time m_now = Card::Time() + 1h;
     Card::Time m_second = m_now;
     std::optional<Card::Time> m_answerAt;

@@ -12,7 +12,7 @@
 #include "CatCommands.h"
 #include "TestCatJson.h"
 #include "Text.h"
-#include "card/CommandBridge.h"
+#include "toolkit/CommandBridge.h"
 #include "cat/Command.h"
 #include "cat/Response.h"
 #include "cat/TextString.h"

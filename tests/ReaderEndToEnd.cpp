@@ -26,7 +26,7 @@ std::mutex theMutex;
 std::condition_variable theChange;
 std::vector<std::string> theNotices;
 
-void note(const CardHost::Notice &notice)
+void note(const Notice &notice)
 {
     const std::lock_guard<std::mutex> lock(theMutex);
     theNotices.push_back(notice.text);

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "TestCatJson.h"
-#include "card/CommandBridge.h"
+#include "toolkit/CommandBridge.h"
 #include "cat/Response.h"
 
 using cat::Problem;

@@ -7,7 +7,7 @@
 #include <set>
 
 #include "TestCatJson.h"
-#include "card/CommandBridge.h"
+#include "toolkit/CommandBridge.h"
 #include "cat/Response.h"
 
 // The conformance sequences of 3GPP TS 31.124 in the folder that STK_CONFORMANCE_VECTORS names:

@@ -4,7 +4,7 @@
 #include <fnmatch.h>
 #include <fstream>
 
-#include "ScenarioReader.h"
+#include "scenario/ScenarioReader.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 
 #include "CardHost.h"
 #include "Service.h"
-#include "ServiceStatus.h"
+#include "session/ServiceStatus.h"
 #include "Text.h"
 #include "platform/ModemService.h"
 

@@ -24,7 +24,7 @@
 #include "PluginHost.h"
 #include "ReaderEvents.h"
 #include "ReaderMenu.h"
-#include "ServiceStatus.h"
+#include "session/ServiceStatus.h"
 #include "ToolkitButton.h"
 #include "ToolkitWindows.h"
 #include "Transcript.h"

@@ -8,17 +8,21 @@
 #include <mutex>
 #include <utility>
 
-#include "ScenarioCard.h"
-#include "ScenarioReader.h"
 #include "Service.h"
-#include "Session.h"
-#include "card/ApduCapture.h"
-#include "card/CardListener.h"
-#include "card/Pcsc.h"
-#include "card/PcscChannel.h"
-#include "card/ReaderMonitor.h"
-#include "card/ToolkitCard.h"
-#include "card/WorkerChannel.h"
+#include "cat/Response.h"
+#include "modem/AtPort.h"
+#include "modem/MbimPort.h"
+#include "modem/ModemMonitor.h"
+#include "reader/Pcsc.h"
+#include "reader/PcscChannel.h"
+#include "reader/ReaderMonitor.h"
+#include "reader/ReaderPort.h"
+#include "reader/WorkerChannel.h"
+#include "scenario/ScenarioCard.h"
+#include "scenario/ScenarioReader.h"
+#include "session/Session.h"
+#include "toolkit/TrafficCapture.h"
+#include "toolkit/ToolkitTerminal.h"
 
 Session &theSession()
 {
@@ -38,37 +42,65 @@ Session &theSession()
 
 namespace {
 
-void withToolkitCard(std::function<void(ToolkitCard &)> function)
+void withTerminal(std::function<void(ToolkitTerminal &)> function)
 {
     constexpr bool AlsoWhileRemoved = true; // to be told when it is back
     theSession().withCard(
         [function = std::move(function)](Card &card) {
-            if (auto *toolkitCard = dynamic_cast<ToolkitCard *>(&card))
-                function(*toolkitCard);
+            if (auto *terminal = dynamic_cast<ToolkitTerminal *>(&card))
+                function(*terminal);
         },
         AlsoWhileRemoved);
 }
 
-// Carries what cards in readers say to whoever listens.  Listeners are called with the lock held,
-// so that none is running when its successor has been set.
-class Host : public CardListener {
+void lookAgain()
+{
+    withTerminal([](ToolkitTerminal &terminal) { terminal.lookAgain(Card::Clock::now()); });
+}
+
+// What watches something for the host, each on a thread of its own.
+template <class Monitor> class Monitors {
 public:
-    void exchanged(const ApduTraffic &traffic) override
+    template <class Listener> int add(Listener listener)
+    {
+        auto monitor = std::make_unique<Monitor>(std::move(listener));
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_monitors.emplace(++m_last, std::move(monitor));
+        return m_last;
+    }
+    void remove(int id)
+    {
+        typename decltype(m_monitors)::node_type monitor; // waits for its thread without the lock
+        std::lock_guard<std::mutex> lock(m_mutex);
+        monitor = m_monitors.extract(id);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::map<int, std::unique_ptr<Monitor>> m_monitors;
+    int m_last = 0;
+};
+
+// Carries what ports say to whoever listens.  Listeners are called with the lock held,
+// so that none is running when its successor has been set.
+class Host : public PortReports {
+public:
+    void exchanged(const PortTraffic &traffic) override
     {
         theSession().transcript().apdu(traffic.command, traffic.response);
         std::unique_lock<std::mutex> lock(m_mutex);
         if (!m_capture || m_capture->write(traffic))
             return;
-        const CardHost::Notice error = m_capture->error();
+        const Notice error = m_capture->error();
         m_capture.reset();
         lock.unlock();
         noticed(error);
     }
-    void answeredByModem(const std::string &command, const std::string &result) override
+    void answeredByTerminal(const std::string &command, const std::string &result) override
     {
         theSession().transcript().answeredByModem(command, result);
     }
-    void noticed(const CardHost::Notice &notice) override
+    void noticed(const Notice &notice) override
     {
         theSession().transcript().notice(notice);
         theSession().transcript().deliver(); // the card may be waited for
@@ -109,7 +141,7 @@ public:
     }
     std::string capture(const std::string &file)
     {
-        auto capture = file.empty() ? nullptr : std::make_unique<ApduCapture>(file);
+        auto capture = file.empty() ? nullptr : std::make_unique<TrafficCapture>(file);
         if (capture && !capture->isOpen())
             return capture->error().text;
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -125,20 +157,6 @@ public:
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_language;
-    }
-
-    int addMonitor(CardHost::ReaderListener listener)
-    {
-        auto monitor = std::make_unique<ReaderMonitor>(std::move(listener));
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_monitors.emplace(++m_lastMonitor, std::move(monitor));
-        return m_lastMonitor;
-    }
-    void removeMonitor(int id)
-    {
-        decltype(m_monitors)::node_type monitor; // waits for its thread without the lock
-        std::lock_guard<std::mutex> lock(m_mutex);
-        monitor = m_monitors.extract(id);
     }
 
 private:
@@ -161,16 +179,32 @@ private:
     CardHost::NoticeListener m_noticeListener;
     CardHost::PinListener m_pinListener;
     std::optional<CardHost::PinRequest> m_pinRequest;
-    std::unique_ptr<ApduCapture> m_capture;
+    std::unique_ptr<TrafficCapture> m_capture;
     std::string m_language;
-    std::map<int, std::unique_ptr<ReaderMonitor>> m_monitors;
-    int m_lastMonitor = 0;
 };
 
 Host &theHost()
 {
     static Host &host = *new Host; // the session may outlive everything that ends with the process
     return host;
+}
+
+Monitors<ReaderMonitor> &readerMonitors()
+{
+    static Monitors<ReaderMonitor> monitors;
+    return monitors;
+}
+
+Monitors<ModemMonitor> &modemMonitors()
+{
+    static Monitors<ModemMonitor> monitors;
+    return monitors;
+}
+
+void insertTerminal(std::unique_ptr<ToolkitPort> port, const std::string &name)
+{
+    theSession().insertCard(
+        std::make_unique<ToolkitTerminal>(std::move(port), name, theHost().language(), theHost()));
 }
 
 } // namespace
@@ -195,24 +229,54 @@ ReaderList listReaders()
 
 int addReaderListener(ReaderListener listener)
 {
-    return theHost().addMonitor(std::move(listener));
+    return readerMonitors().add(std::move(listener));
 }
 
 void removeReaderListener(int id)
 {
-    theHost().removeMonitor(id);
+    readerMonitors().remove(id);
 }
 
 void openReader(const std::string &nameStart)
 {
     const std::string name = nameStart.empty() ? "card reader" : nameStart;
-    theSession().insertCard(std::make_unique<ToolkitCard>(
-        std::make_unique<WorkerChannel>(std::make_unique<PcscChannel>(nameStart), name, theHost()),
-        name, theHost().language(), theHost()));
+    auto channel =
+        std::make_unique<WorkerChannel>(std::make_unique<PcscChannel>(nameStart), name, theHost());
+    insertTerminal(std::make_unique<ReaderPort>(std::move(channel), name, theHost()), name);
     // Whoever watches the readers knows first when a card has come.
-    static const ReaderMonitor monitor([](const ReaderList &) {
-        withToolkitCard([](ToolkitCard &card) { card.readersChanged(Card::Clock::now()); });
-    });
+    static const ReaderMonitor monitor([](const ReaderList &) { lookAgain(); });
+}
+
+std::vector<Modem> listModems()
+{
+    return ::listModems();
+}
+
+int addModemListener(ModemListener listener)
+{
+    return modemMonitors().add(std::move(listener));
+}
+
+void removeModemListener(int id)
+{
+    modemMonitors().remove(id);
+}
+
+void openModem(Modem::Kind kind, const std::string &device)
+{
+    constexpr bool BesideModem = true;
+    if (kind == Modem::Kind::At)
+        insertTerminal(
+            std::make_unique<AtPort>(device, cat::terminalProfile(BesideModem), theHost()), device);
+    else
+        insertTerminal(std::make_unique<MbimPort>(device, cat::typesBesideModem(), theHost()),
+                       device.empty() ? "MBIM modem" : device);
+    static const ModemMonitor monitor([](const std::vector<Modem> &) { lookAgain(); });
+}
+
+void restartCard()
+{
+    withTerminal([](ToolkitTerminal &terminal) { terminal.restart(Card::Clock::now()); });
 }
 
 void setNoticeListener(NoticeListener listener)
@@ -227,8 +291,9 @@ void setPinListener(PinListener listener)
 
 void answerPin(int request, const Pin &pin)
 {
-    withToolkitCard(
-        [request, pin](ToolkitCard &card) { card.answerPin(request, pin, Card::Clock::now()); });
+    withTerminal([request, pin](ToolkitTerminal &terminal) {
+        terminal.answerPin(request, pin, Card::Clock::now());
+    });
 }
 
 std::string captureApdus(const std::string &file)
@@ -239,27 +304,9 @@ std::string captureApdus(const std::string &file)
 void setLanguage(const std::string &language)
 {
     theHost().setLanguage(language);
-    withToolkitCard(
-        [language](ToolkitCard &card) { card.setLanguage(language, Card::Clock::now()); });
-}
-
-Pin::Pin(const char *digits, size_t count)
-{
-    constexpr size_t Fewest = 4;
-    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
-    if (count < Fewest || count > m_digits.size() || !std::all_of(digits, digits + count, isDigit))
-        return;
-    std::copy_n(digits, count, m_digits.begin());
-    m_count = count;
-}
-
-Pin::Pin(const Pin &other) = default;
-
-Pin &Pin::operator=(const Pin &other) = default;
-
-Pin::~Pin()
-{
-    explicit_bzero(m_digits.data(), m_digits.size());
+    withTerminal([language](ToolkitTerminal &terminal) {
+        terminal.setLanguage(language, Card::Clock::now());
+    });
 }
 
 void closeCard()

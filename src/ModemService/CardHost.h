@@ -1,7 +1,6 @@
 #ifndef CARDHOST_H
 #define CARDHOST_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -9,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "modem/ModemMonitor.h"
 #include "platform/ModemService.h"
+#include "reader/Readers.h"
+#include "toolkit/PortReports.h"
 
 /// How the host application puts a card into the modem, plays the network side and listens to what
 /// passes between card and terminal.  Every function may be called from any thread and returns
@@ -39,31 +41,8 @@ MOVA_API std::string openScenario(const std::string &file);
 
 // ---- Cards in smart-card readers ----
 
-/// One smart-card reader.
-struct Reader {
-    enum class State {
-        Empty, ///< no card is in it
-        Card, ///< a card that answers
-        Mute, ///< a card that does not answer, or the wrong way round
-        InUse ///< a card that another program keeps for itself
-    };
-    std::string name; ///< as the smart-card daemon calls it
-    State state = State::Empty;
-};
-
-/// What a card in a reader, or the way to it, has to say to people.
-struct Notice {
-    std::string id; ///< of the text in the host's catalogues, "IDS_CM_NOTICE_CARD_SILENT"
-    /// What stands for %1, %2 ... there: names of readers, status words...
-    std::vector<std::string> arguments;
-    std::string text; ///< the same in English with the arguments in it, one line of UTF-8
-    bool problem = false; ///< something is in the way
-};
-
-struct ReaderList {
-    std::vector<Reader> readers; ///< in the daemon's order
-    std::optional<Notice> problem; ///< why there can be no readers
-};
+using ::Reader;
+using ::ReaderList;
 
 /// Asks the smart-card daemon, and waits for its answer.
 MOVA_API ReaderList listReaders();
@@ -82,38 +61,38 @@ MOVA_API void removeReaderListener(int id);
 /// again until another card is opened.
 MOVA_API void openReader(const std::string &nameStart);
 
+// ---- Modems ----
+
+using ::Modem;
+
+/// What looks like a modem, each with its state.
+MOVA_API std::vector<Modem> listModems();
+
+using ModemListener = std::function<void(const std::vector<Modem> &)>;
+/// Calls the listener with the modems as they are, and again whenever one comes or goes, on a
+/// thread of its own.  The listener must not call back into this header.  The result is never 0.
+MOVA_API int addModemListener(ModemListener listener);
+/// No call of the listener runs after this returns.
+MOVA_API void removeModemListener(int id);
+
+/// Takes the toolkit of the SIM card in a modem and ends whatever card was open.  An empty device
+/// is the first of its kind.  What is in the way is told as a notice, and tried again until another
+/// card is opened; at the end the toolkit is given back to the modem.
+MOVA_API void openModem(Modem::Kind kind, const std::string &device);
+
+// ---- Readers and modems ----
+
+/// The card starts anew; a modem switches it off and on, and the network goes for a moment.
+MOVA_API void restartCard();
+
+using ::Notice;
 using NoticeListener = std::function<void(const Notice &)>;
 /// In place of the listener before; null for none.  It is called on the session's thread, and must
 /// not call back into this header.
 MOVA_API void setNoticeListener(NoticeListener listener);
 
-/// Four to eight digits that are wiped from memory when it goes.
-class Pin {
-public:
-    Pin() = default;
-    /// Nothing but four to eight decimal digits makes a PIN (3GPP TS 31.101 clause 9.5.1); any
-    /// other text makes an invalid one.
-    MOVA_API explicit Pin(const char *digits, size_t count);
-    MOVA_API Pin(const Pin &other);
-    MOVA_API Pin &operator=(const Pin &other);
-    MOVA_API ~Pin();
-
-    bool isValid() const { return m_count != 0; }
-    size_t size() const { return m_count; }
-    const char *digits() const { return m_digits.data(); } ///< not terminated
-
-private:
-    std::array<char, 8> m_digits{};
-    size_t m_count = 0;
-};
-
-/// The card wants its PIN.
-struct PinRequest {
-    int id = 0; ///< for the answer
-    std::string card; ///< for people
-    int triesLeft = 0; ///< after the last one the card is blocked; 0: the card does not tell
-    bool wrong = false; ///< the PIN before this request was wrong
-};
+using ::Pin;
+using ::PinRequest;
 /// Gets a request, or nothing when the one before is over: answered, or the card is gone.
 using PinListener = std::function<void(const std::optional<PinRequest> &)>;
 /// In place of the listener before; null for none.  It is called on the session's thread, and must

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "Service.h"
-#include "ServiceStatus.h"
-#include "Session.h"
+#include "session/ServiceStatus.h"
+#include "session/Session.h"
 #include "Text.h"
 
 namespace {

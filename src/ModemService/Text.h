@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ProactiveCommand.h"
+#include "session/ProactiveCommand.h"
 
 // Text between files (UTF-8), records (UTF-16 in the processor's byte order) and lines for people.
 

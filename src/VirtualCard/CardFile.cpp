@@ -5,8 +5,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "StrictJson.h"
 #include "cat/Hex.h"
+#include "scenario/StrictJson.h"
 
 using StrictJson::Json;
 using StrictJson::Object;

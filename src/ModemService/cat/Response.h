@@ -76,8 +76,11 @@ Bytes encodeLanguageSelection(const std::string &language);
 constexpr uint8_t UserActivity = 0x04;
 constexpr uint8_t LanguageSelection = 0x07;
 
-/// The data field of TERMINAL PROFILE: what this terminal does, no more and no less.
-Bytes terminalProfile();
+/// The data field of TERMINAL PROFILE: what this terminal does, no more and no less; beside a modem
+/// without what that does by itself.
+Bytes terminalProfile(bool besideModem = false);
+/// The types of the proactive commands that this terminal carries out beside a modem.
+Bytes typesBesideModem();
 
 } // namespace cat
 

@@ -1,0 +1,198 @@
+#include "MbimLink.h"
+
+#include <fstream>
+#include <utility>
+
+namespace {
+
+constexpr guint OpenSeconds = 15;
+constexpr std::chrono::seconds CloseTime{2};
+
+struct ErrorHolder {
+    GError *error = nullptr;
+    ~ErrorHolder() { g_clear_error(&error); }
+};
+
+bool isProxyRunning()
+{
+    std::ifstream sockets("/proc/net/unix");
+    for (std::string line; std::getline(sockets, line);) {
+        if (line.find("@mbim-proxy") != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+struct MbimLink::Call {
+    std::weak_ptr<MbimLink *> link;
+    Done done;
+
+    // Null where nobody wants to hear of it any more.
+    static std::unique_ptr<Call> taken(gpointer data, MbimLink *&link)
+    {
+        std::unique_ptr<Call> call(static_cast<Call *>(data));
+        const auto self = call->link.lock();
+        link = self ? *self : nullptr;
+        return link ? std::move(call) : nullptr;
+    }
+};
+
+MbimLink::MbimLink(Notified notified, std::function<void()> lost)
+    : m_notified(std::move(notified))
+    , m_lost(std::move(lost))
+{
+}
+
+MbimLink::~MbimLink()
+{
+    close();
+}
+
+gpointer MbimLink::call(Done done)
+{
+    return new Call{m_self, std::move(done)};
+}
+
+void MbimLink::open(const std::string &device, Done done)
+{
+    forget();
+    m_self = std::make_shared<MbimLink *>(this);
+    m_cancellable = g_cancellable_new();
+    const GlibLoop::Use use(m_loop);
+    GFile *const file = g_file_new_for_path(device.c_str());
+    mbim_device_new(file, m_cancellable, isMade, call(std::move(done)));
+    g_object_unref(file);
+}
+
+void MbimLink::isMade(GObject *, GAsyncResult *result, gpointer data)
+{
+    ErrorHolder holder;
+    MbimDevice *const device = mbim_device_new_finish(result, &holder.error);
+    MbimLink *link = nullptr;
+    auto call = Call::taken(data, link);
+    if (!call) {
+        if (device)
+            g_object_unref(device);
+        return;
+    }
+    if (!device) {
+        call->done({nullptr, std::nullopt, holder.error->message});
+        return;
+    }
+    link->m_device = device;
+    // Before it is opened: the first notifications come at once.
+    g_signal_connect(device, MBIM_DEVICE_SIGNAL_INDICATE_STATUS, G_CALLBACK(indicated), link);
+    g_signal_connect(device, MBIM_DEVICE_SIGNAL_REMOVED, G_CALLBACK(removed), link);
+    const auto flags =
+        isProxyRunning() ? MBIM_DEVICE_OPEN_FLAGS_PROXY : MBIM_DEVICE_OPEN_FLAGS_NONE;
+    mbim_device_open_full(device, flags, OpenSeconds, link->m_cancellable, isOpened,
+                          call.release());
+}
+
+void MbimLink::isOpened(GObject *source, GAsyncResult *result, gpointer data)
+{
+    ErrorHolder holder;
+    const bool opened =
+        mbim_device_open_full_finish(reinterpret_cast<MbimDevice *>(source), result, &holder.error);
+    MbimLink *link = nullptr;
+    const auto call = Call::taken(data, link);
+    if (!call)
+        return;
+    link->m_open = opened;
+    call->done({nullptr, std::nullopt, opened ? "" : holder.error->message});
+}
+
+void MbimLink::command(Message message, std::chrono::seconds patience, Done done)
+{
+    if (!m_open)
+        return;
+    const GlibLoop::Use use(m_loop);
+    mbim_message_set_transaction_id(message.get(), mbim_device_get_next_transaction_id(m_device));
+    mbim_device_command(m_device, message.get(), static_cast<guint>(patience.count()),
+                        m_cancellable, isAnswered, call(std::move(done)));
+}
+
+void MbimLink::isAnswered(GObject *source, GAsyncResult *result, gpointer data)
+{
+    ErrorHolder holder;
+    const Message answer(
+        mbim_device_command_finish(reinterpret_cast<MbimDevice *>(source), result, &holder.error),
+        mbim_message_unref);
+    MbimLink *link = nullptr;
+    const auto call = Call::taken(data, link);
+    if (!call)
+        return;
+    if (answer)
+        mbim_message_response_get_result(answer.get(), MBIM_MESSAGE_TYPE_COMMAND_DONE,
+                                         &holder.error);
+    Result outcome{answer.get(), std::nullopt, ""};
+    if (answer && !holder.error)
+        outcome.status = MBIM_STATUS_ERROR_NONE;
+    if (holder.error) {
+        outcome.error = holder.error->message;
+        if (holder.error->domain == MBIM_STATUS_ERROR)
+            outcome.status = holder.error->code;
+    }
+    call->done(outcome);
+}
+
+MbimLink::Message MbimLink::raw(MbimService service, guint32 command, const uint8_t *data,
+                                size_t size)
+{
+    Message message(mbim_message_command_new(0, service, command, MBIM_MESSAGE_COMMAND_TYPE_SET),
+                    mbim_message_unref);
+    mbim_message_command_append(message.get(), data, static_cast<guint32>(size));
+    return message;
+}
+
+void MbimLink::indicated(MbimDevice *, MbimMessage *message, gpointer self)
+{
+    static_cast<MbimLink *>(self)->m_notified(*message);
+}
+
+void MbimLink::removed(MbimDevice *, gpointer self)
+{
+    static_cast<MbimLink *>(self)->m_lost();
+}
+
+void MbimLink::close()
+{
+    if (m_open) {
+        bool closed = false;
+        const GlibLoop::Use use(m_loop);
+        const auto isClosed = [](GObject *source, GAsyncResult *result, gpointer data) {
+            ErrorHolder holder;
+            mbim_device_close_finish(reinterpret_cast<MbimDevice *>(source), result, &holder.error);
+            const std::unique_ptr<std::weak_ptr<bool>> done(
+                static_cast<std::weak_ptr<bool> *>(data));
+            if (const auto alive = done->lock())
+                *alive = true;
+        };
+        const std::shared_ptr<bool> done(&closed, [](bool *) {});
+        g_signal_handlers_disconnect_by_data(m_device, this);
+        m_self.reset(); // nobody wants to hear of the rest
+        mbim_device_close(m_device, static_cast<guint>(CloseTime.count()), nullptr, isClosed,
+                          new std::weak_ptr<bool>(done));
+        m_loop.runUntil(std::chrono::steady_clock::now() + CloseTime, [&] { return closed; });
+    }
+    forget();
+}
+
+void MbimLink::forget()
+{
+    m_self.reset();
+    m_open = false;
+    if (m_cancellable) {
+        g_cancellable_cancel(m_cancellable);
+        g_clear_object(&m_cancellable);
+    }
+    if (m_device) {
+        const GlibLoop::Use use(m_loop);
+        g_signal_handlers_disconnect_by_data(m_device, this);
+        mbim_device_close_force(m_device, nullptr);
+        g_clear_object(&m_device);
+    }
+    m_loop.run(); // what was cancelled says so
+}

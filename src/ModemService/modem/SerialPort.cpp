@@ -1,0 +1,110 @@
+#include "SerialPort.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+SerialPort::~SerialPort()
+{
+    close();
+}
+
+SerialPort::State SerialPort::open(const std::string &device)
+{
+    close();
+    m_descriptor = ::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (m_descriptor < 0) {
+        if (errno == EBUSY)
+            return State::InUse;
+        return errno == EACCES || errno == EPERM ? State::Denied : State::Missing;
+    }
+    // TIOCEXCL does not keep out the system's administrator, and the lock not who does not ask.
+    if (flock(m_descriptor, LOCK_EX | LOCK_NB) != 0) {
+        ::close(std::exchange(m_descriptor, -1));
+        return State::InUse;
+    }
+    if (tcgetattr(m_descriptor, &m_before) != 0) {
+        ::close(std::exchange(m_descriptor, -1));
+        return State::NoPort;
+    }
+    ioctl(m_descriptor, TIOCEXCL);
+    termios raw = m_before;
+    cfmakeraw(&raw);
+    raw.c_cflag |= CLOCAL | CREAD;
+    raw.c_cflag &= ~static_cast<tcflag_t>(CRTSCTS | HUPCL);
+    cfsetspeed(&raw, B115200);
+    tcsetattr(m_descriptor, TCSANOW, &raw);
+    tcflush(m_descriptor, TCIOFLUSH);
+    return State::Open;
+}
+
+void SerialPort::close()
+{
+    if (m_descriptor < 0)
+        return;
+    tcsetattr(m_descriptor, TCSANOW, &m_before);
+    ioctl(m_descriptor, TIOCNXCL);
+    ::close(std::exchange(m_descriptor, -1));
+}
+
+bool SerialPort::read(std::string &bytes)
+{
+    char buffer[4096];
+    while (true) {
+        const ssize_t count = ::read(m_descriptor, buffer, sizeof buffer);
+        if (count > 0) {
+            bytes.append(buffer, static_cast<size_t>(count));
+            continue;
+        }
+        return count < 0 && (errno == EAGAIN || errno == EINTR);
+    }
+}
+
+bool SerialPort::write(std::string_view bytes)
+{
+    constexpr int PatienceMs = 2000; // of a device whose buffer is full
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<size_t>(count));
+            continue;
+        }
+        if (errno == EINTR)
+            continue;
+        pollfd writable{m_descriptor, POLLOUT, 0};
+        if (errno != EAGAIN || poll(&writable, 1, PatienceMs) != 1)
+            return false;
+    }
+    return true;
+}
+
+std::string programsWith(const std::string &device)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path target = fs::canonical(device, error);
+    if (error)
+        return {};
+    std::string names;
+    for (const auto &process : fs::directory_iterator("/proc", error)) {
+        if (process.path().filename().string().find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        std::error_code denied; // other people's processes do not show what they have open
+        for (const auto &file : fs::directory_iterator(process.path() / "fd", denied)) {
+            if (fs::read_symlink(file.path(), denied) != target)
+                continue;
+            std::string name;
+            std::ifstream(process.path() / "comm") >> name;
+            names += (names.empty() ? "" : ", ") + name;
+            break;
+        }
+    }
+    return names;
+}

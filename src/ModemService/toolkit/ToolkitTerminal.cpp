@@ -1,0 +1,461 @@
+#include "ToolkitTerminal.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "CommandBridge.h"
+#include "Notices.h"
+#include "TerminalAnswers.h"
+
+namespace {
+
+constexpr size_t MaxEnvelopes = 16;
+constexpr std::chrono::milliseconds QuickestPerson{100};
+
+enum RefreshQualifier : uint8_t { // clause 8.6
+    FileChange = 0x01,
+    UiccReset = 0x04
+};
+
+PortResponse::Then whatFollows(const cat::Command &command, const cat::Response &response)
+{
+    if (!isPerformed(response) || !std::holds_alternative<cat::Refresh>(command.body))
+        return PortResponse::Then::Nothing;
+    switch (command.details.qualifier) {
+    case UiccReset:
+        return PortResponse::Then::Reset;
+    case FileChange:
+        return PortResponse::Then::Nothing;
+    default:
+        return PortResponse::Then::SelectAgain;
+    }
+}
+
+// Some answers are nobody's: a browser's, a tone's, those of a text that clears itself.
+bool isUsersAct(const TerminalResponse &response, bool waited)
+{
+    using Result = TerminalResponse::Result;
+    switch (response.result) {
+    case Result::Performed:
+        return response.item || response.text || waited;
+    case Result::BackwardMove:
+    case Result::Cancelled:
+    case Result::Terminated:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Whether nobody has cleared in time a text that somebody was to clear (clause 6.4.1).  The window
+// clears it then by itself, and calls that performed.
+bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
+                  Card::Clock::duration time)
+{
+    using std::chrono::milliseconds;
+    constexpr milliseconds Tolerance{100}; // of the window's clock
+    const milliseconds limit = timeToClear(command);
+    return limit.count() && response.result == TerminalResponse::Result::Performed &&
+        time + Tolerance >= limit;
+}
+
+bool isNetworks(const cat::Command &command)
+{
+    return std::holds_alternative<cat::SendSs>(command.body) ||
+        std::holds_alternative<cat::SendUssd>(command.body) ||
+        std::holds_alternative<cat::SendShortMessage>(command.body) ||
+        std::holds_alternative<cat::SetUpCall>(command.body);
+}
+
+} // namespace
+
+ToolkitTerminal::ToolkitTerminal(std::unique_ptr<ToolkitPort> port, std::string name,
+                                 std::string language, PortReports &reports)
+    : m_port(std::move(port))
+    , m_name(std::move(name))
+    , m_language(std::move(language))
+    , m_reports(reports)
+    , m_toolkit{TerminalDuties(m_port->traits(), m_language)}
+{
+}
+
+ToolkitTerminal::~ToolkitTerminal()
+{
+    powerOff();
+}
+
+CardTraits ToolkitTerminal::traits() const
+{
+    CardTraits traits;
+    traits.name = m_name;
+    return traits;
+}
+
+// True where there were any.
+template <class Event> bool ToolkitTerminal::forgetEvents()
+{
+    const auto last = std::remove_if(m_events.begin(), m_events.end(), [](const CardEvent &event) {
+        return std::holds_alternative<Event>(event);
+    });
+    const bool any = last != m_events.end();
+    m_events.erase(last, m_events.end());
+    return any;
+}
+
+// ---- What the session says ----
+
+void ToolkitTerminal::powerOn(Time now)
+{
+    forgetCard();
+    if (m_there && !m_started) {
+        m_started = true;
+        m_port->start(now);
+        return;
+    }
+    if (m_on)
+        m_port->close();
+    m_on = true;
+    m_there = m_started = m_removalTold = false;
+    m_port->open(*this, now);
+}
+
+void ToolkitTerminal::powerOff()
+{
+    forgetCard();
+    if (std::exchange(m_on, false))
+        m_port->close();
+    m_there = m_started = false;
+}
+
+void ToolkitTerminal::selectMenuItem(int16_t itemId, Time now)
+{
+    if (!m_started)
+        return;
+    queue(m_toolkit.duties.userActed());
+    m_text.shown = false;
+    m_ending.held = false;
+    forgetEvents<SessionEnd>(); // of the session before
+    // A command that nobody was told of is not what the user has chosen.
+    if (m_toolkit.command && !m_toolkit.command->ownAnswer && forgetEvents<ProactiveCommand>())
+        sendEnd(now);
+    dropSelection();
+    m_toolkit.selection = static_cast<uint8_t>(itemId);
+}
+
+// The one that waits to be sent, or for a busy card.
+void ToolkitTerminal::dropSelection()
+{
+    m_toolkit.selection.reset();
+    if (std::exchange(m_toolkit.selectionSent, false))
+        m_port->dropEnvelope();
+}
+
+void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
+{
+    const bool usersAct = isUsersAct(response, m_text.waits);
+    if (m_toolkit.held) { // until the text before it was answered
+        if (usersAct)
+            queue(m_toolkit.duties.userActed());
+        present(*std::exchange(m_toolkit.held, std::nullopt), now);
+        return;
+    }
+    const bool answered = response.result != TerminalResponse::Result::NoResponse;
+    if (!m_toolkit.command) {
+        // A text that the card did not wait for.
+        if (!std::exchange(m_text.shown, false))
+            return;
+        if (usersAct)
+            queue(m_toolkit.duties.userActed());
+        if (std::exchange(m_ending.held, false) && answered)
+            m_events.push_back(SessionEnd());
+        return;
+    }
+
+    const CommandInProgress current = *std::exchange(m_toolkit.command, std::nullopt);
+    if (isOverlooked(current.command, response, now - current.since)) {
+        const cat::Response none = responseWith(current.command, cat::Result::NoResponseFromUser);
+        m_reports.answeredByTerminal(current.command.name, resultInWords(none));
+        send(current, none, false, now);
+        return;
+    }
+    m_ending.quiet |= !answered;
+    const bool byTerminal = current.ownAnswer.has_value();
+    if (!byTerminal && answered && isUsersAct(response, waitsForUser(current.command)))
+        queue(m_toolkit.duties.userActed());
+    const bool fromPerson = !byTerminal && answered && now - current.since >= QuickestPerson;
+    send(current, responseTo(current.command, response, current.answerCoding), fromPerson, now);
+}
+
+void ToolkitTerminal::endSession()
+{
+    forgetEvents<SessionEnd>();
+    forgetEvents<ProactiveCommand>();
+    dropSelection();
+    m_text.shown = false;
+    m_ending.held = false;
+    m_toolkit.held.reset();
+    m_ending.quiet = m_toolkit.command || m_port->isInSession();
+    m_unwanted = m_port->expectsCommand() && !m_toolkit.command;
+    if (m_toolkit.command)
+        sendEnd(Clock::now());
+}
+
+void ToolkitTerminal::setLanguage(const std::string &language, Time)
+{
+    m_language = language;
+    queue(m_toolkit.duties.setLanguage(language));
+}
+
+void ToolkitTerminal::answerPin(int request, const Pin &pin, Time now)
+{
+    m_port->answerPin(request, pin, now);
+}
+
+void ToolkitTerminal::restart(Time now)
+{
+    if (m_started)
+        m_port->restart(now);
+}
+
+void ToolkitTerminal::lookAgain(Time now)
+{
+    if (m_on)
+        m_port->lookAgain(now);
+}
+
+// ---- Presence ----
+
+void ToolkitTerminal::arrived(Time now)
+{
+    m_there = true;
+    if (std::exchange(m_removalTold, false)) {
+        m_events.push_back(ModemReady()); // powerOn() follows
+        return;
+    }
+    m_started = true;
+    m_port->start(now);
+}
+
+void ToolkitTerminal::departed()
+{
+    forgetCard();
+    m_there = m_started = false;
+    if (!std::exchange(m_removalTold, true))
+        m_events.push_back(ModemRemoved());
+}
+
+void ToolkitTerminal::forgetCard()
+{
+    m_events.clear();
+    m_toolkit = Toolkit{TerminalDuties(m_port->traits(), m_language)};
+    m_ending = Ending();
+    m_text = Text();
+    m_unwanted = false;
+}
+
+// ---- Commands ----
+
+std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
+{
+    if (m_on && m_events.empty()) {
+        m_port->work(now);
+        for (auto expired = m_toolkit.duties.expiredTimer(now); expired;
+             expired = m_toolkit.duties.expiredTimer(now))
+            queue(std::move(expired));
+        if (m_events.empty() && hasEnvelope() && m_port->takesEnvelope())
+            sendEnvelope(now);
+    }
+    if (m_events.empty())
+        return std::nullopt;
+    CardEvent event = std::move(m_events.front());
+    m_events.pop_front();
+    return event;
+}
+
+ToolkitTerminal::Time ToolkitTerminal::wakeUp() const
+{
+    if (!m_events.empty() || (hasEnvelope() && m_port->takesEnvelope()))
+        return Time{};
+    return std::min(m_port->wakeUp(), m_toolkit.duties.nextExpiry());
+}
+
+void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time now)
+{
+    m_toolkit.selectionSent = false;
+    cat::Command command = cat::decode(bytes);
+    if (!m_port->traits().network && isNetworks(command))
+        wantsAnswer = false; // the far side's own answer would be a second one
+    if (wantsAnswer)
+        overtake();
+    if (command.problem != cat::Problem::None) {
+        cat::Response response = responseWith(command, cat::Result::Performed);
+        response.result = static_cast<uint8_t>(command.problem);
+        answerByTerminal(command, wantsAnswer, {std::move(response), command.reason}, now);
+        return;
+    }
+    if (auto done = m_toolkit.duties.carryOut(command, now)) {
+        answerByTerminal(command, wantsAnswer, std::move(*done), now);
+        return;
+    }
+    CommandInProgress current{std::move(command), wantsAnswer};
+    current.since = now;
+    handOut(std::move(current), now);
+}
+
+// A modem gave up the command before: only the new one is answered.
+void ToolkitTerminal::overtake()
+{
+    if (!m_toolkit.command)
+        return;
+    m_toolkit.command.reset();
+    if (std::exchange(m_toolkit.held, std::nullopt))
+        return;
+    const auto isQuestion = [](const CardEvent &event) {
+        const auto *command = std::get_if<ProactiveCommand>(&event);
+        return command && !isAnsweredByModem(command->body);
+    };
+    m_events.erase(std::remove_if(m_events.begin(), m_events.end(), isQuestion), m_events.end());
+}
+
+void ToolkitTerminal::handOut(CommandInProgress current, Time now)
+{
+    std::optional<ProactiveCommand> proactive = toProactiveCommand(current.command);
+    if (!proactive) {
+        answerByTerminal(current.command, current.wantsAnswer,
+                         {responseWith(current.command, cat::Result::BeyondCapabilities)}, now);
+        return;
+    }
+    const bool byUser = !isAnsweredByModem(proactive->body);
+    if (std::exchange(m_unwanted, false) && byUser) {
+        send(current, responseWith(current.command, cat::Result::TerminatedByUser), false, now);
+        return;
+    }
+    if (std::holds_alternative<cat::SetUpMenu>(current.command.body)) {
+        if (m_toolkit.rested && !m_toolkit.menuSeen)
+            m_reports.noticed(noticeOf(NoticeId::MenuLate, {m_port->name()}));
+        m_toolkit.menuSeen = true;
+    }
+    current.answerCoding = proactive->answerCoding;
+    if (!byUser)
+        current.ownAnswer = proactive->modemAnswer;
+    m_toolkit.command = std::move(current);
+    // Two windows at a time would be one too many, and nothing may take the text's place.
+    if (m_text.shown)
+        m_toolkit.held = std::move(*proactive);
+    else
+        present(std::move(*proactive), now);
+}
+
+void ToolkitTerminal::present(ProactiveCommand proactive, Time now)
+{
+    CommandInProgress &current = *m_toolkit.command;
+    const auto *text = std::get_if<cat::DisplayText>(&current.command.body);
+    current.since = now;
+    m_text = {text && text->immediateResponse, waitsForUser(current.command)};
+    m_ending = {true, false, false};
+    m_events.push_back(std::move(proactive));
+    if (m_text.shown) {
+        const CommandInProgress answered = *std::exchange(m_toolkit.command, std::nullopt);
+        send(answered, responseWith(answered.command, cat::Result::Performed), false, now);
+    }
+}
+
+void ToolkitTerminal::answerByTerminal(const cat::Command &command, bool wantsAnswer,
+                                       TerminalDuties::Done done, Time now)
+{
+    m_reports.answeredByTerminal(command.name +
+                                     (done.details.empty() ? "" : " (" + done.details + ')'),
+                                 resultInWords(done.response));
+    if (done.setsPollInterval)
+        m_port->setPollInterval(done.pollInterval, now);
+    send({command, wantsAnswer}, std::move(done.response), false, now);
+}
+
+void ToolkitTerminal::send(const CommandInProgress &current, cat::Response response,
+                           bool fromPerson, Time now)
+{
+    if (!current.wantsAnswer)
+        return;
+    addElapsedTime(response, current.command, now - current.since);
+    std::optional<cat::Bytes> data = cat::encode(response);
+    if (!data) { // with the time that it took, the text is too long
+        response = unable(current.command, cat::NoSpecificCause);
+        data = cat::encode(response);
+    }
+    PortResponse out;
+    out.data = std::move(*data);
+    out.secret = secretLength(response, current.command);
+    out.then = m_port->traits().refresh ? whatFollows(current.command, response)
+                                        : PortResponse::Then::Nothing;
+    out.fromPerson = fromPerson;
+    const bool resets = out.then == PortResponse::Then::Reset;
+    m_port->respond(std::move(out), now);
+    if (resets) {
+        forgetCard(); // a new start from the beginning, the session being over
+        m_events.push_back(SessionEnd());
+    }
+}
+
+// What the card is told of a command that nobody will answer any more: what the terminal was to
+// say, or that the user ended it.
+void ToolkitTerminal::sendEnd(Time now)
+{
+    const CommandInProgress current = *std::exchange(m_toolkit.command, std::nullopt);
+    const TerminalResponse ended{TerminalResponse::Result::Terminated};
+    send(current,
+         responseTo(current.command, current.ownAnswer.value_or(ended), current.answerCoding),
+         false, now);
+}
+
+// ---- Envelopes and ends ----
+
+bool ToolkitTerminal::hasEnvelope() const
+{
+    return m_toolkit.selection || !m_toolkit.envelopes.empty();
+}
+
+void ToolkitTerminal::queue(std::optional<PortEnvelope> envelope)
+{
+    if (envelope && m_toolkit.envelopes.size() < MaxEnvelopes)
+        m_toolkit.envelopes.push_back(std::move(*envelope));
+}
+
+void ToolkitTerminal::sendEnvelope(Time now)
+{
+    PortEnvelope envelope;
+    if (m_toolkit.selection) {
+        const uint8_t item = *std::exchange(m_toolkit.selection, std::nullopt);
+        envelope = {cat::encodeMenuSelection(item), "MENU SELECTION", true};
+        m_toolkit.selectionSent = true;
+    } else {
+        envelope = std::move(m_toolkit.envelopes.front());
+        m_toolkit.envelopes.pop_front();
+    }
+    m_ending.awaited = envelope.selection;
+    m_port->sendEnvelope(std::move(envelope), now);
+}
+
+void ToolkitTerminal::sessionEnded()
+{
+    m_unwanted = false;
+    m_toolkit.selectionSent = false;
+    // What waits for a person has nobody to tell any more.
+    if (m_toolkit.command && !m_toolkit.command->ownAnswer) {
+        m_toolkit.command.reset();
+        m_toolkit.held.reset();
+    }
+    const bool quiet = std::exchange(m_ending.quiet, false);
+    const bool awaited = std::exchange(m_ending.awaited, false);
+    if (quiet || !awaited || m_toolkit.selection) // the user has gone on
+        return;
+    if (m_text.shown)
+        m_ending.held = true;
+    else
+        m_events.push_back(SessionEnd());
+}
+
+void ToolkitTerminal::cameToRest()
+{
+    if (!std::exchange(m_toolkit.rested, true) && !m_toolkit.menuSeen)
+        m_port->tellMissingMenu();
+}

@@ -1,0 +1,286 @@
+// What stands between a modem and the terminal: lines, support bytes, and the AT port against a
+// modem that is a table.
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "modem/AtLines.h"
+#include "modem/AtPort.h"
+#include "modem/MbimPort.h"
+#include "modem/ModemTraffic.h"
+
+using Strings = std::vector<std::string>;
+using namespace std::chrono_literals;
+
+TEST(AtLines, comeInAnyCut)
+{
+    const std::string said = "\r\nOK\r\n+CUSATP: \"D009\"\r\n\r\n\n+CUSATEND\r" +
+        std::string(9000, 'A') + "\r\n" + std::string(1, '\0') + "ERROR\r\nrest";
+    const Strings expected{"OK", "+CUSATP: \"D009\"", "+CUSATEND", "ERROR"};
+    for (const size_t cut : {1, 2, 3, 5, 100, 20000}) {
+        AtLineReader reader;
+        Strings lines;
+        for (size_t at = 0; at < said.size(); at += cut) {
+            reader.add(said.substr(at, cut));
+            while (const auto line = reader.next())
+                lines.push_back(*line);
+        }
+        EXPECT_EQ(lines, expected) << "cut into " << cut;
+    }
+}
+
+TEST(AtLines, haveMeanings)
+{
+    const struct {
+        const char *line;
+        bool isFinal, isOk;
+        int code;
+    } finals[] = {
+        {"OK", true, true, -1},
+        {"ERROR", true, false, -1},
+        {"+CME ERROR: 14", true, false, 14},
+        {"+CME ERROR:13", true, false, 13},
+        {"+CME ERROR: SIM busy", true, false, 14},
+        {"+CMS ERROR: 500", true, false, 500},
+        {"+CUSATE: 0", false, false, -1},
+        {"OKAY", false, false, -1},
+    };
+    for (const auto &row : finals) {
+        const auto result = finalResult(row.line);
+        ASSERT_EQ(result.has_value(), row.isFinal) << row.line;
+        if (!result)
+            continue;
+        EXPECT_EQ(result->kind == AtFinal::Kind::Ok, row.isOk) << row.line;
+        EXPECT_EQ(result->code.value_or(-1), row.code) << row.line;
+    }
+    EXPECT_EQ(valueOf("+CUSATE2: 144,0", "+CUSATE"), std::nullopt); // a longer name
+    EXPECT_EQ(valueOf("+CUSATEND", "+CUSATEND"), "");
+    EXPECT_EQ(valueOf("+CUSATP:\"D0\"", "+CUSATP"), "\"D0\"");
+    EXPECT_EQ(parameters("0,\"a,b\", 144 ,"), (Strings{"0", "a,b", "144", ""}));
+    EXPECT_EQ(bytesOf("d0Ff"), (cat::Bytes{0xd0, 0xff}));
+    EXPECT_EQ(bytesOf("D0F"), std::nullopt);
+    EXPECT_EQ(bytesOf("D0 F"), std::nullopt);
+}
+
+TEST(MbimSupport, tellsWhoHasAType)
+{
+    const std::vector<uint8_t> types{0x21, 0x25};
+    const struct {
+        const char *what;
+        uint8_t atNumber, atDigits; // of SET UP MENU, type 0x25
+        size_t byte;
+        uint8_t bits; // with DISPLAY TEXT, type 0x21, which the host may always take
+    } rows[] = {
+        {"the host may", 1, 0, 4, 0x22},
+        {"the modem, and the host may", 5, 0, 4, 0x22},
+        {"the modem, which can notify", 3, 0, 4, 0x22},
+        {"the modem alone", 4, 0, 4, 0x02},
+        {"nobody", 0, 0, 4, 0x02},
+        {"counted in decimal", 0, 7, 3, 0x02},
+        {"counted in decimal, the modem's elsewhere", 2, 1, 3, 0x02},
+    };
+    for (const auto &row : rows) {
+        MbimSupport support;
+        support.of[0x21] = support.of[21] = 1;
+        support.of[0x25] = row.atNumber;
+        support.of[25] = row.atDigits;
+        EXPECT_EQ(hostControl(types, support)[row.byte], row.bits) << row.what;
+    }
+    const cat::Bytes padded{0xd0, 0x02, 0x81, 0x00, 0x00, 0x00}, longer(3 + 0x90 + 5, 0xd0);
+    EXPECT_EQ(commandIn(padded).size(), 4u);
+    cat::Bytes two = longer;
+    two[1] = 0x81;
+    two[2] = 0x90;
+    EXPECT_EQ(commandIn(two).size(), 3u + 0x90);
+}
+
+namespace {
+
+constexpr const char *MenuCommand = "D01181030125008202818285034142638F020141";
+constexpr const char *TextCommand = "D00D8103012180820281028D020441";
+
+// What the port told, a line each.
+class Told : public PortEvents, public PortReports {
+public:
+    void arrived(Time now) override
+    {
+        lines.push_back("arrived");
+        port->start(now);
+    }
+    void departed() override { lines.push_back("departed"); }
+    void commandArrived(cat::ByteView command, bool wantsAnswer, Time now) override
+    {
+        lines.push_back((wantsAnswer ? "command " : "notice ") + std::to_string(command.size()));
+        if (answers)
+            port->respond({{0x81, 0x03, 0x01, 0x21, 0x80}}, now);
+    }
+    void sessionEnded() override { lines.push_back("end"); }
+    void cameToRest() override { lines.push_back("rest"); }
+    void exchanged(const PortTraffic &) override { }
+    void answeredByTerminal(const std::string &, const std::string &) override { }
+    void noticed(const Notice &notice) override { lines.push_back(notice.id); }
+    void pinWanted(const PinRequest &request) override
+    {
+        lines.push_back(request.wrong ? "wrong PIN" : "PIN");
+        pin = request.id;
+    }
+    void pinDone() override { }
+
+    ToolkitPort *port = nullptr;
+    Strings lines;
+    bool answers = true;
+    int pin = 0;
+};
+
+// The other end of an AT port: answers from a table, "OK" to the rest; time is the test's.
+class TableModem {
+public:
+    explicit TableModem(std::map<std::string, std::deque<std::string>> answers)
+        : m_answers(std::move(answers))
+        , m_master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK))
+    {
+        grantpt(m_master);
+        unlockpt(m_master);
+        termios raw{};
+        tcgetattr(m_master, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_master, TCSANOW, &raw);
+        device = ptsname(m_master);
+    }
+    ~TableModem() { hangUp(); }
+
+    void hangUp()
+    {
+        if (m_master >= 0)
+            ::close(std::exchange(m_master, -1));
+    }
+    void say(const std::string &lines)
+    {
+        [[maybe_unused]] auto n = ::write(m_master, lines.data(), lines.size());
+    }
+
+    // Runs both until nothing happens any more up to that time of the test's clock.
+    void run(AtPort &port, std::chrono::milliseconds time)
+    {
+        const auto end = m_now + time;
+        while (true) {
+            const bool heard = m_master >= 0 && listen();
+            port.work(m_now);
+            if (heard)
+                continue;
+            const auto next = port.wakeUp();
+            if (next > end)
+                break;
+            m_now = std::max(m_now, next);
+        }
+        m_now = end;
+    }
+
+    std::string device;
+    Strings heard;
+
+private:
+    bool listen()
+    {
+        char buffer[4096];
+        const ssize_t count = ::read(m_master, buffer, sizeof buffer);
+        if (count <= 0)
+            return false;
+        m_reader.add({buffer, static_cast<size_t>(count)});
+        while (const auto line = m_reader.next()) {
+            heard.push_back(*line);
+            auto &answers = m_answers[line->substr(0, line->find('='))];
+            std::string answer = "\r\nOK\r\n";
+            if (!answers.empty()) {
+                answer = answers.front();
+                if (answers.size() > 1)
+                    answers.pop_front();
+            }
+            say(answer);
+        }
+        return true;
+    }
+
+    std::map<std::string, std::deque<std::string>> m_answers;
+    int m_master;
+    AtLineReader m_reader;
+    AtPort::Time m_now{1h};
+};
+
+} // namespace
+
+class AtPortTest : public testing::Test {
+protected:
+    using Answers = std::map<std::string, std::deque<std::string>>;
+
+    void open(Answers answers)
+    {
+        modem = std::make_unique<TableModem>(std::move(answers));
+        port = std::make_unique<AtPort>(modem->device, cat::Bytes{0xff, 0x01}, told);
+        told.port = port.get();
+        port->open(told, AtPort::Time(1h));
+    }
+    bool hasHeard(const std::string &line) const
+    {
+        return std::count(modem->heard.begin(), modem->heard.end(), line) != 0;
+    }
+
+    Told told;
+    std::unique_ptr<TableModem> modem;
+    std::unique_ptr<AtPort> port;
+};
+
+TEST_F(AtPortTest, startsWithWhateverAModemSays)
+{
+    const Strings all{"AT",
+                      "ATE0",
+                      "AT+CMEE=1",
+                      "AT+CPIN?",
+                      "AT+CPIN?",
+                      "AT+CUSATW=?",
+                      "AT+CUSATR",
+                      "AT+CUSATW=0,\"FF01\"",
+                      "AT+CUSATD=1,1",
+                      "AT+CUSATA=1"};
+    const std::string error = "\r\nERROR\r\n", ready = "\r\n+CPIN: READY\r\n\r\nOK\r\n";
+    const struct {
+        const char *what;
+        Answers answers;
+        Strings told;
+    } rows[] = {
+        {"all is well", {{"AT+CPIN?", {ready}}}, {"arrived", "rest"}},
+        {"knows nothing of clause 12",
+         {{"AT", {error}},
+          {"AT+CMEE", {error}},
+          {"AT+CUSATW", {error}},
+          {"AT+CUSATA", {"\r\n+CME ERROR: 4\r\n"}}},
+         {"arrived", "rest"}},
+        {"echoes, and the card talks in between",
+         {{"AT+CPIN?", {"AT+CPIN?\r" + ready}},
+          {"AT+CUSATA", {"\r\n+CUSATP: " + std::string(TextCommand) + "\r\n\r\nOK\r\n"}}},
+         {"arrived", "command 15", "end", "rest"}},
+        {"is busy at first",
+         {{"AT+CPIN?", {"\r\n+CME ERROR: 14\r\n", ready, ready}}},
+         {"arrived", "rest"}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        told.lines.clear();
+        open(row.answers);
+        modem->run(*port, 30s);
+        EXPECT_EQ(told.lines, row.told);
+        Strings heard = modem->heard;
+        heard.erase(std::unique(heard.begin(), heard.end()), heard.end());
+        for (const std::string &command : all)
+            EXPECT_TRUE(hasHeard(command)) << command;
+        port->close();
+        modem->heard.clear();
+    }
+}
