@@ -2,14 +2,12 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include <getopt.h>
 
+#include "CardReport.h"
 #include "FaultPlan.h"
-#include "PlayedCard.h"
 #include "ReaderLink.h"
 
 namespace {
@@ -121,6 +119,7 @@ public:
     Player(const Options &options, const CardFile &file)
         : m_link(options.host, options.port)
         , m_card(file)
+        , m_report(m_card, options.report)
         , m_faults(options.faults)
         , m_latency(options.latency)
     {
@@ -143,7 +142,7 @@ public:
         }
     }
 
-    const PlayedCard &card() const { return m_card; }
+    const CardReport &report() const { return m_report; }
     long commands() const { return m_commands; }
 
 private:
@@ -161,13 +160,7 @@ private:
             command(*message);
         // Where faults come at random, nobody knows what to expect.
         if (!m_faults.isRandom())
-            tellMismatches();
-    }
-
-    void tellMismatches()
-    {
-        for (; m_toldMismatches < m_card.mismatches().size(); ++m_toldMismatches)
-            std::cerr << m_card.mismatches()[m_toldMismatches] << std::endl;
+            m_report.tellMismatches();
     }
 
     /* Power off, power on, reset, and the wish for an answer to reset. */
@@ -244,39 +237,11 @@ private:
 
     ReaderLink m_link;
     PlayedCard m_card;
+    CardReport m_report;
     FaultPlan m_faults;
     const milliseconds m_latency;
     long m_commands = 0;
-    size_t m_toldMismatches = 0;
 };
-
-[[noreturn]] void giveUpReport(const Options &options)
-{
-    giveUp(options.report + ": cannot write the report");
-}
-
-// A run may last for days; what was there before stays until there is something better.
-void checkReport(const Options &options)
-{
-    if (!std::ofstream(options.report, std::ios::app))
-        giveUpReport(options);
-}
-
-void writeReport(const Options &options, const Player &player)
-{
-    nlohmann::ordered_json report = {{"card", options.file},
-                                     {"commands", player.commands()},
-                                     {"complete", player.card().isComplete()},
-                                     {"mismatches", player.card().mismatches()},
-                                     {"steps", nlohmann::json::array()}};
-    for (const auto &[place, count] : player.card().steps())
-        report["steps"].push_back(
-            {{"step", place}, {"ok", count.ok}, {"mismatches", count.mismatches}});
-    std::ofstream file(options.report);
-    file << report.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-    if (!file.flush())
-        giveUpReport(options);
-}
 
 } // namespace
 
@@ -285,15 +250,9 @@ int main(int argc, char **argv)
     const Options options = readOptions(argc, argv);
     try {
         Player player(options, CardFile::read(options.file));
-        if (!options.report.empty())
-            checkReport(options);
         player.play();
-        if (!options.report.empty())
-            writeReport(options, player);
-        const bool complete = !options.requireAll || player.card().isComplete();
-        if (!complete)
-            std::cerr << options.file << ": not every step was played\n";
-        return complete && player.card().mismatchCount() == 0 ? 0 : 1;
+        player.report().write(player.commands());
+        return player.report().exitStatus(options.requireAll);
     } catch (const std::exception &error) {
         giveUp(error.what());
     }
