@@ -183,6 +183,8 @@ public:
         m_now = end;
     }
 
+    AtPort::Time now() const { return m_now; }
+
     std::string device;
     Strings heard;
 
@@ -283,4 +285,132 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
         port->close();
         modem->heard.clear();
     }
+}
+
+TEST_F(AtPortTest, asksForThePinOnce)
+{
+    const std::string wanted = "\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n",
+                      ready = "\r\n+CPIN: READY\r\n\r\nOK\r\n";
+    const struct {
+        const char *what, *entered; // the modem's answer to the PIN
+        Strings told;
+    } rows[] = {
+        {"right", "\r\nOK\r\n", {"arrived", "PIN", "rest"}},
+        {"wrong", "\r\n+CME ERROR: 16\r\n", {"arrived", "PIN", "wrong PIN"}},
+        {"blocked",
+         "\r\n+CME ERROR: SIM PUK required\r\n",
+         {"arrived", "PIN", "IDS_CM_NOTICE_PIN_BLOCKED", "rest"}},
+        {"not taken",
+         "\r\nERROR\r\n",
+         {"arrived", "PIN", "IDS_CM_NOTICE_MODEM_REFUSES_PIN", "rest"}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        told.lines.clear();
+        open({{"AT+CPIN?", {wanted}}, {"AT+CPIN", {row.entered}}});
+        modem->run(*port, 20s);
+        EXPECT_FALSE(hasHeard("AT+CUSATW=?"));
+        port->answerPin(told.pin, Pin("1234", 4), modem->now());
+        port->answerPin(told.pin, Pin("1234", 4), modem->now()); // a second click
+        modem->run(*port, 20s);
+        EXPECT_EQ(std::count(modem->heard.begin(), modem->heard.end(), "AT+CPIN=\"1234\""), 1);
+        EXPECT_EQ(told.lines, row.told);
+        port->close();
+    }
+}
+
+TEST_F(AtPortTest, answersOnceAndInAnyDialect)
+{
+    const std::string command = "\r\n+CUSATP: \"" + std::string(TextCommand) + "\"\r\n";
+    const struct {
+        const char *what;
+        Answers answers;
+        std::string said; // by the modem, once it runs
+        int responses;
+        Strings told; // from then on
+    } rows[] = {
+        {"quoted", {}, command, 1, {"command 15", "end"}},
+        {"bare, cut in the middle, the end first",
+         {},
+         "+CUSATP:" + std::string(TextCommand) + "\r\n+CUSATEND\r\n",
+         1,
+         {"command 15", "end", "end"}},
+        {"wants no quotes",
+         {{"AT+CUSATT", {"\r\nERROR\r\n", "\r\n+CUSATT: 0\r\n\r\nOK\r\n"}}},
+         command,
+         2,
+         {"command 15", "end"}},
+        {"refuses",
+         {{"AT+CUSATT", {"\r\n+CME ERROR: 100\r\n"}}},
+         command,
+         2,
+         {"command 15", "IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
+        {"overtaken", {}, command + command, 1, {"command 15", "command 15", "end"}},
+        {"unreadable", {}, "\r\n+CUSATP: \"D0X\"\r\n", 0, {"IDS_CM_NOTICE_MODEM_UNREADABLE"}},
+        {"falls silent",
+         {{"AT+CUSATT", {""}}},
+         command,
+         1,
+         {"command 15", "IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        open(row.answers);
+        modem->run(*port, 20s);
+        told.lines.clear();
+        modem->say(row.said);
+        modem->run(*port, 30s);
+        const auto isResponse = [](const std::string &line) {
+            return line.rfind("AT+CUSATT", 0) == 0;
+        };
+        EXPECT_EQ(std::count_if(modem->heard.begin(), modem->heard.end(), isResponse),
+                  row.responses);
+        EXPECT_EQ(told.lines, row.told);
+        port->close();
+    }
+}
+
+TEST_F(AtPortTest, waitsForABusyCard)
+{
+    const PortEnvelope envelope{{0xd3, 0x00}, "MENU SELECTION", true};
+    const struct {
+        const char *what;
+        std::deque<std::string> answers;
+        int times;
+        Strings told;
+    } rows[] = {
+        {"nothing follows", {"\r\n+CUSATE: 0\r\n+CUSATE2: 144,0\r\n\r\nOK\r\n"}, 1, {"end"}},
+        {"only OK", {"\r\nOK\r\n"}, 1, {"end"}},
+        {"busy, twice",
+         {"\r\n+CUSATE: \"\",1\r\nOK\r\n", "\r\n+CUSATE2: 147,0\r\nOK\r\n", "\r\nOK\r\n"},
+         3,
+         {"end"}},
+        {"refused", {"\r\nERROR\r\n"}, 2, {"IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.what);
+        open({{"AT+CUSATE", row.answers}});
+        modem->run(*port, 20s);
+        told.lines.clear();
+        ASSERT_TRUE(port->takesEnvelope());
+        port->sendEnvelope(envelope, modem->now());
+        modem->run(*port, 20s);
+        const auto isEnvelope = [](const std::string &line) {
+            return line.rfind("AT+CUSATE=", 0) == 0;
+        };
+        EXPECT_EQ(std::count_if(modem->heard.begin(), modem->heard.end(), isEnvelope), row.times);
+        EXPECT_EQ(told.lines, row.told);
+        port->close();
+    }
+}
+
+TEST_F(AtPortTest, comesBackAfterTheModemHasGone)
+{
+    open({});
+    modem->run(*port, 20s);
+    told.lines.clear();
+    modem->hangUp();
+    modem->run(*port, 3s);
+    EXPECT_EQ(told.lines,
+              (Strings{"IDS_CM_NOTICE_MODEM_GONE", "departed", "IDS_CM_NOTICE_MODEM_MISSING"}));
 }

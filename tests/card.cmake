@@ -5,6 +5,3 @@ target_compile_definitions(TestToolkitTerminal PRIVATE STK_SOURCE_DIR="${PROJECT
 # Cards that answer anything.
 stk_random_test(NAME CardFuzz SECONDS 5 SOURCES CardFuzz.cpp LIBS ModemServiceObjects)
 set_target_properties(CardFuzz PROPERTIES AUTOMOC OFF)
-
-# Modems, without a modem.
-stk_gtest(NAME TestModem SOURCES TestModem.cpp LIBS ModemServiceObjects)

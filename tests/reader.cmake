@@ -28,8 +28,8 @@ endfunction()
 file(GLOB walkthroughs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/cards/conformance/*.walkthrough.json)
 foreach(walkthrough ${walkthroughs})
   get_filename_component(card ${walkthrough} NAME_WE)
-  stk_reader_test(Reader-${card} ${CMAKE_CURRENT_SOURCE_DIR}/reader/play
-    ${STK_BIN_DIR} ${PROJECT_SOURCE_DIR}/cards/conformance/${card}.json)
+  stk_reader_test(Reader-${card} ${CMAKE_CURRENT_SOURCE_DIR}/play
+    ${STK_BIN_DIR} ${PROJECT_SOURCE_DIR}/cards/conformance/${card}.json pcsc)
 endforeach()
 
 stk_reader_executable(ReaderEndToEnd ReaderEndToEnd.cpp)

@@ -256,7 +256,11 @@ int main(int argc, char **argv)
 {
     Options options = readOptions(argc, argv);
     try {
-        Player player(options, CardFile::read(options.file));
+        CardFile file = CardFile::read(options.file);
+        // The terminal of an MBIM modem has no part in the profile that the card gets.
+        if (options.protocol == ModemFaults::Mbim)
+            file.profile.reset();
+        Player player(options, file);
         player.play();
         player.report().write(options.faults.messages());
         return player.report().exitStatus(options.requireAll);
