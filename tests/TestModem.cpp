@@ -171,9 +171,8 @@ public:
     {
         const auto end = m_now + time;
         while (true) {
-            const bool heard = m_master >= 0 && listen();
             port.work(m_now);
-            if (heard)
+            if (m_master >= 0 && listen())
                 continue;
             const auto next = port.wakeUp();
             if (next > end)
@@ -267,7 +266,7 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
         {"echoes, and the card talks in between",
          {{"AT+CPIN?", {"AT+CPIN?\r" + ready}},
           {"AT+CUSATA", {"\r\n+CUSATP: " + std::string(TextCommand) + "\r\n\r\nOK\r\n"}}},
-         {"arrived", "command 15", "end", "rest"}},
+         {"arrived", "command 15", "rest", "end"}},
         {"is busy at first",
          {{"AT+CPIN?", {"\r\n+CME ERROR: 14\r\n", ready, ready}}},
          {"arrived", "rest"}},
