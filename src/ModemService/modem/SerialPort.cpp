@@ -94,7 +94,9 @@ std::string programsWith(const std::string &device)
         return {};
     std::string names;
     for (const auto &process : fs::directory_iterator("/proc", error)) {
-        if (process.path().filename().string().find_first_not_of("0123456789") != std::string::npos)
+        const std::string id = process.path().filename().string();
+        const bool isProcess = id.find_first_not_of("0123456789") == std::string::npos;
+        if (!isProcess || id == std::to_string(getpid()))
             continue;
         std::error_code denied; // other people's processes do not show what they have open
         for (const auto &file : fs::directory_iterator(process.path() / "fd", denied)) {

@@ -38,7 +38,7 @@ private:
     termios m_before{};
 };
 
-/// The names of the programs that have the device open, as far as this user may know.
+/// The names of the other programs that have the device open, as far as this user may know.
 std::string programsWith(const std::string &device);
 
 #endif
