@@ -322,6 +322,42 @@
         <translation>لا يوجد</translation>
     </message>
     <message>
+        <source>IDS_CM_MODEM</source>
+        <translation>المودم: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MODEM</source>
+        <translation>المودم: لا يوجد</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_FREE</source>
+        <translation>متاح</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_IN_USE_BY</source>
+        <translation>يستخدمه %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_DENIED</source>
+        <translation>لا توجد صلاحية</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_CONNECTED</source>
+        <translation>متصل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_NOT_READY</source>
+        <translation>غير جاهز</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART</source>
+        <translation>إ&amp;عادة التشغيل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART_MODEM</source>
+        <translation>إ&amp;عادة التشغيل (تنقطع الشبكة لحظة)</translation>
+    </message>
+    <message>
         <source>IDS_CM_STATE_WAITING</source>
         <translation>في انتظار البطاقة</translation>
     </message>
@@ -339,7 +375,7 @@
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>تطلب البطاقة الموجودة في القارئ «%1» رقم PIN الخاص بها.</translation>
+        <translation>تطلب البطاقة الموجودة في «%1» رقم PIN الخاص بها.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>
@@ -476,6 +512,82 @@
     <message>
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: تعذّرت كتابة ملف الالتقاط: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_MISSING</source>
+        <translation>%1: لا يوجد جهاز كهذا</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
+        <translation>لا يوجد مودم MBIM متصل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_DENIED</source>
+        <translation>%1: لا يجوز لهذا المستخدم استعمال الجهاز (هل هو في المجموعة dialout؟)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
+        <translation>%1: هذا ليس منفذاً تسلسلياً</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE</source>
+        <translation>%1: يستأثر برنامج آخر بالجهاز (مدير مودم؟)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE_BY</source>
+        <translation>%1: يستأثر برنامج آخر بالجهاز: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_GONE</source>
+        <translation>%1: لم يعد المودم متصلاً</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_SILENT</source>
+        <translation>%1: المودم لا يستجيب</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
+        <translation>%1: أرسل المودم أمراً لا يمكن قراءته</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_SIM</source>
+        <translation>%1: لا توجد في المودم بطاقة SIM صالحة للاستعمال</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_PIN</source>
+        <translation>%1: لم يقبل المودم رقم PIN؛ تتابع البطاقة بدونه</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES</source>
+        <translation>%1: يرفض المودم %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_MENU</source>
+        <translation>%1: لم تصل قائمة خدمات SIM؛ ترسلها البطاقة عند بدء تشغيلها: البطاقة، إعادة التشغيل</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_OPENED</source>
+        <translation>%1: تعذر فتح المودم: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_TOOLKIT</source>
+        <translation>%1: لا يقدم هذا المودم خدمات SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
+        <translation>%1: يحتفظ هذا المودم بقائمة خدمات SIM لنفسه</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
+        <translation>%1: يعدّ هذا المودم أنواع الأوامر بالنظام العشري</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE</source>
+        <translation>%1: يستخدم برنامج آخر خدمات SIM الخاصة بالمودم</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_READY</source>
+        <translation>%1: المودم غير جاهز: %2</translation>
     </message>
     <message>
         <source>IDS_CM_URL_ASK</source>

@@ -322,6 +322,42 @@
         <translation>keiner</translation>
     </message>
     <message>
+        <source>IDS_CM_MODEM</source>
+        <translation>Modem: %1 – %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MODEM</source>
+        <translation>Modem: keines</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_FREE</source>
+        <translation>frei</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_IN_USE_BY</source>
+        <translation>in Benutzung von %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_DENIED</source>
+        <translation>keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_CONNECTED</source>
+        <translation>verbunden</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_NOT_READY</source>
+        <translation>nicht bereit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART</source>
+        <translation>Neu &amp;starten</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART_MODEM</source>
+        <translation>Neu &amp;starten (das Netz ist kurz weg)</translation>
+    </message>
+    <message>
         <source>IDS_CM_STATE_WAITING</source>
         <translation>Warten auf die Karte</translation>
     </message>
@@ -339,7 +375,7 @@
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>Die Karte im Leser „%1“ fragt nach ihrer PIN.</translation>
+        <translation>Die Karte in „%1“ fragt nach ihrer PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>
@@ -476,6 +512,82 @@
     <message>
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: Die Mitschrift kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_MISSING</source>
+        <translation>%1: Dieses Gerät gibt es nicht</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
+        <translation>Es ist kein MBIM-Modem angeschlossen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_DENIED</source>
+        <translation>%1: Dieser Benutzer darf das Gerät nicht verwenden (ist er in der Gruppe dialout?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
+        <translation>%1: Das ist keine serielle Schnittstelle</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE</source>
+        <translation>%1: Ein anderes Programm benutzt das Gerät (eine Modemverwaltung?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE_BY</source>
+        <translation>%1: Ein anderes Programm benutzt das Gerät: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_GONE</source>
+        <translation>%1: Das Modem ist nicht mehr angeschlossen</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_SILENT</source>
+        <translation>%1: Das Modem antwortet nicht</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
+        <translation>%1: Das Modem hat einen unlesbaren Befehl geschickt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_SIM</source>
+        <translation>%1: Im Modem ist keine brauchbare SIM-Karte</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_PIN</source>
+        <translation>%1: Das Modem hat die PIN nicht angenommen; die Karte macht ohne sie weiter</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES</source>
+        <translation>%1: Das Modem lehnt %2 ab</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_MENU</source>
+        <translation>%1: Es ist kein Menü mit SIM-Diensten gekommen; die Karte schickt es, wenn sie startet: Karte, Neu starten</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_OPENED</source>
+        <translation>%1: Das Modem konnte nicht geöffnet werden: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_TOOLKIT</source>
+        <translation>%1: Dieses Modem bietet keine SIM-Dienste an</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
+        <translation>%1: Dieses Modem behält das Menü der SIM-Dienste für sich</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
+        <translation>%1: Dieses Modem zählt die Arten der Befehle dezimal</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE</source>
+        <translation>%1: Ein anderes Programm hat die SIM-Dienste des Modems</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_READY</source>
+        <translation>%1: Das Modem ist nicht bereit: %2</translation>
     </message>
     <message>
         <source>IDS_CM_URL_ASK</source>

@@ -322,6 +322,42 @@
         <translation>none</translation>
     </message>
     <message>
+        <source>IDS_CM_MODEM</source>
+        <translation>Modem: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MODEM</source>
+        <translation>Modem: none</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_FREE</source>
+        <translation>free</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_IN_USE_BY</source>
+        <translation>in use by %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_DENIED</source>
+        <translation>no permission</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_CONNECTED</source>
+        <translation>connected</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_NOT_READY</source>
+        <translation>not ready</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART</source>
+        <translation>Start &amp;anew</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART_MODEM</source>
+        <translation>Start &amp;anew (the network goes for a moment)</translation>
+    </message>
+    <message>
         <source>IDS_CM_STATE_WAITING</source>
         <translation>Waiting for the card</translation>
     </message>
@@ -339,7 +375,7 @@
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>The card in reader “%1” asks for its PIN.</translation>
+        <translation>The card in “%1” asks for its PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>
@@ -476,6 +512,82 @@
     <message>
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: cannot write the capture: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_MISSING</source>
+        <translation>%1: there is no such device</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
+        <translation>no MBIM modem is connected</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_DENIED</source>
+        <translation>%1: this user may not use the device (is the user in the group dialout?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
+        <translation>%1: this is no serial port</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE</source>
+        <translation>%1: another program keeps the device for itself (a modem manager?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE_BY</source>
+        <translation>%1: another program keeps the device for itself: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_GONE</source>
+        <translation>%1: the modem is gone</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_SILENT</source>
+        <translation>%1: the modem does not answer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
+        <translation>%1: the modem sent a command that cannot be read</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_SIM</source>
+        <translation>%1: there is no usable SIM card in the modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_PIN</source>
+        <translation>%1: the modem did not take the PIN; the card goes on without it</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES</source>
+        <translation>%1: the modem refuses %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_MENU</source>
+        <translation>%1: no toolkit menu has come; the card sends it when it starts: Card, Start anew</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_OPENED</source>
+        <translation>%1: the modem could not be opened: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_TOOLKIT</source>
+        <translation>%1: this modem offers no toolkit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
+        <translation>%1: this modem keeps the toolkit's menu to itself</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
+        <translation>%1: this modem counts the types of commands in decimal</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE</source>
+        <translation>%1: another program has the modem's toolkit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_READY</source>
+        <translation>%1: the modem is not ready: %2</translation>
     </message>
     <message>
         <source>IDS_CM_URL_ASK</source>

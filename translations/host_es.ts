@@ -322,6 +322,42 @@
         <translation>ninguno</translation>
     </message>
     <message>
+        <source>IDS_CM_MODEM</source>
+        <translation>Módem: %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MODEM</source>
+        <translation>Módem: ninguno</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_FREE</source>
+        <translation>libre</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_IN_USE_BY</source>
+        <translation>en uso por %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_DENIED</source>
+        <translation>sin permiso</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_CONNECTED</source>
+        <translation>conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_NOT_READY</source>
+        <translation>no está listo</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART</source>
+        <translation>Re&amp;iniciar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART_MODEM</source>
+        <translation>Re&amp;iniciar (la red se corta un momento)</translation>
+    </message>
+    <message>
         <source>IDS_CM_STATE_WAITING</source>
         <translation>Esperando la tarjeta</translation>
     </message>
@@ -339,7 +375,7 @@
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>La tarjeta del lector «%1» pide su PIN.</translation>
+        <translation>La tarjeta en «%1» pide su PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>
@@ -476,6 +512,82 @@
     <message>
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1: no se puede escribir la captura: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_MISSING</source>
+        <translation>%1: no existe tal dispositivo</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
+        <translation>No hay ningún módem MBIM conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_DENIED</source>
+        <translation>%1: este usuario no puede usar el dispositivo (¿está en el grupo dialout?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
+        <translation>%1: no es un puerto serie</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE</source>
+        <translation>%1: otro programa tiene el dispositivo reservado (¿un gestor de módems?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE_BY</source>
+        <translation>%1: otro programa tiene el dispositivo reservado: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_GONE</source>
+        <translation>%1: el módem ya no está conectado</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_SILENT</source>
+        <translation>%1: el módem no responde</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
+        <translation>%1: el módem envió una orden ilegible</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_SIM</source>
+        <translation>%1: no hay ninguna tarjeta SIM utilizable en el módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_PIN</source>
+        <translation>%1: el módem no aceptó el PIN; la tarjeta continúa sin él</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES</source>
+        <translation>%1: el módem rechaza %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_MENU</source>
+        <translation>%1: no ha llegado ningún menú de servicios SIM; la tarjeta lo envía al arrancar: Tarjeta, Reiniciar</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_OPENED</source>
+        <translation>%1: no se pudo abrir el módem: %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_TOOLKIT</source>
+        <translation>%1: este módem no ofrece servicios SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
+        <translation>%1: este módem se reserva el menú de servicios SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
+        <translation>%1: este módem cuenta los tipos de órdenes en decimal</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE</source>
+        <translation>%1: otro programa tiene los servicios SIM del módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_READY</source>
+        <translation>%1: el módem no está listo: %2</translation>
     </message>
     <message>
         <source>IDS_CM_URL_ASK</source>

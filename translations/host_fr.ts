@@ -322,6 +322,42 @@
         <translation>aucun</translation>
     </message>
     <message>
+        <source>IDS_CM_MODEM</source>
+        <translation>Modem : %1 — %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NO_MODEM</source>
+        <translation>Modem : aucun</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_FREE</source>
+        <translation>libre</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_IN_USE_BY</source>
+        <translation>utilisé par %1</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_DENIED</source>
+        <translation>accès refusé</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_CONNECTED</source>
+        <translation>connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_MODEM_NOT_READY</source>
+        <translation>pas prêt</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART</source>
+        <translation>Re&amp;démarrer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_RESTART_MODEM</source>
+        <translation>Re&amp;démarrer (coupe le réseau un instant)</translation>
+    </message>
+    <message>
         <source>IDS_CM_STATE_WAITING</source>
         <translation>En attente de la carte</translation>
     </message>
@@ -339,7 +375,7 @@
     </message>
     <message>
         <source>IDS_CM_PIN_ASKS</source>
-        <translation>La carte dans le lecteur « %1 » demande son code PIN.</translation>
+        <translation>La carte dans « %1 » demande son code PIN.</translation>
     </message>
     <message>
         <source>IDS_CM_PIN_WRONG</source>
@@ -476,6 +512,82 @@
     <message>
         <source>IDS_CM_NOTICE_CAPTURE_FAILED</source>
         <translation>%1 : impossible d’écrire la capture : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_MISSING</source>
+        <translation>%1 : ce périphérique n’existe pas</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
+        <translation>Aucun modem MBIM n’est connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_DENIED</source>
+        <translation>%1 : cet utilisateur n’a pas accès au périphérique (fait-il partie du groupe dialout ?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
+        <translation>%1 : ce n’est pas un port série</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE</source>
+        <translation>%1 : un autre programme se réserve le périphérique (un gestionnaire de modems ?)</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IN_USE_BY</source>
+        <translation>%1 : un autre programme se réserve le périphérique : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_GONE</source>
+        <translation>%1 : le modem n’est plus connecté</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_SILENT</source>
+        <translation>%1 : le modem ne répond pas</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
+        <translation>%1 : le modem a envoyé une commande illisible</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_SIM</source>
+        <translation>%1 : il n’y a pas de carte SIM utilisable dans le modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_PIN</source>
+        <translation>%1 : le modem n’a pas accepté le code PIN ; la carte continue sans lui</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES</source>
+        <translation>%1 : le modem refuse %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_MENU</source>
+        <translation>%1 : aucun menu de services SIM n’est arrivé ; la carte l’envoie à son démarrage : Carte, Redémarrer</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_OPENED</source>
+        <translation>%1 : impossible d’ouvrir le modem : %2</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NO_TOOLKIT</source>
+        <translation>%1 : ce modem n’offre pas de services SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
+        <translation>%1 : ce modem garde pour lui le menu des services SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
+        <translation>%1 : ce modem compte les types de commandes en décimal</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE</source>
+        <translation>%1 : un autre programme utilise les services SIM du modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_NOT_READY</source>
+        <translation>%1 : le modem n’est pas prêt : %2</translation>
     </message>
     <message>
         <source>IDS_CM_URL_ASK</source>

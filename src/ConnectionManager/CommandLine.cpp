@@ -17,7 +17,9 @@ struct OptionRow {
 const OptionRow Options[] = {
     {"card", "CARD",
      "Put a card into the modem: the simulated card of a scenario FILE, pcsc for the card in the "
-     "first reader that has one, or pcsc:READER for the card in the reader whose name begins so.",
+     "first reader that has one, pcsc:READER for the card in the reader whose name begins so, "
+     "at:DEVICE for the card in a modem with AT commands, mbim:DEVICE for one with MBIM, or mbim: "
+     "for the first of these.",
      &CommandLine::card},
     {"language", "LL", "Language of the user interface: en, de, fr, es, zh_CN or ar.",
      &CommandLine::language},
@@ -27,7 +29,8 @@ const OptionRow Options[] = {
     {"screenshots", "DIR", "Where the pictures of a walkthrough go.", &CommandLine::screenshots},
     {"transcript", "FILE", "Write what passes between card and terminal, as JSON Lines.",
      &CommandLine::transcript},
-    {"apdu-log", "FILE", "Write the commands to a card in a reader, and its answers, as pcap.",
+    {"apdu-log", "FILE",
+     "Write the commands to a card in a reader or a modem, and its answers, as pcap.",
      &CommandLine::apduLog},
     {"trace", "FILE", "Write the trace lines of the plug-in; - is standard error.",
      &CommandLine::trace},
@@ -46,6 +49,29 @@ void findReader(CommandLine *line)
     line->card.clear();
 }
 
+struct ModemPrefix {
+    QString text;
+    CardHost::Modem::Kind kind;
+    bool needsDevice;
+};
+const ModemPrefix ModemPrefixes[] = {{"at:", CardHost::Modem::Kind::At, true},
+                                     {"mbim:", CardHost::Modem::Kind::Mbim, false}};
+
+// The same holds for a modem's.
+void findModem(CommandLine *line)
+{
+    for (const ModemPrefix &prefix : ModemPrefixes) {
+        if (!line->card.startsWith(prefix.text) ||
+            (prefix.needsDevice && line->card == prefix.text))
+            continue;
+        line->modem.emplace();
+        line->modem->kind = prefix.kind;
+        line->modem->device = QFile::encodeName(line->card.mid(prefix.text.size())).toStdString();
+        line->card.clear();
+        return;
+    }
+}
+
 QString firstError(const CommandLine &line)
 {
     if (!line.language.isEmpty() && !Languages::isKnown(line.language)) {
@@ -54,6 +80,10 @@ QString firstError(const CommandLine &line)
     }
     if (line.card == NamedReader)
         return QString("option --card %1 needs the start of a reader's name").arg(NamedReader);
+    for (const ModemPrefix &prefix : ModemPrefixes) {
+        if (line.card == prefix.text)
+            return QString("option --card %1 needs a device, as in %1/dev/ttyUSB2").arg(prefix.text);
+    }
     if (!line.card.isEmpty() && !QFileInfo::exists(line.card))
         return line.card + ": no such card scenario";
     return {};
@@ -69,7 +99,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     const QCommandLineOption help({"h", "help"}, "Show this help.");
     const QCommandLineOption version({"v", "version"}, "Show the version.");
     const QCommandLineOption readers("list-readers", "List the card readers with their state.");
-    parser.addOptions({help, version, readers});
+    const QCommandLineOption modems("list-modems", "List the modems with their state.");
+    parser.addOptions({help, version, readers, modems});
     for (const OptionRow &row : Options)
         parser.addOption({row.name, row.description, row.value});
 
@@ -95,7 +126,9 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         line.*row.target = parser.value(row.name);
     }
     line.listReaders = parser.isSet(readers);
+    line.listModems = parser.isSet(modems);
     findReader(&line);
+    findModem(&line);
     line.error = firstError(line);
     // Last, so that a script can have its arguments checked before it goes on.
     if (line.error.isEmpty() && parser.isSet(version))

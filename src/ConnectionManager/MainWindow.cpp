@@ -7,27 +7,27 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMenuBar>
 #include <QRegularExpression>
-#include <QScrollBar>
 #include <QStatusBar>
 
 #include "CardCommands.h"
 #include "Languages.h"
 #include "Messages.h"
 #include "ModemIcon.h"
+#include "ModemMenu.h"
 #include "PinDialog.h"
 #include "PluginHost.h"
-#include "ReaderEvents.h"
 #include "ReaderMenu.h"
+#include "ServiceEvents.h"
 #include "session/ServiceStatus.h"
 #include "ToolkitButton.h"
 #include "ToolkitWindows.h"
 #include "Transcript.h"
+#include "TranscriptView.h"
 #include "UrlBar.h"
 #include "platform/CommonUtils.h"
 
@@ -37,7 +37,6 @@ using Languages::text;
 
 namespace {
 
-constexpr int MaxTranscriptLines = 5000;
 constexpr int RefreshInterval = 200; // ms
 constexpr int StateIconSize = 64;
 constexpr int UncodableShown = 30'000; // ms; then the entry has long been corrected
@@ -99,18 +98,6 @@ QString cardName(const QString &fileName)
     return name.isEmpty() ? QFileInfo(fileName).completeBaseName() : name;
 }
 
-// Every start asks for the menu before the card has sent it: that is no fault, and is not to look
-// like one.  Where there is no card, or no modem, it says nothing, and the line is empty.
-QString shownText(const CardHost::TranscriptEntry &entry)
-{
-    static const QRegularExpression asked("refused: MOVA_STKSrv_GetMainMenu: .* \\(-([123])\\)$");
-    QString line = QString::fromStdString(entry.text);
-    const QRegularExpressionMatch match = asked.match(line);
-    if (match.hasMatch() && match.captured(1).toInt() != -StatusNoMenu)
-        return QString();
-    return line.replace(asked, "there is no menu yet");
-}
-
 // For buttons, which take no key; Chinese puts the key behind the text, in parentheses.
 QString withoutMnemonic(QString text)
 {
@@ -131,7 +118,7 @@ void dropCoveredCursors()
 
 } // namespace
 
-MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents &readers)
+MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ServiceEvents &events)
     : m_plugin(plugin)
     , m_urls([this](const QUrl &url) { openUrl(url); })
 {
@@ -146,15 +133,20 @@ MainWindow::MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents 
     m_panel->setWindowIcon(windowIcon());
     resize(720, 520);
     connect(&transcript, &Transcript::entriesAdded, this, &MainWindow::appendEntries);
-    connect(&readers, &ReaderEvents::readersChanged, this,
+    connect(&events, &ServiceEvents::readersChanged, this,
             [this](const CardHost::ReaderList &list) {
                 m_readers->setReaders(list);
                 refreshTexts();
             });
-    connect(&readers, &ReaderEvents::commandComes, this, &MainWindow::meetCommand);
+    connect(&events, &ServiceEvents::modemsChanged, this,
+            [this](const std::vector<CardHost::Modem> &modems) {
+                m_modems->setModems(modems);
+                refreshTexts();
+            });
+    connect(&events, &ServiceEvents::commandComes, this, &MainWindow::meetCommand);
     connect(&m_urls, &UrlRequests::changed, this, &MainWindow::offerUrlPanel);
-    connect(&readers, &ReaderEvents::noticed, this, &MainWindow::showNotice);
-    connect(&readers, &ReaderEvents::pinRequestChanged, this, &MainWindow::askPin);
+    connect(&events, &ServiceEvents::noticed, this, &MainWindow::showNotice);
+    connect(&events, &ServiceEvents::pinRequestChanged, this, &MainWindow::askPin);
     connect(&m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
     m_refreshTimer.start(RefreshInterval);
 }
@@ -163,8 +155,7 @@ MainWindow::~MainWindow() = default;
 
 QString MainWindow::openCard(const QString &file)
 {
-    m_readers->useNone();
-    m_urls.decline(); // it was the card before that asked
+    changeSource(nullptr);
     const QString error =
         QString::fromStdString(CardHost::openScenario(QFile::encodeName(file).toStdString()));
     m_cardName = error.isEmpty() ? cardName(file) : QString();
@@ -175,12 +166,28 @@ QString MainWindow::openCard(const QString &file)
 
 void MainWindow::openReader(const QString &nameStart)
 {
+    changeSource(m_readers);
     m_readers->use(nameStart);
-    m_urls.decline();
-    m_cardName.clear();
-    showError({});
     CardHost::openReader(nameStart.toStdString());
     refreshTexts();
+}
+
+void MainWindow::openModem(const CardHost::Modem &modem)
+{
+    changeSource(m_modems);
+    m_modems->use(modem);
+    CardHost::openModem(modem.kind, modem.device);
+    refreshTexts();
+}
+
+void MainWindow::changeSource(SourceMenu *source)
+{
+    m_readers->useNone();
+    m_modems->useNone();
+    m_source = source;
+    m_urls.decline(); // it was the card before that asked
+    m_cardName.clear();
+    showError({});
 }
 
 void MainWindow::setLanguage(const QString &code)
@@ -295,6 +302,8 @@ void MainWindow::createActions()
         addNetworkAction("IDS_CM_END_SESSION", QKeySequence("Ctrl+E"), CardHost::endSession);
     m_timeOutSession =
         addNetworkAction("IDS_CM_TIME_OUT", QKeySequence("Ctrl+Shift+E"), CardHost::timeOutSession);
+    m_restart = new QAction(this); // its text depends on where the card is
+    connect(m_restart, &QAction::triggered, this, [] { CardHost::restartCard(); });
 }
 
 void MainWindow::createMenus()
@@ -309,6 +318,8 @@ void MainWindow::createMenus()
     file->addSeparator();
     m_readers = new ReaderMenu(file);
     connect(m_readers, &ReaderMenu::chosen, this, &MainWindow::openReader);
+    m_modems = new ModemMenu(file);
+    connect(m_modems, &ModemMenu::chosen, this, &MainWindow::openModem);
     file->addAction(m_quit);
     add("IDS_CM_MENU_MODEM", {m_toolkit, m_remove, m_insert})->insertSeparator(m_remove);
     m_cardMenu = add("IDS_CM_MENU_CARD", {});
@@ -344,7 +355,7 @@ void MainWindow::createCommandMenu()
         m_actionTexts.append({action, command.wayId});
     }
     m_cardMenu->addSeparator();
-    m_cardMenu->addActions({m_endSession, m_timeOutSession, m_showPanel});
+    m_cardMenu->addActions({m_endSession, m_timeOutSession, m_restart, m_showPanel});
     m_cardMenu->insertSeparator(m_showPanel);
 }
 
@@ -367,31 +378,12 @@ void MainWindow::createContent()
     layout->addWidget(m_errorLabel);
 
     layout->addWidget(createTranscriptBar());
-    m_transcriptView = new QPlainTextEdit(content);
-    m_transcriptView->setObjectName("ConnectionManager_Transcript");
-    m_transcriptView->setReadOnly(true);
-    m_transcriptView->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_transcriptView->setMaximumBlockCount(MaxTranscriptLines);
-    // Its lines are technical English in every language.
-    m_transcriptView->setLayoutDirection(Qt::LeftToRight);
+    m_transcriptView = new TranscriptView(content);
     layout->addWidget(m_transcriptView, 1);
-    followTranscript();
     m_urlBar = new UrlBar(m_urls, QBoxLayout::LeftToRight, content);
     layout->addWidget(m_urlBar);
     setCentralWidget(content);
     statusBar()->addPermanentWidget(new QLabel(m_plugin.description(), this));
-}
-
-// The end of the transcript stays in sight, also when the view shrinks under an error.
-void MainWindow::followTranscript()
-{
-    QScrollBar *bar = m_transcriptView->verticalScrollBar();
-    connect(bar, &QScrollBar::valueChanged, this,
-            [this, bar](int value) { m_showsEnd = value == bar->maximum(); });
-    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
-        if (m_showsEnd)
-            bar->setValue(maximum);
-    });
 }
 
 QWidget *MainWindow::createHeader()
@@ -462,6 +454,7 @@ void MainWindow::retranslate()
     if (m_pinDialog)
         m_pinDialog->retranslate();
     m_readers->retranslate();
+    m_modems->retranslate();
     m_urlBar->retranslate();
     statusBar()->clearMessage();
     if (m_notice)
@@ -482,20 +475,22 @@ void MainWindow::refreshTexts()
     m_state = CardHost::state();
     const bool toolkit = hasToolkit(m_state);
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
-    const bool waits =
-        m_readers->isUsed() && m_state == ModemState::Removed && !m_errorLabel->isHidden();
+    const bool waits = m_source && m_state == ModemState::Removed && !m_errorLabel->isHidden();
     m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
-    m_readers->setAnswering(toolkit);
+    if (m_source)
+        m_source->setAnswering(toolkit);
     m_cardLabel->setText(cardLine());
     m_hasMenu = CardHost::hasMenu();
     m_toolkit->setEnabled(toolkit && m_hasMenu);
     m_toolkitButton->follow(toolkit, m_hasMenu);
     m_remove->setEnabled(toolkit);
     m_insert->setEnabled(m_state == ModemState::Removed);
-    m_commandActions->setEnabled(toolkit &&
-                                 !m_readers->isUsed()); // a real card sends what it likes
+    m_commandActions->setEnabled(toolkit && !m_source); // a real card sends what it likes
     m_endSession->setEnabled(toolkit);
     m_timeOutSession->setEnabled(toolkit);
+    const bool inModem = m_source == m_modems;
+    m_restart->setText(text(inModem ? "IDS_CM_RESTART_MODEM" : "IDS_CM_RESTART"));
+    m_restart->setEnabled(toolkit && m_source);
 }
 
 void MainWindow::chooseCard()
@@ -522,15 +517,15 @@ void MainWindow::showAbout()
 
 QString MainWindow::cardLine() const
 {
-    if (m_readers->isUsed())
-        return m_readers->line();
+    if (m_source)
+        return m_source->line();
     return m_state == ModemState::NoCard ? text("IDS_CM_NO_CARD_HINT")
                                          : text("IDS_CM_CARD_NAME").arg(m_cardName);
 }
 
 void MainWindow::showNotice(const CardHost::Notice &notice)
 {
-    if (!m_readers->isUsed()) // it is about the card before
+    if (!m_source) // it is about the card before
         return;
     m_notice = notice;
     tellNotice();
@@ -593,9 +588,7 @@ void MainWindow::noteUncodable(const CardHost::TranscriptEntry &entry)
 void MainWindow::appendEntries(const QList<CardHost::TranscriptEntry> &entries)
 {
     for (const CardHost::TranscriptEntry &entry : entries) {
-        const QString line = shownText(entry);
-        if (!line.isEmpty())
-            m_transcriptView->appendPlainText(line);
+        m_transcriptView->add(entry);
         noteUncodable(entry);
     }
     refresh();

@@ -6,7 +6,6 @@
 #include <QActionGroup>
 #include <QLabel>
 #include <QMainWindow>
-#include <QPlainTextEdit>
 #include <QTimer>
 #include <QToolButton>
 
@@ -15,12 +14,15 @@
 #include "NetworkPanel.h"
 #include "UrlRequests.h"
 
+class ModemMenu;
 class PinDialog;
 class PluginHost;
-class ReaderEvents;
 class ReaderMenu;
+class ServiceEvents;
+class SourceMenu;
 class ToolkitButton;
 class Transcript;
+class TranscriptView;
 class UrlBar;
 
 /// The connection manager's window: state of the modem, the way into the SIM toolkit, the live
@@ -29,7 +31,7 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    MainWindow(PluginHost &plugin, Transcript &transcript, ReaderEvents &readers);
+    MainWindow(PluginHost &plugin, Transcript &transcript, ServiceEvents &events);
     ~MainWindow() override;
 
     /// Puts the card of the scenario into the modem.  The result is empty, or one line that says
@@ -38,6 +40,8 @@ public:
     /// Puts the card of the first reader whose name begins with the text into the modem; with an
     /// empty text, of the first that has a card.
     void openReader(const QString &nameStart);
+    /// Takes the toolkit of the card in a modem of this kind and device, or the first of its kind.
+    void openModem(const CardHost::Modem &modem);
     /// For a start that nobody watches: from now on a card goes on without its PIN.
     void declinePins() { m_declinesPins = true; }
     /// Switches every text of the host and of the plug-in's open windows.
@@ -73,8 +77,8 @@ private:
     void createContent();
     QWidget *createHeader();
     QWidget *createTranscriptBar();
-    void followTranscript();
     QAction *addNetworkAction(const char *textId, const QKeySequence &shortcut, void (*act)());
+    void changeSource(SourceMenu *source);
     void retranslate();
     void refresh();
     void refreshTexts();
@@ -108,12 +112,15 @@ private:
     QList<QPair<QMenu *, const char *>> m_menuTexts;
     QAction *m_openCard = nullptr;
     ReaderMenu *m_readers = nullptr;
+    ModemMenu *m_modems = nullptr;
+    SourceMenu *m_source = nullptr; // where the card is read; null for a scenario card
     QAction *m_quit = nullptr;
     QAction *m_toolkit = nullptr;
     QAction *m_remove = nullptr;
     QAction *m_insert = nullptr;
     QAction *m_endSession = nullptr;
     QAction *m_timeOutSession = nullptr;
+    QAction *m_restart = nullptr;
     QAction *m_showPanel = nullptr;
     QAction *m_about = nullptr;
     QAction *m_copy = nullptr;
@@ -129,12 +136,11 @@ private:
     ToolkitButton *m_toolkitButton = nullptr;
     QLabel *m_errorLabel = nullptr;
     QLabel *m_transcriptLabel = nullptr;
-    QPlainTextEdit *m_transcriptView = nullptr;
+    TranscriptView *m_transcriptView = nullptr;
     UrlBar *m_urlBar = nullptr;
     std::unique_ptr<NetworkPanel> m_panel;
     std::unique_ptr<PinDialog> m_pinDialog;
     bool m_panelOffered = false;
-    bool m_showsEnd = true;
     bool m_declinesPins = false;
 };
 

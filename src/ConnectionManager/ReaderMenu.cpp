@@ -30,9 +30,7 @@ QString nameOf(const Reader &reader)
 } // namespace
 
 ReaderMenu::ReaderMenu(QMenu *menu)
-    : QActionGroup(menu)
-    , m_menu(menu)
-    , m_end(menu->addSeparator())
+    : SourceMenu(menu)
 {
     connect(this, &QActionGroup::triggered, this,
             [this](const QAction *action) { emit chosen(action->data().toString()); });
@@ -59,12 +57,6 @@ void ReaderMenu::useNone()
     fill();
 }
 
-void ReaderMenu::setAnswering(bool answers)
-{
-    if (std::exchange(m_answers, answers) != answers)
-        fill();
-}
-
 QString ReaderMenu::line() const
 {
     if (const Reader *reader = inUse())
@@ -73,11 +65,6 @@ QString ReaderMenu::line() const
         return lineOfNone();
     return text("IDS_CM_READER")
         .arg(Languages::leftToRight(*m_nameStart), text("IDS_CM_READER_GONE"));
-}
-
-void ReaderMenu::retranslate()
-{
-    fill();
 }
 
 // The first reader that fits and, where any would do, that has a card; a card is stayed with.
@@ -98,29 +85,12 @@ void ReaderMenu::follow()
     }
 }
 
-void ReaderMenu::fill()
+QList<SourceMenu::Line> ReaderMenu::lines() const
 {
-    // One of the actions may be the one that is carried out just now.
-    for (QAction *action : actions()) {
-        removeAction(action);
-        m_menu->removeAction(action);
-        action->deleteLater();
-    }
-    for (const Reader &reader : m_list.readers) {
-        QAction *action = addLine(lineOf(reader));
-        action->setData(nameOf(reader));
-        action->setCheckable(true);
-        action->setChecked(&reader == inUse());
-    }
-    if (m_list.readers.empty())
-        addLine(lineOfNone())->setEnabled(false);
-}
-
-QAction *ReaderMenu::addLine(QString line)
-{
-    auto *action = new QAction(line.replace('&', "&&"), this);
-    m_menu->insertAction(m_end, action);
-    return action;
+    QList<Line> all;
+    for (const Reader &reader : m_list.readers)
+        all << Line{lineOf(reader), nameOf(reader), &reader == inUse()};
+    return all;
 }
 
 const Reader *ReaderMenu::inUse() const
@@ -135,7 +105,7 @@ const Reader *ReaderMenu::inUse() const
 QString ReaderMenu::lineOf(const Reader &reader) const
 {
     // The one who keeps the card in use for itself may be this program.
-    const bool isOurs = m_answers && &reader == inUse();
+    const bool isOurs = answers() && &reader == inUse();
     const char *const state = stateId(isOurs ? Reader::State::Card : reader.state);
     return text("IDS_CM_READER").arg(Languages::leftToRight(nameOf(reader)), text(state));
 }

@@ -3,14 +3,11 @@
 
 #include <optional>
 
-#include <QActionGroup>
-#include <QMenu>
-
 #include "CardHost.h"
+#include "SourceMenu.h"
 
-/// The readers as actions of a menu, and which of them has the card in the modem.  The menu may be
-/// open while readers come and go.
-class ReaderMenu : public QActionGroup {
+/// The readers as actions of a menu, and which of them has the card in the modem.
+class ReaderMenu : public SourceMenu {
     Q_OBJECT
 
 public:
@@ -21,15 +18,8 @@ public:
     /// The card in the modem is that of the first reader whose name begins with the text; with an
     /// empty text, of the first that has a card.
     void use(const QString &nameStart);
-    /// The card in the modem is in no reader.
-    void useNone();
-    bool isUsed() const { return m_nameStart.has_value(); }
-    /// Whether the card of the reader in use answers to this program.
-    void setAnswering(bool answers);
-
-    /// The reader in use and its state, for people.
-    QString line() const;
-    void retranslate();
+    void useNone() override;
+    QString line() const override;
 
 signals:
     /// The user has chosen the reader with this name.
@@ -37,19 +27,16 @@ signals:
 
 private:
     void follow();
-    void fill();
-    QAction *addLine(QString line);
+    bool isUsed() const { return m_nameStart.has_value(); }
+    QList<Line> lines() const override;
     const CardHost::Reader *inUse() const;
     QString lineOf(const CardHost::Reader &reader) const;
-    QString lineOfNone() const;
+    QString lineOfNone() const override;
 
-    QMenu *m_menu;
-    QAction *m_end; // stands behind the readers
     CardHost::ReaderList m_list;
     // What the reader's name has to begin with, and the name of the one that is in use.
     std::optional<QString> m_nameStart;
     std::optional<QString> m_name;
-    bool m_answers = false;
 };
 
 #endif

@@ -9,8 +9,9 @@
 #include "MainWindow.h"
 #include "Messages.h"
 #include "ModemIcon.h"
+#include "ModemMenu.h"
 #include "PluginHost.h"
-#include "ReaderEvents.h"
+#include "ServiceEvents.h"
 #include "Transcript.h"
 #include "WalkthroughPlayer.h"
 #include "platform/CommonUtils.h"
@@ -64,7 +65,7 @@ const char *readerState(CardHost::Reader::State state)
     return "empty";
 }
 
-int listReaders()
+int printReaders()
 {
     const CardHost::ReaderList list = CardHost::listReaders();
     if (list.readers.empty()) {
@@ -75,6 +76,32 @@ int listReaders()
     for (const CardHost::Reader &reader : list.readers)
         std::printf("%s: %s\n", reader.name.c_str(), readerState(reader.state));
     return 0;
+}
+
+std::string modemState(const CardHost::Modem &modem)
+{
+    switch (modem.state) {
+    case CardHost::Modem::State::InUse:
+        return modem.user.empty() ? "in use" : "in use by " + modem.user;
+    case CardHost::Modem::State::Denied:
+        return "no permission";
+    case CardHost::Modem::State::Free:
+        break;
+    }
+    return "free";
+}
+
+int printModems()
+{
+    const std::vector<CardHost::Modem> modems = CardHost::listModems();
+    if (modems.empty())
+        Messages::complain("no modem is connected");
+    for (const CardHost::Modem &modem : modems) {
+        const std::string name = modem.name.empty() ? "" : modem.name + "  ";
+        std::printf("%s  %s%s\n", qPrintable(ModemMenu::addressOf(modem)), name.c_str(),
+                    modemState(modem).c_str());
+    }
+    return modems.empty() ? 1 : 0;
 }
 
 int cannotStart(const CommandLine &line, const QString &reason)
@@ -167,8 +194,8 @@ int play(const Walkthrough &walkthrough, MainWindow &window, Transcript &transcr
     return 1;
 }
 
-// Puts the card in; empty, or why nothing can come of this start.  What is wrong in a reader is
-// told later.
+// Puts the card in; empty, or why nothing can come of this start.  What is wrong in a reader or
+// with a modem is told later.
 QString begin(const CommandLine &line, MainWindow &window)
 {
     const QString cardError = line.card.isEmpty() ? QString() : window.openCard(line.card);
@@ -185,14 +212,16 @@ QString begin(const CommandLine &line, MainWindow &window)
     }
     if (line.reader)
         window.openReader(*line.reader);
+    if (line.modem)
+        window.openModem(*line.modem);
     return {};
 }
 
 int runWindow(const CommandLine &line, PluginHost &plugin, Transcript &transcript,
               const Walkthrough &walkthrough)
 {
-    ReaderEvents readers;
-    MainWindow window(plugin, transcript, readers);
+    ServiceEvents events;
+    MainWindow window(plugin, transcript, events);
     HostUi::setMainWindow(&window);
     noteAddresses(window);
     window.setLanguage(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
@@ -232,7 +261,10 @@ int main(int argc, char *argv[])
     }
 
     if (line.listReaders)
-        return listReaders();
+        return printReaders();
+
+    if (line.listModems)
+        return printModems();
 
     Messages::install();
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -345,7 +345,7 @@ std::string sendCommand(const std::string &json)
     if (modem == ModemState::NoCard || modem == ModemState::Removed)
         return modem == ModemState::NoCard ? "no card is in the modem" : "the modem was removed";
     if (!theSession().hasCard<ScenarioCard>())
-        return "a card in a reader sends its own commands only";
+        return "a real card sends its own commands only";
     try {
         theSession().withCard([script = readCommand(json)](Card &card) {
             if (auto *scenarioCard = dynamic_cast<ScenarioCard *>(&card))

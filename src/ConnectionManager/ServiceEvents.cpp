@@ -1,12 +1,16 @@
-#include "ReaderEvents.h"
+#include "ServiceEvents.h"
 
 #include <utility>
 
-ReaderEvents::ReaderEvents()
+ServiceEvents::ServiceEvents()
 {
-    m_listener = CardHost::addReaderListener([this](const CardHost::ReaderList &list) {
+    m_readerListener = CardHost::addReaderListener([this](const CardHost::ReaderList &list) {
         add([&](Pending &pending) { pending.readers = list; });
     });
+    m_modemListener =
+        CardHost::addModemListener([this](const std::vector<CardHost::Modem> &modems) {
+            add([&](Pending &pending) { pending.modems = modems; });
+        });
     CardHost::setNoticeListener([this](const CardHost::Notice &notice) {
         add([&](Pending &pending) { pending.notices << notice; });
     });
@@ -18,15 +22,16 @@ ReaderEvents::ReaderEvents()
     });
 }
 
-ReaderEvents::~ReaderEvents()
+ServiceEvents::~ServiceEvents()
 {
-    CardHost::removeReaderListener(m_listener);
+    CardHost::removeReaderListener(m_readerListener);
+    CardHost::removeModemListener(m_modemListener);
     CardHost::setNoticeListener(nullptr);
     CardHost::setPinListener(nullptr);
     CardHost::setCommandListener(nullptr);
 }
 
-template <class Change> void ReaderEvents::add(Change change)
+template <class Change> void ServiceEvents::add(Change change)
 {
     const std::lock_guard lock(m_mutex);
     if (!m_pending.isAnnounced)
@@ -35,7 +40,7 @@ template <class Change> void ReaderEvents::add(Change change)
     change(m_pending);
 }
 
-void ReaderEvents::deliver()
+void ServiceEvents::deliver()
 {
     Pending pending;
     {
@@ -44,6 +49,8 @@ void ReaderEvents::deliver()
     }
     if (pending.readers)
         emit readersChanged(*pending.readers);
+    if (pending.modems)
+        emit modemsChanged(*pending.modems);
     for (const CardHost::Notice &notice : qAsConst(pending.notices))
         emit noticed(notice);
     for (const int type : qAsConst(pending.commands))

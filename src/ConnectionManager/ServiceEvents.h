@@ -1,5 +1,5 @@
-#ifndef READEREVENTS_H
-#define READEREVENTS_H
+#ifndef SERVICEEVENTS_H
+#define SERVICEEVENTS_H
 
 #include <mutex>
 #include <optional>
@@ -9,18 +9,19 @@
 
 #include "CardHost.h"
 
-/// What the modem service tells of card readers, of the cards in them, and of the commands of any
-/// card.  It comes from the service's threads and is handed to the GUI thread.
-class ReaderEvents : public QObject {
+/// What the modem service tells of card readers and modems, of the cards in them, and of the
+/// commands of any card.  It comes from the service's threads and is handed to the GUI thread.
+class ServiceEvents : public QObject {
     Q_OBJECT
 
 public:
-    ReaderEvents();
-    ~ReaderEvents() override;
+    ServiceEvents();
+    ~ServiceEvents() override;
 
 signals:
     // Emitted on the GUI thread.
     void readersChanged(const CardHost::ReaderList &list);
+    void modemsChanged(const std::vector<CardHost::Modem> &modems);
     void noticed(const CardHost::Notice &notice);
     /// A command of this type (MOVA_STKTYPE_...) is about to reach the plug-in.
     void commandComes(int type);
@@ -30,6 +31,7 @@ signals:
 private:
     struct Pending {
         std::optional<CardHost::ReaderList> readers;
+        std::optional<std::vector<CardHost::Modem>> modems;
         QList<CardHost::Notice> notices;
         QList<int> commands;
         std::optional<std::optional<CardHost::PinRequest>> pin;
@@ -43,7 +45,8 @@ private:
 
     std::mutex m_mutex;
     Pending m_pending;
-    int m_listener = 0;
+    int m_readerListener = 0;
+    int m_modemListener = 0;
 };
 
 #endif
