@@ -29,16 +29,21 @@ GlibLoop::Use::~Use()
     g_main_context_pop_thread_default(m_context);
 }
 
+// What GLib starts from inside a callback belongs to the loop, too.
 void GlibLoop::run()
 {
+    const Use use(*this);
     while (g_main_context_iteration(m_context, FALSE)) { }
 }
 
 void GlibLoop::runOnce(Time end)
 {
     using namespace std::chrono;
-    if (g_main_context_iteration(m_context, FALSE))
-        return;
+    {
+        const Use use(*this);
+        if (g_main_context_iteration(m_context, FALSE))
+            return;
+    }
     const Time until = std::min(prepare(), end);
     const auto left = duration_cast<milliseconds>(until - steady_clock::now()).count();
     epoll_event event;
