@@ -47,13 +47,18 @@ private slots:
         write("notes.json",
               R"-([{"language": "en"}, {"expectNote": "no smart-card daemon is running (pcscd)"},
             {"language": "de"}, {"expectNote": "Es läuft kein Smartcard-Dienst (pcscd)"}])-");
+        write("absent.json", R"([{"expectNote": "/absent: there is no such device"}])");
         row("--cart x", "Unknown option 'cart'\\.");
         row("--card", "Missing value after '--card'\\.");
         row("--card=", "option --card needs a CARD");
         row("--card pcsc:", "option --card pcsc: needs the start of a reader's name");
+        row("--card at:", "option --card at: needs a device, as in at:/dev/ttyUSB2");
         row("--version demo.json", "unexpected argument \"demo.json\"");
         row("", "there is no display, and so nothing to do: expected --walkthrough .*");
         row("--card pcsc", "there is no display, and so nothing to do: expected .*");
+        row("--card mbim:", "there is no display, and so nothing to do: expected .*");
+        row("--card at:/absent --walkthrough DIR/absent.json", "/absent: there is no such device",
+            0);
         row("--language tlh", "unknown language \"tlh\": expected one of en, .*");
         row("--card /absent.json", "/absent.json: no such card scenario");
         row("--walkthrough /absent", "/absent: expected a walkthrough, found no readable file: .*");

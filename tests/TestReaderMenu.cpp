@@ -1,9 +1,11 @@
 #include <QMenu>
 #include <QTest>
 
+#include "Languages.h"
+#include "ModemMenu.h"
 #include "ReaderMenu.h"
 
-// Readers are written "name=state", the state as its number.
+// Readers are written "name=state", the state as its number, and modems "at:name=state".
 class TestReaderMenu : public QObject {
     Q_OBJECT
 
@@ -50,7 +52,39 @@ private slots:
         QCOMPARE(readers.checkedAction()->data().toString(), QString("c"));
     }
 
+    void followsModems()
+    {
+        QVERIFY(Languages::apply("en"));
+        // The line; what was asked for, and one list after the other.
+        for (const auto &[line, steps] : QList<QPair<QString, QString>>{
+                 {"mbim:b — not ready", "mbim:||at:a=0 mbim:b=0 mbim:c=0"},
+                 {"at:c — in use by \u2066x\u2069", "at:c|at:a=0 at:c=1"},
+                 {"at:c — connected", "at:c|mbim:c=0 at:c=1"},
+                 {"at:a — not ready", "at:a|at:a=0|at:b=0"}}) {
+            QMenu menu;
+            ModemMenu modems(&menu);
+            connect(&modems, &ModemMenu::chosen, &modems, &ModemMenu::use);
+            modems.use(readModems(steps.section('|', 0, 0)).front());
+            modems.setAnswering(line.endsWith("connected"));
+            for (const QString &list : steps.section('|', 1).split('|'))
+                modems.setModems(readModems(list));
+            modems.checkedAction()->trigger(); // the same once more
+            const QString shown = modems.checkedAction()->text();
+            QCOMPARE(modems.line(), shown);
+            QCOMPARE(shown, "Modem: \u2066" + QString(line).replace(" —", "\u2069 —"));
+        }
+    }
+
 private:
+    static std::vector<CardHost::Modem> readModems(const QString &text)
+    {
+        std::vector<CardHost::Modem> all;
+        for (const QString &modem : text.split(' ', Qt::SkipEmptyParts))
+            all.push_back({CardHost::Modem::Kind(modem.startsWith("mbim:")),
+                           modem.section('=', 0, 0).section(':', 1).toStdString(), "",
+                           CardHost::Modem::State(modem.section('=', 1).toInt()), "x"});
+        return all;
+    }
     static CardHost::ReaderList read(const QString &text)
     {
         CardHost::ReaderList list;

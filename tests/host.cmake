@@ -12,6 +12,7 @@ add_dependencies(TestHostUi translations)
 foreach(test TestWalkthrough TestPinField TestUrlBar TestReaderMenu)
   stk_qtest(NAME ${test} SOURCES ${test}.cpp LIBS ConnectionManagerObjects)
 endforeach()
+add_dependencies(TestReaderMenu translations)
 
 # The cards' walkthroughs mostly wait: each is a test of its own, so that they can do so side by side.
 stk_test_executable(EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core Qt5::Test Stk::Gui
