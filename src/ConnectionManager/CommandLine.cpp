@@ -82,7 +82,8 @@ QString firstError(const CommandLine &line)
         return QString("option --card %1 needs the start of a reader's name").arg(NamedReader);
     for (const ModemPrefix &prefix : ModemPrefixes) {
         if (line.card == prefix.text)
-            return QString("option --card %1 needs a device, as in %1/dev/ttyUSB2").arg(prefix.text);
+            return QString("option --card %1 needs a device, as in %1/dev/ttyUSB2")
+                .arg(prefix.text);
     }
     if (!line.card.isEmpty() && !QFileInfo::exists(line.card))
         return line.card + ": no such card scenario";
