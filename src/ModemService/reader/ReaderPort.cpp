@@ -312,12 +312,9 @@ void ReaderPort::run(Time now)
             fetch(now);
         return;
     }
-    if (m_toolkit.envelope) {
-        if (now >= m_toolkit.busy.at())
-            passEnvelope(now);
-        return;
-    }
-    if (m_toolkit.pollInterval && now >= m_toolkit.pollAt) {
+    if (m_toolkit.envelope && now >= m_toolkit.busy.at()) {
+        passEnvelope(now);
+    } else if (m_toolkit.pollInterval && now >= m_toolkit.pollAt) {
         poll(now);
     } else if (!m_toolkit.rested && now >= m_toolkit.restAt) {
         m_toolkit.rested = true;

@@ -258,12 +258,12 @@ void ToolkitTerminal::forgetCard()
 std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
 {
     if (m_on && m_events.empty()) {
-        m_port->work(now);
         for (auto expired = m_toolkit.duties.expiredTimer(now); expired;
              expired = m_toolkit.duties.expiredTimer(now))
             queue(std::move(expired));
-        if (m_events.empty() && hasEnvelope() && m_port->takesEnvelope())
+        if (hasEnvelope() && m_port->takesEnvelope())
             sendEnvelope(now);
+        m_port->work(now);
     }
     if (m_events.empty())
         return std::nullopt;
