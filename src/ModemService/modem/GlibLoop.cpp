@@ -6,8 +6,9 @@
 #include <sys/epoll.h>
 #include <unistd.h>
 
+// Other threads are to wake it also while nobody owns the context: the waiting is done elsewhere.
 GlibLoop::GlibLoop()
-    : m_context(g_main_context_new())
+    : m_context(g_main_context_new_with_flags(G_MAIN_CONTEXT_FLAGS_OWNERLESS_POLLING))
     , m_epoll(epoll_create1(EPOLL_CLOEXEC))
 {
 }
