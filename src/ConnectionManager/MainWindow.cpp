@@ -565,7 +565,9 @@ void MainWindow::showError(const QString &line)
 
 void MainWindow::setError(const QString &line)
 {
-    m_errorLabel->setText(line);
+    // The label goes by the first letter, which may be that of a device's name.
+    const QChar rightToLeft(0x200f);
+    m_errorLabel->setText(isRightToLeft() && !line.isEmpty() ? rightToLeft + line : line);
     m_errorLabel->setVisible(!line.isEmpty());
 }
 

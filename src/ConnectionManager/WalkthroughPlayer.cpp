@@ -443,10 +443,10 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::expectUrl(const Walkthrough::Step 
     return {Outcome::NotYet, "the address " + step.value.toString(), seen};
 }
 
-// Marks that isolate a direction of writing are not seen.
+// Marks of a direction of writing are not seen.
 WalkthroughPlayer::Outcome WalkthroughPlayer::expectNote(const Walkthrough::Step &step)
 {
-    static const QRegularExpression marks("[\\x{2066}-\\x{2069}]");
+    static const QRegularExpression marks("[\\x{200f}\\x{2066}-\\x{2069}]");
     const QString seen = m_window.note().remove(marks), expected = step.value.toString();
     return {seen == expected ? Outcome::Done : Outcome::NotYet, json({{"note", expected}}),
             json({{"note", seen}})};
