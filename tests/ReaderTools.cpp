@@ -54,15 +54,26 @@ pid_t start(const std::vector<std::string> &command, int output)
     return process;
 }
 
-} // namespace
-
-CardProcess::CardProcess(std::vector<std::string> arguments, int reader)
+std::vector<std::string> withPort(std::vector<std::string> arguments, int reader)
 {
     const char *const port = std::getenv(reader == 0 ? "VPCD_PORT" : "VPCD_PORT_2");
     if (!port)
         throw std::runtime_error("to be run by tests/reader/with-pcscd");
-    std::vector<std::string> command = {"setpriv",    "--pdeathsig", "TERM",
-                                        VIRTUAL_CARD, "--port",      port};
+    arguments.insert(arguments.begin(), {"--port", port});
+    return arguments;
+}
+
+} // namespace
+
+CardProcess::CardProcess(std::vector<std::string> arguments, int reader)
+    : CardProcess(VIRTUAL_CARD, withPort(std::move(arguments), reader))
+{
+}
+
+CardProcess::CardProcess(const std::string &program, std::vector<std::string> arguments)
+    : m_name(program.substr(program.rfind('/') + 1) + ": ")
+{
+    std::vector<std::string> command = {"setpriv", "--pdeathsig", "TERM", program};
     command.insert(command.end(), arguments.begin(), arguments.end());
     int pipe[2];
     if (pipe2(pipe, O_CLOEXEC) != 0)
@@ -92,7 +103,7 @@ void CardProcess::listen(int output)
 std::optional<CardProcess::Clock::time_point> CardProcess::waitFor(const std::string &line,
                                                                    milliseconds most)
 {
-    const std::string whole = "VirtualCard: " + line + '\n';
+    const std::string whole = m_name + line + '\n';
     const auto end = Clock::now() + most;
     std::unique_lock<std::mutex> lock(m_mutex);
     while (m_change.wait_until(lock, end, [this] { return !m_lines.empty(); })) {

@@ -15,22 +15,24 @@
 #include <sys/types.h>
 
 // What a program needs to play with the card of src/VirtualCard, in the readers of
-// tests/reader/with-pcscd.
+// tests/reader/with-pcscd, or in the modem of src/VirtualModem.
 
-/// A virtual card, from its insertion to the end of this object.
+/// A virtual card or modem, from its insertion to the end of this object.
 class CardProcess {
 public:
     using Clock = std::chrono::steady_clock;
 
     /// `arguments` are those of VirtualCard, without the port; `reader` is 0 or 1.
     explicit CardProcess(std::vector<std::string> arguments, int reader = 0);
+    /// Any program that says what happens to it, a line each, behind its name.
+    CardProcess(const std::string &program, std::vector<std::string> arguments);
     ~CardProcess();
 
     /// Waits until the card says this, at most so long, and tells when it said so; nothing when it
     /// did not.  What it said before is taken, too.
     std::optional<Clock::time_point> waitFor(const std::string &line,
                                              std::chrono::milliseconds most);
-    /// Pulls the card out for a moment.
+    /// Pulls the card out for a moment, or unplugs the modem.
     void takeOut();
     /// Ends the card; the result is its exit status.
     int end();
@@ -38,6 +40,7 @@ public:
 private:
     void listen(int output);
 
+    const std::string m_name; // behind which it speaks
     pid_t m_process = 0;
     std::mutex m_mutex;
     std::condition_variable m_change;

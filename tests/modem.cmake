@@ -7,6 +7,20 @@ add_dependencies(TestVirtualModem VirtualModem)
 # The ports to a modem, without one.
 stk_gtest(NAME TestModem SOURCES TestModem.cpp LIBS ModemServiceObjects)
 
+# The ports at the modem of src/VirtualModem.  Nearly all of the time is waiting: the cases run beside each other.
+add_executable(ModemEndToEnd ModemEndToEnd.cpp)
+target_link_libraries(ModemEndToEnd PRIVATE ReaderTools ModemServiceObjects GTest::gtest_main)
+target_compile_definitions(ModemEndToEnd PRIVATE VIRTUAL_MODEM="$<TARGET_FILE:VirtualModem>")
+set_target_properties(ModemEndToEnd PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+add_dependencies(ModemEndToEnd VirtualModem)
+set(parts 6)
+foreach(part RANGE 1 ${parts})
+  math(EXPR index "${part} - 1")
+  add_test(NAME ModemEndToEnd-${part} COMMAND ModemEndToEnd)
+  set_tests_properties(ModemEndToEnd-${part} PROPERTIES TIMEOUT 300 COST 40
+    ENVIRONMENT "${STK_TEST_ENVIRONMENT};GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
+endforeach()
+
 # The conformance cards through the windows of the host: the same menus, and the same terminal responses byte for
 # byte, as in a reader.
 foreach(card commands menus pin refresh session sim texts)

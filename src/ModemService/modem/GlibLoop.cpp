@@ -77,12 +77,7 @@ GlibLoop::Time GlibLoop::prepare()
 
 void GlibLoop::watch(std::vector<GPollFD> descriptors)
 {
-    const auto isSame = [](const GPollFD &a, const GPollFD &b) {
-        return a.fd == b.fd && a.events == b.events;
-    };
-    if (std::equal(descriptors.begin(), descriptors.end(), m_watched.begin(), m_watched.end(),
-                   isSame))
-        return;
+    // A number may stand for another file than before, which epoll does not watch any more.
     for (const GPollFD &old : m_watched)
         epoll_ctl(m_epoll, EPOLL_CTL_DEL, old.fd, nullptr);
     for (const GPollFD &each : descriptors) {
