@@ -57,8 +57,7 @@ AtPort::~AtPort()
 PortTraits AtPort::traits() const
 {
     PortTraits traits;
-    traits.timers = traits.polling = traits.localInformation = false;
-    traits.network = traits.refresh = false;
+    traits.timers = traits.polling = traits.localInformation = traits.refresh = false;
     return traits;
 }
 
@@ -97,6 +96,9 @@ void AtPort::close()
     m_endAt.reset();
     m_activated = false;
     m_silences = 0;
+    m_busy.end();
+    m_quotes = true;
+    m_quotesKnown = m_restart = m_pinDeclined = false;
     m_place = Place::Closed;
 }
 
@@ -188,7 +190,7 @@ void AtPort::takeCommand(std::string_view value, Time now)
         tell(NoticeId::ModemUnreadable);
         return;
     }
-    if (m_place != Place::InUse)
+    if (m_place != Place::InUse || m_restart || m_step == Step::SwitchOff)
         return; // the card sends it again, or the person starts the card anew
     m_endAt.reset();
     if (m_restAt)
@@ -254,7 +256,7 @@ void AtPort::takeStep(Time now)
     case Step::ReadProfiles:
         return send(at + m_dialect.profileRead, Patience, &AtPort::stepDone, now);
     case Step::WriteProfile:
-        return send(at + m_dialect.profileWrite + "=0,\"" + cat::toHex(m_profile) + '"', Patience,
+        return send(at + m_dialect.profileWrite + "=0," + digitsOf(m_profile), Patience,
                     &AtPort::stepDone, now);
     case Step::Download:
         return send(at + m_dialect.download + "=1,1", Patience, &AtPort::stepDone, now);
@@ -270,14 +272,18 @@ void AtPort::takeStep(Time now)
 // No modem is to be refused for what it does not know: whether its toolkit works shows later.
 void AtPort::stepDone(const Answer &answer, Time now)
 {
-    if (m_step == Step::Probe && !answer.final) {
-        m_stepAt = now;
+    m_stepAt = now;
+    if (m_step == Step::Probe && !answer.final)
+        return;
+    if (answer.final && answer.final->code == SimBusy) {
+        m_stepAt = now + RetryPeriod;
         return;
     }
+    if (m_step == Step::WriteProfile && isRepeated(answer))
+        return;
     m_step = static_cast<Step>(static_cast<int>(m_step) + 1);
     if (m_step == Step::SwitchOff)
         m_step = Step::ReadPin; // the card is switched off and on for nobody but a person
-    m_stepAt = now;
     if (m_step == Step::Run)
         m_restAt = now + RestTime;
 }
@@ -382,12 +388,15 @@ void AtPort::restart(Time now)
 {
     if (m_place != Place::InUse && m_place != Place::Awaited)
         return;
+    endPinRequest();
     m_pinDeclined = false;
     m_response.reset();
+    m_overtaken = true;
     m_envelope.reset();
+    m_busy.end();
     m_endAt.reset();
     m_restAt.reset();
-    m_step = Step::SwitchOff;
+    m_restart = true;
     m_stepAt = now;
 }
 
@@ -429,43 +438,50 @@ void AtPort::dropEnvelope()
 
 void AtPort::sendWaiting(Time now)
 {
+    if (now < m_busy.at())
+        return;
     if (m_response) {
+        m_overtaken = false;
         m_sentResponse = std::exchange(m_response, std::nullopt);
         sendHexadecimal(m_dialect.response, m_sentResponse->data, &AtPort::responseDone, now);
-    } else if (m_envelope && now >= m_busy.at()) {
+    } else if (m_envelope) {
         sendHexadecimal(m_dialect.envelope, m_envelope->data, &AtPort::envelopeDone, now);
     }
 }
 
 void AtPort::sendHexadecimal(const char *name, const cat::Bytes &data, Handler done, Time now)
 {
-    const std::string quote = m_quotes == Quotes::Wanted ? "\"" : "";
-    send("AT" + std::string(name) + '=' + quote + cat::toHex(data) + quote, Patience, done, now);
+    send("AT" + std::string(name) + '=' + digitsOf(data), Patience, done, now);
+}
+
+std::string AtPort::digitsOf(const cat::Bytes &data) const
+{
+    const std::string quote = m_quotes ? "\"" : "";
+    return quote + cat::toHex(data) + quote;
 }
 
 // A few modems want their hexadecimal digits bare: what was refused is sent once more like that.
+// Whoever has taken them once means something else: a response must not reach the card twice.
 bool AtPort::isRepeated(const Answer &answer)
 {
-    if (answer.isOk()) {
-        if (m_quotes == Quotes::Tried)
-            m_quotes = Quotes::Unwanted;
+    m_quotesKnown |= answer.isOk();
+    if (!answer.final || m_quotesKnown)
         return false;
-    }
-    if (!answer.final || m_quotes == Quotes::Unwanted)
-        return false;
-    m_quotes = m_quotes == Quotes::Wanted ? Quotes::Tried : Quotes::Wanted;
-    return m_quotes == Quotes::Tried;
+    m_quotes = !m_quotes;
+    return !m_quotes;
 }
 
 void AtPort::responseDone(const Answer &answer, Time now)
 {
     PortResponse sent = std::move(*std::exchange(m_sentResponse, std::nullopt));
     const bool overtaken = std::exchange(m_overtaken, false);
-    if (isRepeated(answer)) {
+    const bool busy = answer.final && answer.final->code == SimBusy && m_busy.isWorthIt(now);
+    if (busy || isRepeated(answer)) {
         if (!overtaken)
             m_response = std::move(sent);
         return;
     }
+    m_busy.end();
     m_reports.exchanged(terminalResponseOf(sent, answer.isOk()));
     explicit_bzero(sent.data.data(), sent.data.size());
     if (!answer.isOk())
@@ -536,6 +552,8 @@ void AtPort::work(Time now)
     }
     if (m_place == Place::Announced)
         return;
+    if (std::exchange(m_restart, false))
+        m_step = Step::SwitchOff;
     if (m_step != Step::Run) {
         if (now >= m_stepAt)
             takeStep(now);
@@ -558,13 +576,13 @@ ToolkitPort::Time AtPort::wakeUp() const
         return m_exchange->deadline;
     if (!m_serial.isOpen())
         return m_stepAt;
+    if (m_restart)
+        return Time{};
     if (m_step == Step::AwaitPin)
         return Never;
     if (m_step != Step::Run)
         return m_stepAt;
-    if (m_response)
-        return Time{};
-    Time next = m_envelope ? m_busy.at() : Never;
+    Time next = m_response || m_envelope ? m_busy.at() : Never;
     next = std::min(next, m_restAt.value_or(Never));
     return std::min(next, m_endAt.value_or(Never));
 }

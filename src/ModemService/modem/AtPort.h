@@ -104,6 +104,7 @@ private:
 
     void sendWaiting(Time now);
     void sendHexadecimal(const char *name, const cat::Bytes &data, Handler done, Time now);
+    std::string digitsOf(const cat::Bytes &data) const;
     bool isRepeated(const Answer &answer);
     void responseDone(const Answer &answer, Time now);
     void envelopeDone(const Answer &answer, Time now);
@@ -125,7 +126,9 @@ private:
     std::string m_trouble; // what was in the way, as told last
     int m_silences = 0; // in a row
     std::optional<Exchange> m_exchange;
-    enum class Quotes { Wanted, Tried, Unwanted } m_quotes = Quotes::Wanted;
+    bool m_quotes = true; // about hexadecimal digits
+    bool m_quotesKnown = false; // the modem has taken them so
+    bool m_restart = false; // once no answer is awaited
     bool m_activated = false;
 
     std::optional<int> m_pinRequest;

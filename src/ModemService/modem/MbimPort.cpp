@@ -17,7 +17,9 @@ constexpr ToolkitPort::Time Never = ToolkitPort::Time::max();
 constexpr seconds Patience{10}, CardPatience{40};
 constexpr milliseconds RetryPeriod = seconds(2);
 constexpr milliseconds RestTime = seconds(5); // without a menu so long, none will come
-constexpr milliseconds IdleTime = seconds(5); // without a word so long, the session is over
+// Without a word so long, the session is over; sooner where the card said that nothing follows.
+constexpr milliseconds IdleTime = seconds(5), ShortIdleTime = seconds(2);
+constexpr guint32 NothingFollows = 0x9000;
 
 constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
 
@@ -108,8 +110,7 @@ MbimPort::~MbimPort()
 PortTraits MbimPort::traits() const
 {
     PortTraits traits;
-    traits.timers = traits.polling = traits.localInformation = false;
-    traits.network = traits.refresh = false;
+    traits.timers = traits.polling = traits.localInformation = traits.refresh = false;
     return traits;
 }
 
@@ -144,7 +145,8 @@ void MbimPort::close()
     m_restAt.reset();
     m_endAt.reset();
     m_busy.end();
-    m_waiting = m_lost = m_subscribedTo = m_pinWrong = false;
+    m_waiting = m_lost = m_subscribedTo = m_restart = false;
+    m_pinWrong = m_pinDeclined = false;
     m_place = Place::Closed;
 }
 
@@ -183,7 +185,8 @@ void MbimPort::send(MbimMessage *message, Handler done)
 void MbimPort::send(MbimLink::Message message, Handler done)
 {
     m_waiting = true;
-    const bool slow = m_step == Step::EnterPin || m_step == Step::Run;
+    const bool slow =
+        m_step == Step::EnterPin || m_step == Step::SwitchOff || m_step == Step::SwitchOn;
     m_link.command(std::move(message), slow ? CardPatience : Patience,
                    [this, done](const Result &result) {
                        m_waiting = false;
@@ -223,6 +226,12 @@ void MbimPort::takeStep()
         return send(mbim_message_device_services_query_new(nullptr), &MbimPort::servicesRead);
     case Step::ReadCard:
         return send(mbim_message_subscriber_ready_status_query_new(nullptr), &MbimPort::cardRead);
+    case Step::SwitchOff:
+        return send(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_OFF, nullptr),
+                    &MbimPort::switchedOff);
+    case Step::SwitchOn:
+        return send(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_ON, nullptr),
+                    &MbimPort::switchedOn);
     case Step::ReadPin:
         return send(mbim_message_pin_query_new(nullptr), &MbimPort::pinRead);
     case Step::EnterPin: {
@@ -301,6 +310,16 @@ void MbimPort::cardRead(const Result &result)
     m_trouble.clear();
     m_place = Place::Announced;
     m_events->arrived(m_now);
+}
+
+void MbimPort::switchedOff(const Result &)
+{
+    go(Step::SwitchOn);
+}
+
+void MbimPort::switchedOn(const Result &)
+{
+    go(Step::ReadPin);
 }
 
 void MbimPort::pinRead(const Result &result)
@@ -417,17 +436,19 @@ void MbimPort::tellMissingMenu()
     tell(NoticeId::ModemNoMenu);
 }
 
-// The card cannot be switched off and on by itself here; the modem, opened anew, may repeat its
-// menu.
 void MbimPort::restart(Time now)
 {
     if (m_place != Place::InUse)
         return;
+    endPinRequest();
     m_pinDeclined = false;
-    if (m_subscribedTo)
-        giveBack();
-    m_now = now;
-    lose();
+    m_response.reset();
+    m_overtaken = true;
+    m_envelope.reset();
+    m_busy.end();
+    m_endAt.reset();
+    m_restAt.reset();
+    m_restart = true;
     m_stepAt = now;
 }
 
@@ -452,8 +473,8 @@ void MbimPort::notified(const MbimMessage &message)
         tell(NoticeId::ModemUnreadable);
         return;
     }
-    if (m_place != Place::InUse)
-        return;
+    if (m_place != Place::InUse || m_restart || m_step == Step::SwitchOff)
+        return; // the card sends it again
     const cat::ByteView command = commandIn({data, size});
     const bool wantsAnswer = type == MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND;
     m_endAt.reset();
@@ -497,13 +518,16 @@ void MbimPort::dropEnvelope()
 
 void MbimPort::sendWaiting(Time now)
 {
+    if (now < m_busy.at())
+        return;
     if (m_response) {
+        m_overtaken = false;
         m_sentResponse = std::exchange(m_response, std::nullopt);
         const cat::Bytes &data = m_sentResponse->data;
         send(mbim_message_stk_terminal_response_set_new(static_cast<guint32>(data.size()),
                                                         data.data(), nullptr),
              &MbimPort::responseSent);
-    } else if (m_envelope && now >= m_busy.at()) {
+    } else if (m_envelope) {
         // The library's own message would pad the envelope within its announced length.
         const cat::Bytes &data = m_envelope->data;
         send(MbimLink::raw(MBIM_SERVICE_STK, MBIM_CID_STK_ENVELOPE, data.data(), data.size()),
@@ -514,17 +538,23 @@ void MbimPort::sendWaiting(Time now)
 void MbimPort::responseSent(const Result &result)
 {
     PortResponse sent = std::move(*std::exchange(m_sentResponse, std::nullopt));
-    guint32 status = 0x9000;
+    const bool overtaken = std::exchange(m_overtaken, false);
+    if (result.status == MBIM_STATUS_ERROR_STK_BUSY && m_busy.isWorthIt(m_now)) {
+        if (!overtaken)
+            m_response = std::move(sent);
+        return;
+    }
+    m_busy.end();
+    guint32 status = 0;
     if (result.isDone())
         mbim_message_stk_terminal_response_response_parse(result.message, nullptr, nullptr, &status,
                                                           nullptr);
-    m_reports.exchanged(
-        terminalResponseOf(sent, result.isDone(), static_cast<uint16_t>(status & 0xffff)));
+    m_reports.exchanged(terminalResponseOf(sent, result.isDone(), static_cast<uint16_t>(status)));
     explicit_bzero(sent.data.data(), sent.data.size());
     if (!result.isDone())
         tell(NoticeId::ModemRefuses, "TERMINAL RESPONSE");
-    if (!std::exchange(m_overtaken, false))
-        m_endAt = m_now + IdleTime;
+    if (!overtaken)
+        m_endAt = m_now + (status == NothingFollows ? ShortIdleTime : IdleTime);
 }
 
 void MbimPort::envelopeSent(const Result &result)
@@ -565,6 +595,8 @@ void MbimPort::work(Time now)
     }
     if (m_waiting || m_place == Place::Announced)
         return;
+    if (std::exchange(m_restart, false))
+        m_step = Step::SwitchOff;
     if (m_step != Step::Run) {
         if (now >= m_stepAt)
             takeStep();
@@ -586,13 +618,15 @@ ToolkitPort::Time MbimPort::wakeUp() const
     const Time library = m_link.loop().prepare();
     if (m_lost)
         return Time{};
-    if (m_waiting || m_place == Place::Announced || m_step == Step::AwaitPin)
+    if (m_waiting || m_place == Place::Announced)
+        return library;
+    if (m_restart)
+        return Time{};
+    if (m_step == Step::AwaitPin)
         return library;
     if (m_step != Step::Run)
         return std::min(library, m_stepAt);
-    if (m_response)
-        return Time{};
-    Time next = m_envelope ? m_busy.at() : Never;
+    Time next = m_response || m_envelope ? m_busy.at() : Never;
     next = std::min({next, m_restAt.value_or(Never), m_endAt.value_or(Never)});
     return std::min(library, next);
 }

@@ -68,6 +68,8 @@ private:
         Open,
         ReadServices,
         ReadCard,
+        SwitchOff, // of the radio, and with it the card: only where a person wants it
+        SwitchOn,
         ReadPin,
         AwaitPin,
         EnterPin,
@@ -87,6 +89,8 @@ private:
     void opened(const Result &result);
     void servicesRead(const Result &result);
     void cardRead(const Result &result);
+    void switchedOff(const Result &result);
+    void switchedOn(const Result &result);
     void pinRead(const Result &result);
     void pinEntered(const Result &result);
     void supportRead(const Result &result);
@@ -121,6 +125,7 @@ private:
     bool m_waiting = false; // for an answer
     bool m_lost = false;
     bool m_subscribedTo = false;
+    bool m_restart = false; // once no answer is awaited
     std::string m_trouble; // what was in the way, as told last
     MbimSupport m_support;
 

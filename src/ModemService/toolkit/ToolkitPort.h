@@ -34,7 +34,6 @@ struct PortTraits {
     bool timers = true; ///< TIMER MANAGEMENT, and what follows from it
     bool polling = true; ///< POLL INTERVAL, POLLING OFF
     bool localInformation = true; ///< PROVIDE LOCAL INFORMATION
-    bool network = true; ///< SEND SS, SEND USSD, SEND SHORT MESSAGE, SET UP CALL
     bool refresh = true; ///< what a REFRESH asks for
 };
 

@@ -59,14 +59,6 @@ bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
         time + Tolerance >= limit;
 }
 
-bool isNetworks(const cat::Command &command)
-{
-    return std::holds_alternative<cat::SendSs>(command.body) ||
-        std::holds_alternative<cat::SendUssd>(command.body) ||
-        std::holds_alternative<cat::SendShortMessage>(command.body) ||
-        std::holds_alternative<cat::SetUpCall>(command.body);
-}
-
 } // namespace
 
 ToolkitTerminal::ToolkitTerminal(std::unique_ptr<ToolkitPort> port, std::string name,
@@ -213,8 +205,11 @@ void ToolkitTerminal::answerPin(int request, const Pin &pin, Time now)
 
 void ToolkitTerminal::restart(Time now)
 {
-    if (m_started)
-        m_port->restart(now);
+    if (!m_started)
+        return;
+    forgetCard();
+    m_events.push_back(SessionEnd());
+    m_port->restart(now);
 }
 
 void ToolkitTerminal::lookAgain(Time now)
@@ -283,8 +278,6 @@ void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time
 {
     m_toolkit.selectionSent = false;
     cat::Command command = cat::decode(bytes);
-    if (!m_port->traits().network && isNetworks(command))
-        wantsAnswer = false; // the far side's own answer would be a second one
     if (wantsAnswer)
         overtake();
     if (command.problem != cat::Problem::None) {
