@@ -78,6 +78,8 @@ void AtPort::start(Time now)
     m_place = Place::InUse;
     m_step = Step::ReadPin;
     m_stepAt = now;
+    if (!m_early.empty())
+        bring(std::exchange(m_early, {}), now);
 }
 
 void AtPort::close()
@@ -95,6 +97,7 @@ void AtPort::close()
     m_restAt.reset();
     m_endAt.reset();
     m_activated = false;
+    m_early.clear();
     m_silences = 0;
     m_busy.end();
     m_quotes = true;
@@ -190,16 +193,25 @@ void AtPort::takeCommand(std::string_view value, Time now)
         tell(NoticeId::ModemUnreadable);
         return;
     }
-    if (m_place != Place::InUse || m_restart || m_step == Step::SwitchOff)
-        return; // the card sends it again, or the person starts the card anew
+    if (m_place != Place::InUse) {
+        m_early = *bytes;
+        return;
+    }
+    if (m_restart || m_step == Step::SwitchOff)
+        return; // of the card that is switched off
+    bring(*bytes, now);
+}
+
+void AtPort::bring(const cat::Bytes &command, Time now)
+{
     m_endAt.reset();
     if (m_restAt)
         m_restAt = now + RestTime;
     // The answer to the command before comes too late.
     m_response.reset();
     m_overtaken = m_sentResponse.has_value();
-    m_reports.exchanged(fetchOf(*bytes));
-    m_events->commandArrived(*bytes, true, now);
+    m_reports.exchanged(fetchOf(command));
+    m_events->commandArrived(command, true, now);
 }
 
 void AtPort::send(std::string command, milliseconds patience, Handler done, Time now)

@@ -89,6 +89,7 @@ private:
     void readLines(Time now);
     void takeLine(const std::string &line, Time now);
     void takeCommand(std::string_view value, Time now);
+    void bring(const cat::Bytes &command, Time now);
     void send(std::string command, std::chrono::milliseconds patience, Handler done, Time now);
     void finish(Time now);
 
@@ -130,6 +131,7 @@ private:
     bool m_quotesKnown = false; // the modem has taken them so
     bool m_restart = false; // once no answer is awaited
     bool m_activated = false;
+    cat::Bytes m_early; // a command that came before start(); some modems do not repeat it
 
     std::optional<int> m_pinRequest;
     Pin m_pin;
