@@ -269,8 +269,8 @@ void ReaderPort::sendEnvelope(PortEnvelope envelope, Time)
 
 void ReaderPort::dropEnvelope()
 {
-    m_toolkit.envelope.reset();
-    m_toolkit.busy.end();
+    if (std::exchange(m_toolkit.envelope, std::nullopt))
+        m_toolkit.busy.end();
 }
 
 void ReaderPort::setPollInterval(std::optional<milliseconds> interval, Time now)

@@ -83,6 +83,14 @@ CardTraits ToolkitTerminal::traits() const
     return traits;
 }
 
+// Whether there is a command that nobody was told of.
+bool ToolkitTerminal::holdsCommand() const
+{
+    return std::any_of(m_events.begin(), m_events.end(), [](const CardEvent &event) {
+        return std::holds_alternative<ProactiveCommand>(event);
+    });
+}
+
 // True where there were any.
 template <class Event> bool ToolkitTerminal::forgetEvents()
 {
@@ -145,6 +153,8 @@ void ToolkitTerminal::dropSelection()
 void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
 {
     const bool usersAct = isUsersAct(response, m_text.waits);
+    if (holdsCommand()) // nobody was told of it: this is for the one before
+        return;
     if (m_toolkit.held) { // until the text before it was answered
         if (usersAct)
             queue(m_toolkit.duties.userActed());
@@ -361,7 +371,9 @@ void ToolkitTerminal::answerByTerminal(const cat::Command &command, bool wantsAn
                                  resultInWords(done.response));
     if (done.setsPollInterval)
         m_port->setPollInterval(done.pollInterval, now);
-    send({command, wantsAnswer}, std::move(done.response), false, now);
+    CommandInProgress current{command, wantsAnswer};
+    current.since = now;
+    send(current, std::move(done.response), false, now);
 }
 
 void ToolkitTerminal::send(const CommandInProgress &current, cat::Response response,
@@ -424,7 +436,8 @@ void ToolkitTerminal::sendEnvelope(Time now)
         envelope = std::move(m_toolkit.envelopes.front());
         m_toolkit.envelopes.pop_front();
     }
-    m_ending.awaited = envelope.selection;
+    m_unwanted = false; // what comes now is the answer to this
+    m_ending.awaited = envelope.selection || (m_ending.awaited && m_port->isInSession());
     m_port->sendEnvelope(std::move(envelope), now);
 }
 

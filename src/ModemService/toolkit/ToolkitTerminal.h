@@ -72,6 +72,7 @@ private:
     void sendEnd(Time now);
     void dropSelection();
     bool hasEnvelope() const;
+    bool holdsCommand() const;
     void sendEnvelope(Time now);
     void queue(std::optional<PortEnvelope> envelope);
     void tellSessionEnd();
