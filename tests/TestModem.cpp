@@ -415,6 +415,22 @@ TEST_F(AtPortTest, waitsForABusyCard)
     }
 }
 
+TEST_F(AtPortTest, leavesACommandOpenThatCameBeforeTheEnvelopesResult)
+{
+    const std::string ok = "\r\nOK\r\n";
+    for (const std::string &result :
+         {ok, "\r\n+CUSATE2: 144,0" + ok, std::string("\r\nERROR\r\n")}) {
+        open({{"AT+CUSATE", {"\r\n+CUSATP: " + std::string(TextCommand) + "\r\n" + result}}});
+        told.answers = false;
+        modem->run(*port, 20s);
+        port->sendEnvelope({{0xd3, 0x00}, "MENU SELECTION", true}, modem->now());
+        modem->run(*port, 60s);
+        EXPECT_EQ(std::count(told.lines.begin(), told.lines.end(), "end"), 0) << result;
+        EXPECT_FALSE(port->takesEnvelope()) << result;
+        port->close();
+    }
+}
+
 TEST_F(AtPortTest, comesBackAfterTheModemHasGone)
 {
     open({});

@@ -90,6 +90,7 @@ void AtPort::close()
     m_serial.close();
     m_lines.clear();
     m_exchange.reset();
+    m_open = false;
     m_response.reset();
     m_sentResponse.reset();
     m_overtaken = false;
@@ -210,6 +211,7 @@ void AtPort::bring(const cat::Bytes &command, Time now)
     // The answer to the command before comes too late.
     m_response.reset();
     m_overtaken = m_sentResponse.has_value();
+    m_open = true;
     m_reports.exchanged(fetchOf(command));
     m_events->commandArrived(command, true, now);
 }
@@ -402,6 +404,7 @@ void AtPort::restart(Time now)
         return;
     endPinRequest();
     m_pinDeclined = false;
+    m_open = false;
     m_response.reset();
     m_overtaken = true;
     m_envelope.reset();
@@ -422,18 +425,25 @@ void AtPort::lookAgain(Time now)
 
 void AtPort::respond(PortResponse response, Time)
 {
+    m_open = false;
     if (m_place == Place::InUse)
         m_response = std::move(response);
 }
 
 bool AtPort::isInSession() const
 {
-    return m_response || m_sentResponse || m_endAt;
+    return m_open || expectsCommand();
+}
+
+bool AtPort::expectsCommand() const
+{
+    return m_envelope || m_response || m_sentResponse || m_endAt;
 }
 
 bool AtPort::takesEnvelope() const
 {
-    return m_place == Place::InUse && m_step == Step::Run && !m_response && !m_envelope;
+    const bool free = !m_open && !m_response && !m_envelope;
+    return m_place == Place::InUse && m_step == Step::Run && !m_restart && free;
 }
 
 void AtPort::sendEnvelope(PortEnvelope envelope, Time)
@@ -443,8 +453,10 @@ void AtPort::sendEnvelope(PortEnvelope envelope, Time)
 
 void AtPort::dropEnvelope()
 {
-    if (m_busy.isOn())
-        m_envelope.reset();
+    const bool underWay = m_exchange && m_exchange->done == &AtPort::envelopeDone;
+    if (!m_envelope || underWay)
+        return;
+    m_envelope.reset();
     m_busy.end();
 }
 
@@ -530,6 +542,8 @@ void AtPort::envelopeDone(const Answer &answer, Time now)
     m_reports.exchanged(envelopeOf(sent, std::move(data), answer.isOk(), status));
     if (!answer.isOk())
         tell(NoticeId::ModemRefuses, sent.name);
+    if (m_open || m_response || (m_endAt && !sent.selection))
+        return; // the session has gone on
     if (!answer.isOk() || status == NothingFollows)
         endSession();
     else
@@ -539,6 +553,7 @@ void AtPort::envelopeDone(const Answer &answer, Time now)
 void AtPort::endSession()
 {
     m_endAt.reset();
+    m_open = false;
     if (m_place == Place::InUse)
         m_events->sessionEnded();
 }

@@ -31,7 +31,7 @@ public:
     bool takesEnvelope() const override;
     void sendEnvelope(PortEnvelope envelope, Time now) override;
     void dropEnvelope() override;
-    bool expectsCommand() const override { return false; }
+    bool expectsCommand() const override;
     bool isInSession() const override;
     void setPollInterval(std::optional<std::chrono::milliseconds>, Time) override { }
     void answerPin(int request, const Pin &pin, Time now) override;
@@ -137,6 +137,7 @@ private:
     Pin m_pin;
     bool m_pinDeclined = false;
 
+    bool m_open = false; // a command waits for its answer
     std::optional<PortResponse> m_response; // to be sent
     std::optional<PortResponse> m_sentResponse; // its result is awaited
     bool m_overtaken = false; // a newer command came while that was being sent

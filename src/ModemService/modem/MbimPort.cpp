@@ -138,6 +138,7 @@ void MbimPort::close()
         giveBack();
     endPinRequest();
     m_link.close();
+    m_open = false;
     m_response.reset();
     m_sentResponse.reset();
     m_overtaken = false;
@@ -442,6 +443,7 @@ void MbimPort::restart(Time now)
         return;
     endPinRequest();
     m_pinDeclined = false;
+    m_open = false;
     m_response.reset();
     m_overtaken = true;
     m_envelope.reset();
@@ -481,8 +483,11 @@ void MbimPort::notified(const MbimMessage &message)
     if (m_restAt)
         m_restAt = m_now + RestTime;
     if (wantsAnswer) {
+        m_open = true;
         m_response.reset(); // the answer to the command before comes too late
         m_overtaken = m_sentResponse.has_value();
+    } else if (!m_open) {
+        m_endAt = m_now + IdleTime; // what the modem does by itself ends some time, too
     }
     m_reports.exchanged(fetchOf(command));
     m_events->commandArrived(command, wantsAnswer, m_now);
@@ -490,18 +495,25 @@ void MbimPort::notified(const MbimMessage &message)
 
 void MbimPort::respond(PortResponse response, Time)
 {
+    m_open = false;
     if (m_place == Place::InUse)
         m_response = std::move(response);
 }
 
 bool MbimPort::isInSession() const
 {
-    return m_response || m_sentResponse || m_endAt;
+    return m_open || expectsCommand();
+}
+
+bool MbimPort::expectsCommand() const
+{
+    return m_envelope || m_response || m_sentResponse || m_endAt;
 }
 
 bool MbimPort::takesEnvelope() const
 {
-    return m_place == Place::InUse && m_step == Step::Run && !m_response && !m_envelope;
+    const bool free = !m_open && !m_response && !m_envelope;
+    return m_place == Place::InUse && m_step == Step::Run && !m_restart && free;
 }
 
 void MbimPort::sendEnvelope(PortEnvelope envelope, Time)
@@ -511,8 +523,10 @@ void MbimPort::sendEnvelope(PortEnvelope envelope, Time)
 
 void MbimPort::dropEnvelope()
 {
-    if (m_busy.isOn())
-        m_envelope.reset();
+    const bool underWay = m_waiting && !m_sentResponse;
+    if (!m_envelope || underWay)
+        return;
+    m_envelope.reset();
     m_busy.end();
 }
 
@@ -566,17 +580,20 @@ void MbimPort::envelopeSent(const Result &result)
     const PortEnvelope sent = std::move(*std::exchange(m_envelope, std::nullopt));
     m_busy.end();
     m_reports.exchanged(envelopeOf(sent, {}, result.isDone()));
-    if (result.isDone()) {
+    if (!result.isDone())
+        tell(NoticeId::ModemRefuses, sent.name);
+    if (m_open || m_response || (m_endAt && !sent.selection))
+        return; // the session has gone on
+    if (result.isDone())
         m_endAt = m_now + IdleTime;
-        return;
-    }
-    tell(NoticeId::ModemRefuses, sent.name);
-    endSession();
+    else
+        endSession();
 }
 
 void MbimPort::endSession()
 {
     m_endAt.reset();
+    m_open = false;
     if (m_place == Place::InUse)
         m_events->sessionEnded();
 }

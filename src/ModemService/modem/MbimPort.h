@@ -50,7 +50,7 @@ public:
     bool takesEnvelope() const override;
     void sendEnvelope(PortEnvelope envelope, Time now) override;
     void dropEnvelope() override;
-    bool expectsCommand() const override { return false; }
+    bool expectsCommand() const override;
     bool isInSession() const override;
     void setPollInterval(std::optional<std::chrono::milliseconds>, Time) override { }
     void answerPin(int request, const Pin &pin, Time now) override;
@@ -134,6 +134,7 @@ private:
     bool m_pinDeclined = false;
     bool m_pinWrong = false;
 
+    bool m_open = false; // a command waits for its answer
     std::optional<PortResponse> m_response; // to be sent
     std::optional<PortResponse> m_sentResponse;
     bool m_overtaken = false; // a newer command came while that was being sent
