@@ -166,14 +166,22 @@ void PcscChannel::disconnect()
 
 void PcscChannel::giveBack(DWORD disposition)
 {
-    if (!std::exchange(m_connected, false))
+    if (!m_connected)
         return;
+    if (isPresent())
+        presence(m_context.handle(), m_reader, m_changes);
+    m_connected = false;
     SCardDisconnect(m_card, disposition);
     dropOwnReader(m_reader);
 }
 
 bool PcscChannel::isPresent()
 {
+    // A card can be connected a moment before the daemon counts it, so that the count says nothing
+    // until the card is given back.
+    if (m_connected)
+        return SCardStatus(m_card, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) ==
+            SCARD_S_SUCCESS;
     DWORD changes = 0;
     return presence(m_context.handle(), m_reader, changes) && changes == m_changes;
 }

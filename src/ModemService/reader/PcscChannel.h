@@ -36,7 +36,7 @@ private:
     SCARDHANDLE m_card = 0;
     bool m_connected = false;
     Protocol m_protocol = Protocol::T0;
-    DWORD m_changes = 0; // the daemon's count of cards that came and went, at connect()
+    DWORD m_changes = 0; // the daemon's count of cards that came and went, of the card given back
     std::map<std::string, DWORD> m_passedOver; // readers, with that count
     cat::Bytes m_answer; // room for the longest one
 };

@@ -14,8 +14,6 @@ constexpr ToolkitPort::Time Never = ToolkitPort::Time::max();
 
 constexpr milliseconds PresencePeriod{250};
 constexpr milliseconds RetryPeriod{1000};
-// The daemon tells of a card a moment before it is done with it.
-constexpr milliseconds SettlingTime{40};
 constexpr int MaxDoublings = 5; // of the retry period
 // Without a word from the toolkit for so long, its start has come to rest.
 constexpr milliseconds RestTime{2000};
@@ -116,7 +114,7 @@ void ReaderPort::lookAgain(Time now)
 {
     m_presenceAt = std::min(m_presenceAt, now);
     if (m_failures == 0)
-        m_retryAt = std::min(m_retryAt, now + SettlingTime);
+        m_retryAt = std::min(m_retryAt, now);
     if (m_place == Place::NoSim && m_channel->passOver())
         m_place = Place::Awaited;
 }
