@@ -25,6 +25,11 @@ endforeach()
 # byte, as in a reader.
 foreach(card commands menus pin refresh session sim texts)
   foreach(way at mbim)
+    # AT does not tell the last try of a PIN, which pin.json is about.  An MBIM modem makes calls and sends messages by
+    # itself and waits for nobody, where commands.json and session.json want a person's answer, and the terminal's.
+    if("${way}-${card}" MATCHES "^(at-pin|mbim-commands|mbim-session)$")
+      continue()
+    endif()
     add_test(NAME Modem-${way}-${card} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/play
       ${STK_BIN_DIR} ${PROJECT_SOURCE_DIR}/cards/conformance/${card}.json ${way})
     set_tests_properties(Modem-${way}-${card} PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)

@@ -34,9 +34,10 @@ constexpr std::pair<int, const char *> ErrorWords[] = {
     {SimFailure, "SIM failure"},           {SimBusy, "SIM busy"},
     {WrongPin, "incorrect password"},      {InvalidParameter, "Incorrect parameters"}};
 
-// The bits of TERMINAL PROFILE (ETSI TS 102 223 clause 5.2) for what ModemCard does, and those that
-// terminal and modem may share: the download itself, REFRESH, SET UP EVENT LIST.
-const Bytes ModemProfile = {0x21, 0x00, 0xe8, 0x00, 0x00, 0x00, 0x00, 0x07, 0x08};
+// The bits of TERMINAL PROFILE (ETSI TS 102 223 clause 5.2) for what ModemCard does and a modem's
+// network could, and those that terminal and modem may share: the download itself, REFRESH, SET UP
+// EVENT LIST.
+const Bytes ModemProfile = {0x21, 0x00, 0xe8, 0x0e, 0x00, 0x00, 0x00, 0x07, 0x08};
 const Bytes SharedProfile = {0x01, 0x00, 0x80, 0x00, 0x01};
 
 constexpr uint8_t SetUpMenu = 0x25;

@@ -48,10 +48,10 @@ constexpr Facility Facilities[] = {
     {3, 8, Modems, "REFRESH"},
 
     {4, 1, Done, "SELECT ITEM", 0x24},
-    {4, 2, Modems, "SEND SHORT MESSAGE"},
-    {4, 3, Modems, "SEND SS"},
-    {4, 4, Modems, "SEND USSD"},
-    {4, 5, No, "SET UP CALL"}, // always refused
+    {4, 2, Modems, "SEND SHORT MESSAGE", 0x13},
+    {4, 3, Modems, "SEND SS", 0x11},
+    {4, 4, Modems, "SEND USSD", 0x12},
+    {4, 5, No, "SET UP CALL", 0x10}, // always refused
     {4, 6, Done, "SET UP MENU", 0x25},
     {4, 7, No, "PROVIDE LOCAL INFORMATION (location and IMEI)"},
     {4, 8, No, "PROVIDE LOCAL INFORMATION (NMR)"},

@@ -15,13 +15,14 @@ namespace {
 constexpr ToolkitPort::Time Never = ToolkitPort::Time::max();
 
 constexpr seconds Patience{10}, CardPatience{40};
-constexpr milliseconds RetryPeriod = seconds(2);
+constexpr milliseconds RetryPeriod = seconds(1);
 constexpr milliseconds RestTime = seconds(5); // without a menu so long, none will come
 // Without a word so long, the session is over; sooner where the card said that nothing follows.
 constexpr milliseconds IdleTime = seconds(5), ShortIdleTime = seconds(2);
 constexpr guint32 NothingFollows = 0x9000;
 
-constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
+// ETSI TS 102 223 clause 9.4; SEND SS and SEND USSD stand between the first two.
+constexpr uint8_t SetUpCallType = 0x10, SendShortMessageType = 0x13, SetUpMenuType = 0x25;
 
 // Values of PacSupport.
 enum : uint8_t {
@@ -79,7 +80,9 @@ std::array<uint8_t, 32> hostControl(const std::vector<uint8_t> &types, const Mbi
     std::array<uint8_t, 32> control{};
     for (const uint8_t type : types) {
         const size_t position = support.position(type);
-        if (support.isFree(type))
+        // Nobody but the modem has a network: it may tell, for people to see.
+        const bool networks = type >= SetUpCallType && type <= SendShortMessageType;
+        if (networks ? support.of[position] == ModemCanNotify : support.isFree(type))
             control[position / 8] |= static_cast<uint8_t>(1 << position % 8);
     }
     return control;
