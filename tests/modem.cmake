@@ -35,3 +35,6 @@ foreach(card commands menus pin refresh session sim texts)
     set_tests_properties(Modem-${way}-${card} PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)
   endforeach()
 endforeach()
+
+stk_random_test(NAME ModemFuzz SECONDS 5 SOURCES ModemFuzz.cpp LIBS ModemServiceObjects)
+set_target_properties(ModemFuzz PROPERTIES AUTOMOC OFF)
