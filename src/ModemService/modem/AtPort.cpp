@@ -21,6 +21,7 @@ constexpr milliseconds RetryPeriod = seconds(1);
 constexpr milliseconds RestTime = seconds(5); // without a menu so long, none will come
 constexpr milliseconds IdleTime = seconds(5); // without a word so long, the session is over
 constexpr int MostSilences = 2;
+constexpr size_t MostLines = 64; // of one answer
 
 // 3GPP TS 27.007 clause 9.2.1.
 enum MobileError { NoSim = 10, PukWanted = 12, SimFailure = 13, SimBusy = 14, SimWrong = 15 };
@@ -84,7 +85,7 @@ void AtPort::start(Time now)
 
 void AtPort::close()
 {
-    if (m_activated)
+    if (m_taken)
         giveBack();
     endPinRequest();
     m_serial.close();
@@ -97,7 +98,7 @@ void AtPort::close()
     m_envelope.reset();
     m_restAt.reset();
     m_endAt.reset();
-    m_activated = false;
+    m_taken = false;
     m_early.clear();
     m_silences = 0;
     m_busy.end();
@@ -131,6 +132,7 @@ void AtPort::openDevice(Time now)
         text = others.empty() ? NoticeId::ModemInUse : NoticeId::ModemInUseBy;
     tell(text, others);
     retryLater(now);
+    m_events->departed();
 }
 
 void AtPort::retryLater(Time now)
@@ -141,13 +143,11 @@ void AtPort::retryLater(Time now)
 // The modem is gone, or answers no more.
 void AtPort::lose(Time now)
 {
-    const bool told = m_place == Place::Awaited;
-    m_activated = false; // there is nobody to give it back to
+    m_taken = false; // there is nobody to give it back to
     close();
     m_place = Place::Awaited;
     retryLater(now);
-    if (!told)
-        m_events->departed();
+    m_events->departed();
 }
 
 // ---- Lines ----
@@ -183,7 +183,7 @@ void AtPort::takeLine(const std::string &line, Time now)
     m_exchange->answer.final = finalResult(line);
     if (m_exchange->answer.final)
         finish(now);
-    else
+    else if (m_exchange->answer.lines.size() < MostLines)
         m_exchange->answer.lines.push_back(line);
 }
 
@@ -270,12 +270,12 @@ void AtPort::takeStep(Time now)
     case Step::ReadProfiles:
         return send(at + m_dialect.profileRead, Patience, &AtPort::stepDone, now);
     case Step::WriteProfile:
+        m_taken = true;
         return send(at + m_dialect.profileWrite + "=0," + digitsOf(m_profile), Patience,
                     &AtPort::stepDone, now);
     case Step::Download:
         return send(at + m_dialect.download + "=1,1", Patience, &AtPort::stepDone, now);
     case Step::Activate:
-        m_activated = true;
         return send(at + m_dialect.activate + "=1", Patience, &AtPort::stepDone, now);
     case Step::AwaitPin:
     case Step::Run:
@@ -333,8 +333,9 @@ void AtPort::noCard(Time now)
 {
     m_step = Step::ReadPin;
     m_stepAt = now + RetryPeriod;
-    if (std::exchange(m_place, Place::Awaited) == Place::InUse)
-        m_events->departed();
+    m_place = Place::Awaited;
+    m_pinDeclined = false; // another card has another PIN
+    m_events->departed();
 }
 
 void AtPort::wantPin(bool wrong)

@@ -130,7 +130,7 @@ private:
     bool m_quotes = true; // about hexadecimal digits
     bool m_quotesKnown = false; // the modem has taken them so
     bool m_restart = false; // once no answer is awaited
-    bool m_activated = false;
+    bool m_taken = false; // the toolkit, as far as anybody knows
     cat::Bytes m_early; // a command that came before start(); some modems do not repeat it
 
     std::optional<int> m_pinRequest;

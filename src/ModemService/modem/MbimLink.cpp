@@ -57,7 +57,7 @@ gpointer MbimLink::call(Done done)
 
 void MbimLink::open(const std::string &device, Done done)
 {
-    forget();
+    drop();
     m_self = std::make_shared<MbimLink *>(this);
     m_cancellable = g_cancellable_new();
     const GlibLoop::Use use(m_loop);
@@ -177,10 +177,10 @@ void MbimLink::close()
                           new std::weak_ptr<bool>(done));
         m_loop.runUntil(std::chrono::steady_clock::now() + CloseTime, [&] { return closed; });
     }
-    forget();
+    drop();
 }
 
-void MbimLink::forget()
+void MbimLink::drop()
 {
     m_self.reset();
     m_open = false;

@@ -36,6 +36,8 @@ public:
     static Message raw(MbimService service, guint32 command, const uint8_t *data, size_t size);
     /// Waits a moment for the modem's last words.
     void close();
+    /// The same for a modem that says nothing any more.
+    void drop();
     bool isOpen() const { return m_open; }
 
     GlibLoop &loop() { return m_loop; }
@@ -48,7 +50,6 @@ private:
     static void indicated(MbimDevice *, MbimMessage *message, gpointer self);
     static void removed(MbimDevice *, gpointer self);
     gpointer call(Done done);
-    void forget();
 
     GlibLoop m_loop;
     const Notified m_notified;

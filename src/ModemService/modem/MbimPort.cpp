@@ -15,7 +15,7 @@ namespace {
 constexpr ToolkitPort::Time Never = ToolkitPort::Time::max();
 
 constexpr seconds Patience{10}, CardPatience{40};
-constexpr milliseconds RetryPeriod = seconds(1);
+constexpr milliseconds RetryPeriod = seconds(1), LongRetryPeriod = seconds(30);
 constexpr milliseconds RestTime = seconds(5); // without a menu so long, none will come
 // Without a word so long, the session is over; sooner where the card said that nothing follows.
 constexpr milliseconds IdleTime = seconds(5), ShortIdleTime = seconds(2);
@@ -38,6 +38,13 @@ enum : uint8_t {
 bool isOneOf(uint8_t value, std::initializer_list<uint8_t> values)
 {
     return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+// The modem can say more once its card is ready.
+bool waitsForCard(std::optional<int> status)
+{
+    return status == MBIM_STATUS_ERROR_SIM_NOT_INSERTED ||
+        status == MBIM_STATUS_ERROR_PIN_REQUIRED || status == MBIM_STATUS_ERROR_NOT_INITIALIZED;
 }
 
 // Empty where there is none.
@@ -137,7 +144,8 @@ void MbimPort::start(Time now)
 
 void MbimPort::close()
 {
-    if (m_subscribedTo)
+    m_place = Place::Closed; // what the modem says meanwhile is for nobody
+    if (m_taken)
         giveBack();
     endPinRequest();
     m_link.close();
@@ -149,9 +157,8 @@ void MbimPort::close()
     m_restAt.reset();
     m_endAt.reset();
     m_busy.end();
-    m_waiting = m_lost = m_subscribedTo = m_restart = false;
+    m_waiting = m_lost = m_taken = m_restart = false;
     m_pinWrong = m_pinDeclined = false;
-    m_place = Place::Closed;
 }
 
 // The modem carries out by itself again what it did before.
@@ -169,14 +176,13 @@ void MbimPort::giveBack()
 // The modem is gone, or answers no more.
 void MbimPort::lose()
 {
-    const bool told = m_place == Place::Awaited;
-    m_subscribedTo = false; // there is nobody to give it back to
+    m_taken = false; // there is nobody to give it back to
+    m_link.drop();
     close();
     m_place = Place::Awaited;
     m_step = Step::Open;
     m_stepAt = m_now + RetryPeriod;
-    if (!told)
-        m_events->departed();
+    m_events->departed();
 }
 
 // ---- The start ----
@@ -258,6 +264,7 @@ void MbimPort::takeStep()
                     &MbimPort::subscribed);
     }
     case Step::TakeOver:
+        m_taken = true;
         return send(mbim_message_stk_pac_set_new(hostControl(m_types, m_support).data(), nullptr),
                     &MbimPort::tookOver);
     case Step::AwaitPin:
@@ -279,9 +286,10 @@ void MbimPort::servicesRead(const Result &result)
     MbimDeviceServiceElementArray *services = nullptr;
     guint32 count = 0;
     bool toolkit = false;
-    if (result.message &&
+    const bool readable = result.isDone() &&
         mbim_message_device_services_response_parse(result.message, &count, nullptr, &services,
-                                                    nullptr)) {
+                                                    nullptr);
+    if (readable) {
         for (guint32 i = 0; i < count; ++i)
             toolkit |= mbim_uuid_to_service(&services[i]->device_service_id) == MBIM_SERVICE_STK;
         mbim_device_service_element_array_free(services);
@@ -289,7 +297,10 @@ void MbimPort::servicesRead(const Result &result)
     if (toolkit)
         return go(Step::ReadCard);
     tell(NoticeId::ModemNoToolkit);
-    m_lost = true;
+    m_stepAt = m_now + LongRetryPeriod;
+    m_lost = !readable;
+    if (readable)
+        m_events->departed();
 }
 
 void MbimPort::cardRead(const Result &result)
@@ -307,6 +318,7 @@ void MbimPort::cardRead(const Result &result)
         [[fallthrough]];
     case MBIM_SUBSCRIBER_READY_STATE_NOT_INITIALIZED:
         m_stepAt = m_now + RetryPeriod;
+        m_events->departed();
         return;
     default:
         break;
@@ -396,6 +408,11 @@ void MbimPort::supportRead(const Result &result)
 {
     const guint8 *support = nullptr;
     m_support = MbimSupport();
+    if (waitsForCard(result.status)) {
+        tell(NoticeId::ModemNotReady, result.error);
+        m_stepAt = m_now + RetryPeriod;
+        return;
+    }
     if (result.isDone() && mbim_message_stk_pac_response_parse(result.message, &support, nullptr))
         std::copy_n(support, MbimSupport::Types, m_support.of.begin());
     if (!m_support.isFree(SetUpMenuType))
@@ -413,7 +430,6 @@ void MbimPort::envelopesRead(const Result &)
 // Some modems have subscribed everybody, and say that they do not know how to.
 void MbimPort::subscribed(const Result &)
 {
-    m_subscribedTo = true;
     go(Step::TakeOver);
 }
 
@@ -423,6 +439,7 @@ void MbimPort::tookOver(const Result &result)
         tell(result.status == MBIM_STATUS_ERROR_STK_BUSY ? NoticeId::ModemToolkitInUse
                                                          : NoticeId::ModemNotReady,
              result.error);
+        m_taken = false;
         m_stepAt = m_now + RetryPeriod;
         return;
     }

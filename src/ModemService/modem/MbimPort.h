@@ -124,7 +124,7 @@ private:
     Time m_stepAt;
     bool m_waiting = false; // for an answer
     bool m_lost = false;
-    bool m_subscribedTo = false;
+    bool m_taken = false; // the toolkit, as far as anybody knows
     bool m_restart = false; // once no answer is awaited
     std::string m_trouble; // what was in the way, as told last
     MbimSupport m_support;

@@ -49,6 +49,13 @@ void SerialPort::close()
 {
     if (m_descriptor < 0)
         return;
+    // What a silent device does not take, the system would wait for half a minute.
+    constexpr int Moments = 20, MomentMs = 5;
+    int left = 0;
+    for (int i = 0; i < Moments && ioctl(m_descriptor, TIOCOUTQ, &left) == 0 && left > 0; ++i)
+        poll(nullptr, 0, MomentMs);
+    if (left > 0)
+        tcflush(m_descriptor, TCOFLUSH);
     tcsetattr(m_descriptor, TCSANOW, &m_before);
     ioctl(m_descriptor, TIOCNXCL);
     ::close(std::exchange(m_descriptor, -1));
@@ -57,7 +64,8 @@ void SerialPort::close()
 bool SerialPort::read(std::string &bytes)
 {
     char buffer[4096];
-    while (true) {
+    constexpr size_t Most = 16 * 1024; // of a device that never stops
+    while (bytes.size() < Most) {
         const ssize_t count = ::read(m_descriptor, buffer, sizeof buffer);
         if (count > 0) {
             bytes.append(buffer, static_cast<size_t>(count));
@@ -65,11 +73,12 @@ bool SerialPort::read(std::string &bytes)
         }
         return count < 0 && (errno == EAGAIN || errno == EINTR);
     }
+    return true;
 }
 
 bool SerialPort::write(std::string_view bytes)
 {
-    constexpr int PatienceMs = 2000; // of a device whose buffer is full
+    constexpr int PatienceMs = 200; // of a device whose buffer is full
     while (!bytes.empty()) {
         const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
         if (count >= 0) {
