@@ -219,7 +219,10 @@ void AtPort::bring(const cat::Bytes &command, Time now)
 void AtPort::send(std::string command, milliseconds patience, Handler done, Time now)
 {
     m_exchange = Exchange{std::move(command), done, now + patience, {}};
-    if (!m_serial.write(m_exchange->command + '\r')) {
+    std::string line = m_exchange->command + '\r';
+    const bool written = m_serial.write(line);
+    explicit_bzero(line.data(), line.size()); // may be a PIN
+    if (!written) {
         tell(NoticeId::ModemGone);
         lose(now);
     }
@@ -258,8 +261,10 @@ void AtPort::takeStep(Time now)
     case Step::ReadPin:
         return send("AT+CPIN?", Patience, &AtPort::pinRead, now);
     case Step::EnterPin: {
-        send("AT+CPIN=\"" + std::string(m_pin.digits(), m_pin.size()) + '"', CardPatience,
-             &AtPort::pinEntered, now);
+        std::string command;
+        command.reserve(32); // no copy of the PIN is to stay behind
+        command.append("AT+CPIN=\"").append(m_pin.digits(), m_pin.size()) += '"';
+        send(std::move(command), CardPatience, &AtPort::pinEntered, now);
         m_pin = Pin();
         if (m_exchange)
             explicit_bzero(m_exchange->command.data(), m_exchange->command.size());
