@@ -175,7 +175,9 @@ void AtPort::takeLine(const std::string &line, Time now)
         return;
     }
     if (valueOf(line, m_dialect.end)) {
-        endSession();
+        // While a choice is being sent, the session that is over is one that the person has left.
+        if (!m_envelope || !m_envelope->selection)
+            endSession();
         return;
     }
     if (!m_exchange || valueOf(line, m_dialect.state) || line == m_exchange->command)
@@ -454,6 +456,8 @@ bool AtPort::takesEnvelope() const
 
 void AtPort::sendEnvelope(PortEnvelope envelope, Time)
 {
+    if (envelope.selection)
+        m_endAt.reset();
     m_envelope = std::move(envelope);
 }
 

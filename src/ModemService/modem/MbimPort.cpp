@@ -538,6 +538,8 @@ bool MbimPort::takesEnvelope() const
 
 void MbimPort::sendEnvelope(PortEnvelope envelope, Time)
 {
+    if (envelope.selection)
+        m_endAt.reset(); // of a session that the person has left
     m_envelope = std::move(envelope);
 }
 
