@@ -177,8 +177,7 @@ void PcscChannel::giveBack(DWORD disposition)
 
 bool PcscChannel::isPresent()
 {
-    // A card can be connected a moment before the daemon counts it, so that the count says nothing
-    // until the card is given back.
+    // While it is connected the card itself is asked; the count is for one that was given back.
     if (m_connected)
         return SCardStatus(m_card, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr) ==
             SCARD_S_SUCCESS;
