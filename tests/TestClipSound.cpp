@@ -26,15 +26,15 @@ private slots:
             return QByteArray(tone).replace(at, count, bytes, count);
         };
         const QByteArray others("JUNK\0\0\0\0LIST\3\0\0\0abc\0", 20);
-        const QString noDevice = "no audio device for channels: 1, Hz: 48000";
+        const QString noDevice = "no audio device for channels: 1, Hz: 8000";
         const std::pair<QByteArray, QString> rows[] = {
             {tone, noDevice},
             {QByteArray(tone).insert(12, others), noDevice},
             {"RIFF is what it says", "byte 0: RIFF and WAVE expected"},
             {tone.left(36), "byte 36: chunk \"data\" expected, end of the file found"},
-            {tone.left(1044), "byte 36: a chunk of 19200 bytes expected, 1000 found"},
+            {tone.left(144), "byte 36: a chunk of 3200 bytes expected, 100 found"},
             {with(40, "\xFF\xFF\xFF\xFF", 4),
-             "byte 36: a chunk of 4294967295 bytes expected, 19200 found"},
+             "byte 36: a chunk of 4294967295 bytes expected, 3200 found"},
             {with(40, "\0\0\0\0", 4),
              "byte 40: size of the samples: 2 to 4294967295 expected, 0 found"},
             {with(16, "\2"), "byte 16: size of the format: 16 to 4096 expected, 2 found"},

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int samplesPerMs = 48;
+constexpr int samplesPerMs = 8;
 const double pi = std::acos(-1.0);
 
 struct Expected {

@@ -21,8 +21,8 @@ struct Tone {
 /// Null when there is no tone of that number.
 const Tone *findTone(int number);
 
-/// Frames a second of what render() returns.
-constexpr int sampleRate = 48000;
+/// Frames a second of what render() returns: a telephone's, well above twice the highest tone.
+constexpr int sampleRate = 8000;
 
 /// The tone from its first burst to the end of its last: mono, peak 12 dB below full scale, each
 /// burst with soft edges, so that nothing clicks.
