@@ -1,5 +1,6 @@
-# The one place that knows which Qt is used: targets link to Stk::Gui (core, gui and widgets) and to
-# Stk::Sound, which under Qt 4 is a part of the former.
+# The one place that knows which Qt is used: targets link to Stk::Gui (core, gui and widgets), to
+# Stk::Sound, which under Qt 4 is a part of the former, and to Stk::Test; where there is a host, qt_add_translation
+# compiles its catalogues.
 add_library(stk_qtgui INTERFACE)
 add_library(Stk::Gui ALIAS stk_qtgui)
 add_library(stk_qtsound INTERFACE)
@@ -9,10 +10,18 @@ target_link_libraries(stk_qtsound INTERFACE stk_qtgui)
 if(STK_QT_MAJOR EQUAL 4)
   find_package(Qt4 4.8 REQUIRED QtCore QtGui)
   target_link_libraries(stk_qtgui INTERFACE Qt4::QtGui Qt4::QtCore)
-elseif(STK_QT_MAJOR EQUAL 5)
-  find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Multimedia)
-  target_link_libraries(stk_qtgui INTERFACE Qt5::Widgets Qt5::Gui Qt5::Core)
-  target_link_libraries(stk_qtsound INTERFACE Qt5::Multimedia)
+elseif(STK_QT_MAJOR EQUAL 5 OR STK_QT_MAJOR EQUAL 6)
+  set(STK_QT_HAS_HOST ON)
+  set(QT_DEFAULT_MAJOR_VERSION ${STK_QT_MAJOR})
+  set(least_5 5.15)
+  set(least_6 6.4)
+  set(qt Qt${STK_QT_MAJOR})
+  find_package(${qt} ${least_${STK_QT_MAJOR}} REQUIRED COMPONENTS Core Gui Widgets Multimedia Test LinguistTools)
+  target_link_libraries(stk_qtgui INTERFACE ${qt}::Widgets ${qt}::Gui ${qt}::Core)
+  target_link_libraries(stk_qtsound INTERFACE ${qt}::Multimedia)
+  add_library(stk_qttest INTERFACE)
+  add_library(Stk::Test ALIAS stk_qttest)
+  target_link_libraries(stk_qttest INTERFACE ${qt}::Test stk_qtgui)
 else()
-  message(FATAL_ERROR "STK_QT_MAJOR is 4 or 5, not ${STK_QT_MAJOR}")
+  message(FATAL_ERROR "STK_QT_MAJOR is 4, 5 or 6, not ${STK_QT_MAJOR}")
 endif()

@@ -2,7 +2,7 @@
 #include <QObject>
 
 #if defined(OTHER_PLUGIN_NewerQt)
-#define OTHER_QT_VERSION "5.99.0"
+#define OTHER_QT_VERSION QT_STRINGIFY(QT_VERSION_MAJOR) ".99.0"
 #elif defined(OTHER_PLUGIN_OlderQt)
 #define OTHER_QT_VERSION "4.8.7"
 #else

@@ -177,7 +177,7 @@ private slots:
     {
         QTest::addColumn<QString>("text");
         QString line = "Thank you.";
-        while (QApplication::fontMetrics().horizontalAdvance(line) < 280)
+        while (QFontMetrics(QApplication::font()).horizontalAdvance(line) < 280)
             line += 'x';
         const auto wide = [](const char *text, int times) {
             return QString::fromUtf8(text).repeated(times);
@@ -272,7 +272,7 @@ private slots:
             else if (press == "what closes the parent")
                 parent->close();
             else
-                QTest::keyClick(shared->windowHandle(), Qt::Key(QKeySequence(press)[0]));
+                QTest::keySequence(shared->windowHandle(), QKeySequence(press));
             clearedAtClose = !shared;
             shared = up; // its owner is gone, and the memory belongs to somebody else
         });

@@ -15,7 +15,7 @@ endforeach()
 add_dependencies(TestReaderMenu translations)
 
 # The cards' walkthroughs mostly wait: each is a test of its own, so that they can do so side by side.
-stk_test_executable(EndToEnd SOURCES EndToEnd.cpp LIBS Qt5::Core Qt5::Test Stk::Gui
+stk_test_executable(EndToEnd SOURCES EndToEnd.cpp LIBS Stk::Test
   ARGUMENTS complainsInOneLine needsDisplay endsWalkthrough)
 foreach(card by-itself demo every-command)
   add_test(NAME EndToEnd-${card} COMMAND EndToEnd plays:${card})

@@ -6,7 +6,7 @@ add_library(PluginFakes STATIC
   ${PROJECT_SOURCE_DIR}/include/platform/ClipSound.h)
 target_compile_definitions(PluginFakes PUBLIC HOSTUI_LIBRARY)
 target_include_directories(PluginFakes PUBLIC fakes)
-target_link_libraries(PluginFakes PUBLIC STKPluginObjects HostUiWindows Qt5::Test)
+target_link_libraries(PluginFakes PUBLIC STKPluginObjects HostUiWindows Stk::Test)
 
 foreach(class STKLogic STKThread STKDialog STKInputDlg STKPlugin)
   stk_qtest(NAME Test${class} SOURCES Test${class}.cpp LIBS PluginFakes)
@@ -44,5 +44,5 @@ if(NOT STK_SANITIZE)
 endif()
 
 # Random commands and random users against the plug-in.
-stk_random_test(NAME Soak SECONDS 20 SOURCES Soak.cpp fakes/FakeModemService.cpp LIBS STKPluginObjects HostUi Qt5::Test)
+stk_random_test(NAME Soak SECONDS 20 SOURCES Soak.cpp fakes/FakeModemService.cpp LIBS STKPluginObjects HostUi Stk::Test)
 target_include_directories(Soak PRIVATE fakes ${PROJECT_SOURCE_DIR}/src/HostUi)

@@ -26,7 +26,12 @@ void loadQtCatalogue(const QString &code)
     static QTranslator *catalogue = nullptr;
     delete catalogue;
     catalogue = new QTranslator(qApp);
-    if (catalogue->load("qtbase_" + code, QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+#if QT_VERSION < 0x060000
+    const QString folder = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+#else
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+#endif
+    if (catalogue->load("qtbase_" + code, folder))
         QCoreApplication::installTranslator(catalogue);
 }
 

@@ -155,10 +155,15 @@ void ToolkitWindows::doubleClickAt(QWidget *widget, const QPoint &place)
                        widget->mapTo(window, place));
 }
 
-void ToolkitWindows::pressKey(QWidget *widget, int keyWithModifiers)
+void ToolkitWindows::pressKey(QWidget *widget, const QKeySequence &keys)
 {
-    const Qt::KeyboardModifiers modifiers(keyWithModifiers & int(Qt::KeyboardModifierMask));
-    const Qt::Key key = Qt::Key(keyWithModifiers & ~int(Qt::KeyboardModifierMask));
+#if QT_VERSION < 0x060000
+    const int combined = keys[0];
+#else
+    const int combined = keys[0].toCombined();
+#endif
+    const Qt::KeyboardModifiers modifiers(combined & int(Qt::KeyboardModifierMask));
+    const Qt::Key key = Qt::Key(combined & ~int(Qt::KeyboardModifierMask));
     const QPointer<QWindow> window = widget->window()->windowHandle();
     QTest::keyPress(window, key, modifiers);
     // The press may have closed the window.
@@ -169,7 +174,7 @@ void ToolkitWindows::pressKey(QWidget *widget, int keyWithModifiers)
 void ToolkitWindows::typeText(QWidget *widget, const QString &text)
 {
     const QPointer<QWindow> window = widget->window()->windowHandle();
-    for (const uint character : text.toUcs4()) {
+    for (const char32_t character : text.toUcs4()) {
         const bool ascii = character < 128;
         const Qt::Key key = ascii ? QTest::asciiToKey(char(character)) : Qt::Key_unknown;
         if (window)

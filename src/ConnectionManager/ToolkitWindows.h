@@ -41,7 +41,7 @@ QAbstractButton *button(const QString &meaning);
 /// take part.
 void clickAt(QWidget *widget, const QPoint &place);
 void doubleClickAt(QWidget *widget, const QPoint &place);
-void pressKey(QWidget *widget, int keyWithModifiers);
+void pressKey(QWidget *widget, const QKeySequence &keys);
 void typeText(QWidget *widget, const QString &text);
 /// What the close button of a title bar does.
 void closeByTitleBar(QWidget *widget);

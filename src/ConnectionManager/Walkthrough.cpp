@@ -187,7 +187,7 @@ const ValueRule Button = {
 const ValueRule Key = {
     "the name of one key, such as \"Down\" or \"Ctrl+A\"", [](const QJsonValue &value) {
         const QKeySequence keys(value.toString(), QKeySequence::PortableText);
-        return keys.count() == 1 && (keys[0] & ~int(Qt::KeyboardModifierMask)) != Qt::Key_unknown;
+        return keys.count() == 1 && !keys.toString().isEmpty(); // which an unknown key has not
     }};
 const ValueRule ModemState = {"\"removed\" or \"ready\"", [](const QJsonValue &value) {
                                   return value == QJsonValue("removed") ||

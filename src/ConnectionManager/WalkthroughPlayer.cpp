@@ -273,8 +273,8 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::key(const Walkthrough::Step &step)
         return {Outcome::NotYet, "a window of the SIM toolkit for the key", "none"};
     const bool escape = step.name == "escape";
     pressKey(window,
-             escape ? int(Qt::Key_Escape)
-                    : QKeySequence(step.value.toString(), QKeySequence::PortableText)[0]);
+             escape ? QKeySequence(Qt::Key_Escape)
+                    : QKeySequence(step.value.toString(), QKeySequence::PortableText));
     return {Outcome::Done, {}, {}};
 }
 
@@ -369,7 +369,7 @@ WalkthroughPlayer::Outcome WalkthroughPlayer::erase(const Walkthrough::Step &)
     QLineEdit *line = inputLine();
     if (!line)
         return {Outcome::NotYet, "an input window to erase in", "none on top"};
-    pressKey(line, int(Qt::CTRL) | Qt::Key_A);
+    pressKey(line, QKeySequence::SelectAll);
     pressKey(line, Qt::Key_Backspace);
     return {Outcome::Done, {}, {}};
 }

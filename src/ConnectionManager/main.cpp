@@ -267,7 +267,9 @@ int main(int argc, char *argv[])
         return printModems();
 
     Messages::install();
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#if QT_VERSION < 0x060000
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps); // later ones always do
+#endif
     const QApplication application(argc, argv);
     Messages::displayFound();
     if (!hasScreen())

@@ -1,7 +1,5 @@
 #include "platform/ClipMessageBox.h"
 
-#include <QApplication>
-#include <QDesktopWidget>
 #include <QGridLayout>
 #include <QLabel>
 #include <QResizeEvent>
@@ -10,6 +8,7 @@
 #include <QTextDocument>
 #include <qmath.h>
 
+#include "Screen.h"
 #include "shared/TextView.h"
 
 namespace {
@@ -22,7 +21,7 @@ const char *const ViewName = "HostUi_MessageText";
 /* As wide as it is read well, and as high as the text, within two thirds of the screen. */
 void fitToText(QTextEdit *view)
 {
-    const QRect screen = QApplication::desktop()->availableGeometry(view->parentWidget());
+    const QRect screen = availableScreen(view->parentWidget());
     const int maxWidth = qMin(MaxTextWidth, screen.width() / 2);
     // The view's own document is laid out for the view's present size.
     QScopedPointer<QTextDocument> text(view->document()->clone());
@@ -49,7 +48,13 @@ ClipMessageBox::ClipMessageBox(QWidget *parent)
     setTextFormat(Qt::PlainText);
 }
 
-ClipMessageBox::~ClipMessageBox() { }
+/* A button that loses the keyboard looks through its dialog for the others.  Under Qt 6 it would do
+ * so when the box is half gone, where the dialog is a frame that outlives it. */
+ClipMessageBox::~ClipMessageBox()
+{
+    if (QWidget *const button = focusWidget())
+        button->clearFocus();
+}
 
 void ClipMessageBox::showEvent(QShowEvent *event)
 {

@@ -2,16 +2,15 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QEventLoop>
 #include <QPointer>
 #include <QPushButton>
-#include <QRegExp>
 #include <QThread>
 #include <QUrl>
 #include <QtDebug>
 
 #include "HostUiState.h"
+#include "Screen.h"
 #include "platform/Change.h"
 #include "platform/ClipMessageBox.h"
 #include "platform/ExtendDialog.h"
@@ -84,11 +83,16 @@ QPushButton *addButton(QMessageBox *box, const QString &id, QMessageBox::ButtonR
 /* Qt 4 drops a port that is too large and calls the rest an address. */
 bool isPortValid(const QString &address)
 {
-    QRegExp port("[^/?#]*//[^/?#]*:([0-9]+)([/?#].*)?");
-    if (!port.exactMatch(address))
-        return true;
-    bool isNumber = false;
-    return port.cap(1).toUInt(&isNumber) <= MaxPort && isNumber;
+    const QString site = address.section('?', 0, 0).section('#', 0, 0).section('/', 0, 2);
+    const QString port = site.contains("//") ? site.section(':', -1) : QString();
+    uint number = 0;
+    for (int i = 0; i < port.size(); ++i) {
+        const ushort digit = port.at(i).unicode();
+        if (digit < '0' || digit > '9')
+            return true; // what follows the last colon is no port
+        number = qMin(10 * number + (digit - '0'), MaxPort + 1);
+    }
+    return number <= MaxPort;
 }
 
 // In the order of HostUi::UrlRefusal.
@@ -124,8 +128,7 @@ void CommonUtils::MoveCentre(QWidget *widget)
 {
     if (!widget)
         return;
-    const QRect screen = QApplication::desktop()->availableGeometry(
-        widget->parentWidget() ? widget->parentWidget() : widget);
+    const QRect screen = availableScreen(widget->parentWidget() ? widget->parentWidget() : widget);
     const QRect over =
         widget->parentWidget() ? widget->parentWidget()->window()->frameGeometry() : screen;
     QRect frame = widget->frameGeometry();

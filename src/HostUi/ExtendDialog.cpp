@@ -1,11 +1,12 @@
 #include "platform/ExtendDialog.h"
 
 #include <QApplication>
-#include <QDesktopWidget>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include "Screen.h"
 
 static const QChar Blank(QChar::Nbsp);
 
@@ -107,7 +108,7 @@ void ExtendDialog::claimKeyboard()
 
 void ExtendDialog::changeSize(QSize size)
 {
-    const QSize screen = QApplication::desktop()->availableGeometry(this).size();
+    const QSize screen = availableScreen(this).size();
     const QSize wanted = size.boundedTo(screen);
     if (m_widgetType == MessageFrame)
         setFixedSize(wanted);

@@ -6,7 +6,7 @@
 
 #include "WavFile.h"
 
-// Qt 4's GUI library plays files and does not tell their end; Qt 5 has a module for samples.
+// Qt 4's GUI library plays files and does not tell their end; later ones have a module for samples.
 #if QT_VERSION < 0x050000
 #include <QSound>
 #include <QTimer>
@@ -38,9 +38,53 @@ private:
 
 } // namespace
 #else
+#include <QIODevice>
+
+#if QT_VERSION < 0x060000
 #include <QAudioDeviceInfo>
 #include <QAudioOutput>
-#include <QIODevice>
+
+namespace {
+
+typedef QAudioDeviceInfo AudioDevice;
+typedef QAudioOutput AudioSink;
+
+AudioDevice defaultDevice()
+{
+    return QAudioDeviceInfo::defaultOutputDevice();
+}
+
+void setSigned16Bit(QAudioFormat *format)
+{
+    format->setCodec(QString::fromLatin1("audio/pcm"));
+    format->setByteOrder(QAudioFormat::LittleEndian);
+    format->setSampleType(QAudioFormat::SignedInt);
+    format->setSampleSize(16);
+}
+
+} // namespace
+#else
+#include <QAudioDevice>
+#include <QAudioSink>
+#include <QMediaDevices>
+
+namespace {
+
+typedef QAudioDevice AudioDevice;
+typedef QAudioSink AudioSink;
+
+AudioDevice defaultDevice()
+{
+    return QMediaDevices::defaultAudioOutput();
+}
+
+void setSigned16Bit(QAudioFormat *format)
+{
+    format->setSampleFormat(QAudioFormat::Int16);
+}
+
+} // namespace
+#endif
 
 namespace {
 
@@ -55,18 +99,16 @@ public:
         : m_file(std::move(file))
         , m_owner(owner)
     {
-        const QAudioDeviceInfo device = QAudioDeviceInfo::defaultOutputDevice();
+        const AudioDevice device = defaultDevice();
         QAudioFormat format;
-        format.setCodec(QString::fromLatin1("audio/pcm"));
-        format.setByteOrder(QAudioFormat::LittleEndian);
-        format.setSampleType(QAudioFormat::SignedInt);
-        format.setSampleSize(16);
+        setSigned16Bit(&format);
         format.setChannelCount(m_file->channels());
         format.setSampleRate(m_file->sampleRate());
         if (device.isNull() || !device.isFormatSupported(format))
             return;
-        m_output = std::make_unique<QAudioOutput>(device, format);
+        m_output = std::make_unique<AudioSink>(device, format);
         m_output->setBufferSize(format.bytesForDuration(bufferMs * 1000));
+        qRegisterMetaType<QAudio::State>("QAudio::State"); // Qt 6 cannot queue it before
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
         m_output->start(this);
         QObject::connect(m_output.get(), SIGNAL(stateChanged(QAudio::State)), owner, SLOT(update()),
@@ -106,7 +148,7 @@ private:
     QObject *const m_owner;
     qint64 m_pulled = 0;
     // Pulls from the members above, so it goes first.
-    std::unique_ptr<QAudioOutput> m_output;
+    std::unique_ptr<AudioSink> m_output;
 };
 
 } // namespace

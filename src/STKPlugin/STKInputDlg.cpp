@@ -8,7 +8,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegExpValidator>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -19,6 +18,16 @@
 #include "shared/TextView.h"
 
 #define STK_TRACE_FILE "../../src/STKPlugin/STKInputDlg"
+
+#if QT_VERSION < 0x060000
+#include <QRegExpValidator>
+typedef QRegExp STKPattern;
+typedef QRegExpValidator STKPatternValidator;
+#else
+#include <QRegularExpressionValidator>
+typedef QRegularExpression STKPattern;
+typedef QRegularExpressionValidator STKPatternValidator;
+#endif
 
 namespace {
 
@@ -31,16 +40,16 @@ const int INPUT_TYPE_DIGITS = 2;
 
 /* Calls no text invalid: a line of Qt 4 that hides its text would empty itself for one, and tell
  * nobody.  STKInputDlg takes out by itself what is refused. */
-class STKDigitsValidator : public QRegExpValidator {
+class STKDigitsValidator : public STKPatternValidator {
 public:
     explicit STKDigitsValidator(QObject *parent)
-        : QRegExpValidator(QRegExp("[0-9*+#]*"), parent)
+        : STKPatternValidator(STKPattern("[0-9*+#]*"), parent)
     {
     }
     State validate(QString &strText, int &nPos) const override
     {
         const int nCursor = nPos; // sent to the end of an invalid text
-        const State enState = QRegExpValidator::validate(strText, nPos);
+        const State enState = STKPatternValidator::validate(strText, nPos);
         nPos = nCursor;
         return qMax(Intermediate, enState);
     }
@@ -58,6 +67,17 @@ QString wholeCharacters(const QString &strText)
             strWhole += ch;
     }
     return strWhole;
+}
+
+QString onlyDigits(const QString &strText)
+{
+    const QString strDigits = "0123456789*+#";
+    QString strOnly;
+    for (int i = 0; i < strText.length(); ++i) {
+        if (strDigits.contains(strText.at(i)))
+            strOnly += strText.at(i);
+    }
+    return strOnly;
 }
 
 } // namespace
@@ -278,7 +298,7 @@ bool STKInputDlg::isPromptTooLong() const
 {
     if (m_pMainWidget->layout()->totalHeightForWidth(FRAME_WIDTH) > FRAME_HEIGHT)
         return true;
-    const QStringList words = m_stInKeyRequest.strText.split(QRegExp("\\s+"));
+    const QStringList words = m_stInKeyRequest.strText.simplified().split(' ');
     for (int i = 0; i < words.size(); ++i) {
         if (m_pLabelText->fontMetrics().boundingRect(words.at(i)).width() > INPUT_WIDTH)
             return true;
@@ -434,7 +454,7 @@ bool STKInputDlg::eventFilter(QObject *, QEvent *e)
 QString STKInputDlg::allowedText(QString strText) const
 {
     if (m_stInKeyRequest.nInputType == INPUT_TYPE_DIGITS)
-        strText.remove(QRegExp("[^0-9*+#]"));
+        return onlyDigits(strText);
     return wholeCharacters(strText);
 }
 

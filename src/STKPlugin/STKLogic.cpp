@@ -1,5 +1,7 @@
 #include "STKLogic.h"
 
+#include <type_traits>
+
 #include "TraceLog.h"
 
 #define STK_TRACE_FILE "../../src/STKPlugin/STKLogic"
@@ -8,13 +10,16 @@
 
 namespace {
 
+/* What Qt takes for a unit of UTF-16: not the same type in each of its versions. */
+using Utf16Unit = std::decay<decltype(QChar().unicode())>::type;
+
 /* The text of a record: up to the first zero unit, or the whole array where it has none. */
 template <int units> QString TextOf(const uint16_t (&szText)[units])
 {
     int length = 0;
     while (length < units && szText[length] != 0)
         ++length;
-    return QString::fromUtf16(szText, length);
+    return QString::fromUtf16(reinterpret_cast<const Utf16Unit *>(szText), length);
 }
 
 void CopyIfBetween(int iLowest, int iHighest, int32_t value, int *pTarget)

@@ -149,7 +149,7 @@ Q_EXPORT_PLUGIN2(STKPlugin, STKPlugin)
 
 #else
 
-// Qt 5 keeps its own metadata; hosts of the older kind still ask for this text before they load.
+// Qt keeps its own metadata; hosts of the older kind still ask for this text before they load.
 #define STK_STRING_OF(x) #x
 #define STK_STRING(x) STK_STRING_OF(x)
 #if defined(__clang__)

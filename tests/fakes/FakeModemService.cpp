@@ -59,7 +59,10 @@ int32_t details(const char *function, int16_t cmdId, const Record &from, Record 
 int32_t answer(const char *function, int16_t cmdId, int32_t accepted, const uint16_t *text)
 {
     return called(function,
-                  QString("%1,%2,%3").arg(cmdId).arg(accepted).arg(QString::fromUtf16(text)));
+                  QString("%1,%2,%3")
+                      .arg(cmdId)
+                      .arg(accepted)
+                      .arg(QString::fromUtf16(reinterpret_cast<const char16_t *>(text))));
 }
 
 int onForeignThread(int (*callback)(int, void *), int code, void *data)
