@@ -13,8 +13,7 @@
 
 #include "modem/AtLines.h"
 #include "modem/AtPort.h"
-#include "modem/MbimPort.h"
-#include "modem/ModemTraffic.h"
+#include "modem/MbimSupport.h"
 
 using Strings = std::vector<std::string>;
 using namespace std::chrono_literals;
@@ -248,7 +247,6 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
                       "ATE0",
                       "AT+CMEE=1",
                       "AT+CPIN?",
-                      "AT+CPIN?",
                       "AT+CUSATW=?",
                       "AT+CUSATR",
                       "AT+CUSATW=0,\"FF01\"",
@@ -271,6 +269,11 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
          {{"AT+CPIN?", {"AT+CPIN?\r" + ready}},
           {"AT+CUSATA", {"\r\n+CUSATP: " + std::string(TextCommand) + "\r\n\r\nOK\r\n"}}},
          {"arrived", "command 15", "rest", "end"}},
+        {"has no card, and then one that is not ready",
+         {{"AT+CPIN?",
+           {"\r\n+CPIN: NOT INSERTED\r\n\r\nOK\r\n",
+            "\r\n+CPIN: NOT READY\r\n\r\nOK\r\n", ready}}},
+         {"IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "rest"}},
         {"is busy at first",
          {{"AT+CPIN?", {"\r\n+CME ERROR: 14\r\n", ready, ready}}},
          {"departed", "arrived", "rest"}},
@@ -297,8 +300,10 @@ TEST_F(AtPortTest, asksForThePinOnce)
     const struct {
         const char *what, *entered; // the modem's answer to the PIN
         Strings told;
+        bool believed = true; // at last
     } rows[] = {
         {"right", "\r\nOK\r\n", {"arrived", "PIN", "rest"}},
+        {"right, and without effect", "\r\nOK\r\n", {"arrived", "PIN", "PIN"}, false},
         {"wrong", "\r\n+CME ERROR: 16\r\n", {"arrived", "PIN", "wrong PIN"}},
         {"blocked",
          "\r\n+CME ERROR: SIM PUK required\r\n",
@@ -310,7 +315,8 @@ TEST_F(AtPortTest, asksForThePinOnce)
     for (const auto &row : rows) {
         SCOPED_TRACE(row.what);
         told.lines.clear();
-        open({{"AT+CPIN?", {wanted}}, {"AT+CPIN", {row.entered}}});
+        open({{"AT+CPIN?", {wanted, wanted, wanted, row.believed ? ready : wanted}},
+              {"AT+CPIN", {row.entered}}});
         modem->run(*port, 20s);
         EXPECT_FALSE(hasHeard("AT+CUSATW=?"));
         port->answerPin(told.pin, Pin("1234", 4), modem->now());
@@ -360,7 +366,17 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
          command,
          1,
          {"command 15", "IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
-        {"overtaken", {}, command + command, 1, {"command 15", "command 15", "end"}},
+        {"told twice", {}, command + command, 1, {"command 15", "end"}},
+        {"told twice, and the first is on its way",
+         {{"AT+CUSATT", {command + "\r\nOK\r\n"}}},
+         command,
+         1,
+         {"command 15", "end"}},
+        {"overtaken",
+         {},
+         command + "+CUSATP:" + MenuCommand + "\r\n",
+         1,
+         {"command 15", "command 20", "end"}},
         {"unreadable", {}, "\r\n+CUSATP: \"D0X\"\r\n", 0, {"IDS_CM_NOTICE_MODEM_UNREADABLE"}},
         {"falls silent",
          {{"AT+CUSATT", {""}}},
@@ -433,6 +449,16 @@ TEST_F(AtPortTest, leavesACommandOpenThatCameBeforeTheEnvelopesResult)
         EXPECT_FALSE(port->takesEnvelope()) << result;
         port->close();
     }
+}
+
+TEST_F(AtPortTest, comesBackWithTheCard)
+{
+    open({{"AT+CPIN?", {"\r\n+CPIN: READY\r\n\r\nOK\r\n"}}});
+    modem->run(*port, 20s);
+    told.lines.clear();
+    modem->say("\r\n+CPIN: SIM REMOVED\r\n");
+    modem->run(*port, 20s);
+    EXPECT_EQ(told.lines, (Strings{"IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "rest"}));
 }
 
 TEST_F(AtPortTest, comesBackAfterTheModemHasGone)

@@ -459,6 +459,7 @@ void AtModem::sessionEnded()
 
 Bytes AtModem::profile()
 {
+    m_repeated = false; // the card starts anew
     const auto either = [](int one, int other) { return one | other; };
     m_activeProfile = std::exchange(m_combines, false)
         ? merged(ModemProfile, m_terminalProfile, either)

@@ -1,5 +1,6 @@
 #include "MbimLink.h"
 
+#include <cstring>
 #include <fstream>
 #include <utility>
 
@@ -28,6 +29,15 @@ bool isProxyRunning()
 struct MbimLink::Call {
     std::weak_ptr<MbimLink *> link;
     Done done;
+    Message sent{nullptr, wiped};
+
+    // It may be a PIN, or what a person has typed.
+    static void wiped(MbimMessage *message)
+    {
+        guint32 size = 0;
+        explicit_bzero(const_cast<guint8 *>(mbim_message_get_raw(message, &size, nullptr)), size);
+        mbim_message_unref(message);
+    }
 
     // Null where nobody wants to hear of it any more.
     static std::unique_ptr<Call> taken(gpointer data, MbimLink *&link)
@@ -50,11 +60,6 @@ MbimLink::~MbimLink()
     close();
 }
 
-gpointer MbimLink::call(Done done)
-{
-    return new Call{m_self, std::move(done)};
-}
-
 void MbimLink::open(const std::string &device, Done done)
 {
     drop();
@@ -62,7 +67,7 @@ void MbimLink::open(const std::string &device, Done done)
     m_cancellable = g_cancellable_new();
     const GlibLoop::Use use(m_loop);
     GFile *const file = g_file_new_for_path(device.c_str());
-    mbim_device_new(file, m_cancellable, isMade, call(std::move(done)));
+    mbim_device_new(file, m_cancellable, isMade, new Call{m_self, std::move(done)});
     g_object_unref(file);
 }
 
@@ -110,8 +115,9 @@ void MbimLink::command(Message message, std::chrono::seconds patience, Done done
         return;
     const GlibLoop::Use use(m_loop);
     mbim_message_set_transaction_id(message.get(), mbim_device_get_next_transaction_id(m_device));
-    mbim_device_command(m_device, message.get(), static_cast<guint>(patience.count()),
-                        m_cancellable, isAnswered, call(std::move(done)));
+    const auto call = new Call{m_self, std::move(done), {message.release(), Call::wiped}};
+    mbim_device_command(m_device, call->sent.get(), static_cast<guint>(patience.count()),
+                        m_cancellable, isAnswered, call);
 }
 
 void MbimLink::isAnswered(GObject *source, GAsyncResult *result, gpointer data)

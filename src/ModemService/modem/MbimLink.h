@@ -49,7 +49,6 @@ private:
     static void isAnswered(GObject *, GAsyncResult *result, gpointer data);
     static void indicated(MbimDevice *, MbimMessage *message, gpointer self);
     static void removed(MbimDevice *, gpointer self);
-    gpointer call(Done done);
 
     GlibLoop m_loop;
     const Notified m_notified;

@@ -5,46 +5,38 @@
 #include <utility>
 
 #include "ModemMonitor.h"
-#include "ModemTraffic.h"
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 namespace {
 
-constexpr ToolkitPort::Time Never = ToolkitPort::Time::max();
-
 constexpr seconds Patience{10}, CardPatience{40};
-constexpr milliseconds RetryPeriod = seconds(1), LongRetryPeriod = seconds(30);
-constexpr milliseconds RestTime = seconds(5); // without a menu so long, none will come
-// Without a word so long, the session is over; sooner where the card said that nothing follows.
-constexpr milliseconds IdleTime = seconds(5), ShortIdleTime = seconds(2);
-constexpr guint32 NothingFollows = 0x9000;
-
-// ETSI TS 102 223 clause 9.4; SEND SS and SEND USSD stand between the first two.
-constexpr uint8_t SetUpCallType = 0x10, SendShortMessageType = 0x13, SetUpMenuType = 0x25;
-
-// Values of PacSupport.
-enum : uint8_t {
-    NotHandled = 0,
-    HostMay = 1,
-    ModemUnseen = 2,
-    ModemCanNotify = 3,
-    ModemNotifiesHostMay = 5,
-    HostAlone = 6,
-    HostInstead = 7
-};
-
-bool isOneOf(uint8_t value, std::initializer_list<uint8_t> values)
-{
-    return std::find(values.begin(), values.end(), value) != values.end();
-}
+constexpr milliseconds LongRetryPeriod = seconds(30);
+constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
 
 // The modem can say more once its card is ready.
 bool waitsForCard(std::optional<int> status)
 {
     return status == MBIM_STATUS_ERROR_SIM_NOT_INSERTED ||
         status == MBIM_STATUS_ERROR_PIN_REQUIRED || status == MBIM_STATUS_ERROR_NOT_INITIALIZED;
+}
+
+enum class CardState { There, Starting, Missing };
+
+CardState stateOf(MbimSubscriberReadyState state)
+{
+    switch (state) {
+    case MBIM_SUBSCRIBER_READY_STATE_SIM_NOT_INSERTED:
+    case MBIM_SUBSCRIBER_READY_STATE_BAD_SIM:
+    case MBIM_SUBSCRIBER_READY_STATE_FAILURE:
+    case MBIM_SUBSCRIBER_READY_STATE_NO_ESIM_PROFILE:
+        return CardState::Missing;
+    case MBIM_SUBSCRIBER_READY_STATE_NOT_INITIALIZED:
+        return CardState::Starting;
+    default:
+        return CardState::There;
+    }
 }
 
 // Empty where there is none.
@@ -59,56 +51,15 @@ std::string firstDevice()
 
 } // namespace
 
-bool MbimSupport::isDecimal() const
-{
-    constexpr size_t SetUpMenuDigits = 25;
-    return isOneOf(of[SetUpMenuType], {NotHandled, ModemUnseen}) &&
-        isOneOf(of[SetUpMenuDigits], {HostMay, ModemNotifiesHostMay, HostAlone, HostInstead});
-}
-
-size_t MbimSupport::position(uint8_t type) const
-{
-    return isDecimal() ? (type >> 4) * 10u + (type & 0x0f) : type;
-}
-
-bool MbimSupport::isFree(uint8_t type) const
-{
-    return isOneOf(of[position(type)],
-                   {HostMay, ModemCanNotify, ModemNotifiesHostMay, HostAlone, HostInstead});
-}
-
-bool MbimSupport::isHosts(uint8_t type) const
-{
-    return isOneOf(of[position(type)], {HostAlone, HostInstead});
-}
-
-std::array<uint8_t, 32> hostControl(const std::vector<uint8_t> &types, const MbimSupport &support)
-{
-    std::array<uint8_t, 32> control{};
-    for (const uint8_t type : types) {
-        const size_t position = support.position(type);
-        // Nobody but the modem has a network: it may tell, for people to see.
-        const bool networks = type >= SetUpCallType && type <= SendShortMessageType;
-        if (networks ? support.of[position] == ModemCanNotify : support.isFree(type))
-            control[position / 8] |= static_cast<uint8_t>(1 << position % 8);
-    }
-    return control;
-}
-
-cat::ByteView commandIn(cat::ByteView bytes)
-{
-    constexpr uint8_t OneByteMore = 0x81; // ETSI TS 101 220 clause 7.1.2
-    if (bytes.size() >= 3 && bytes[1] == OneByteMore)
-        return bytes.part(0, 3u + bytes[2]);
-    return bytes.size() >= 2 && bytes[1] < 0x80 ? bytes.part(0, 2u + bytes[1]) : bytes;
-}
-
 MbimPort::MbimPort(std::string device, std::vector<uint8_t> types, PortReports &reports)
-    : m_wanted(std::move(device))
-    , m_device(m_wanted)
+    : ModemPort(device, reports)
+    , m_wanted(std::move(device))
     , m_types(std::move(types))
-    , m_reports(reports)
-    , m_link([this](const MbimMessage &message) { notified(message); }, [this] { m_lost = true; })
+    , m_link([this](const MbimMessage &message) { notified(message); },
+             [this] {
+                 tell(NoticeId::ModemGone);
+                 m_lost = true;
+             })
 {
 }
 
@@ -117,82 +68,63 @@ MbimPort::~MbimPort()
     close();
 }
 
-PortTraits MbimPort::traits() const
-{
-    PortTraits traits;
-    traits.timers = traits.polling = traits.localInformation = traits.refresh = false;
-    return traits;
-}
-
-void MbimPort::open(PortEvents &events, Time now)
-{
-    m_events = &events;
-    m_place = Place::Awaited;
-    m_trouble.clear();
-    m_step = Step::Open;
-    m_stepAt = now;
-}
-
-void MbimPort::start(Time now)
-{
-    if (m_place != Place::Announced)
-        return;
-    m_place = Place::InUse;
-    m_step = Step::ReadPin;
-    m_stepAt = now;
-}
-
-void MbimPort::close()
-{
-    m_place = Place::Closed; // what the modem says meanwhile is for nobody
-    if (m_taken)
-        giveBack();
-    endPinRequest();
-    m_link.close();
-    m_open = false;
-    m_response.reset();
-    m_sentResponse.reset();
-    m_overtaken = false;
-    m_envelope.reset();
-    m_restAt.reset();
-    m_endAt.reset();
-    m_busy.end();
-    m_waiting = m_lost = m_taken = m_restart = false;
-    m_pinWrong = m_pinDeclined = false;
-}
-
 // The modem carries out by itself again what it did before.
-void MbimPort::giveBack()
+void MbimPort::disconnect(bool taken)
 {
     constexpr milliseconds Moment{1000};
-    const uint8_t nothing[32] = {};
-    bool done = false;
-    m_link.command({mbim_message_stk_pac_set_new(nothing, nullptr), mbim_message_unref}, Patience,
-                   [&done](const Result &) { done = true; });
-    const GlibLoop::Use use(m_link.loop());
-    m_link.loop().runUntil(std::chrono::steady_clock::now() + Moment, [&] { return done; });
-}
-
-// The modem is gone, or answers no more.
-void MbimPort::lose()
-{
-    m_taken = false; // there is nobody to give it back to
-    m_link.drop();
-    close();
-    m_place = Place::Awaited;
-    m_step = Step::Open;
-    m_stepAt = m_now + RetryPeriod;
-    m_events->departed();
+    if (taken && !m_lost) {
+        const uint8_t nothing[32] = {};
+        bool done = false;
+        m_link.command({mbim_message_stk_pac_set_new(nothing, nullptr), mbim_message_unref},
+                       Patience, [&done](const Result &) { done = true; });
+        const GlibLoop::Use use(m_link.loop());
+        m_link.loop().runUntil(std::chrono::steady_clock::now() + Moment, [&] { return done; });
+    }
+    if (std::exchange(m_lost, false))
+        m_link.drop();
+    else
+        m_link.close();
+    m_waiting = m_pinWrong = false;
 }
 
 // ---- The start ----
 
-void MbimPort::send(MbimMessage *message, Handler done)
+void MbimPort::enter(Stage stage)
 {
-    send(MbimLink::Message(message, mbim_message_unref), done);
+    switch (stage) {
+    case Stage::Modem:
+        m_step = Step::Open;
+        break;
+    case Stage::Card:
+        m_step = Step::ReadCard;
+        break;
+    case Stage::SwitchOff:
+        m_step = Step::SwitchOff;
+        break;
+    case Stage::Pin:
+        m_step = Step::ReadPin;
+        break;
+    case Stage::EnterPin:
+        m_step = Step::EnterPin;
+        break;
+    case Stage::Toolkit:
+        m_step = Step::ReadSupport;
+        break;
+    }
 }
 
-void MbimPort::send(MbimLink::Message message, Handler done)
+void MbimPort::go(Step step)
+{
+    m_step = step;
+    m_stepAt = m_now;
+}
+
+void MbimPort::say(MbimMessage *message, Handler done)
+{
+    say(MbimLink::Message(message, mbim_message_unref), done);
+}
+
+void MbimPort::say(MbimLink::Message message, Handler done)
 {
     m_waiting = true;
     const bool slow =
@@ -209,68 +141,66 @@ void MbimPort::send(MbimLink::Message message, Handler done)
                    });
 }
 
-void MbimPort::go(Step step)
-{
-    m_step = step;
-    m_stepAt = m_now;
-}
-
-void MbimPort::takeStep()
+void MbimPort::takeStep(Time)
 {
     switch (m_step) {
     case Step::Open:
-        if (m_wanted.empty())
-            m_device = firstDevice();
-        if (m_device.empty()) {
-            tell(NoticeId::NoMbimModem);
-            m_stepAt = Never; // lookAgain() tells
-            m_events->departed();
-            return;
-        }
-        m_waiting = true;
-        return m_link.open(m_device, [this](const Result &result) {
-            m_waiting = false;
-            opened(result);
-        });
+        return openDevice();
     case Step::ReadServices:
-        return send(mbim_message_device_services_query_new(nullptr), &MbimPort::servicesRead);
+        return say(mbim_message_device_services_query_new(nullptr), &MbimPort::servicesRead);
     case Step::ReadCard:
-        return send(mbim_message_subscriber_ready_status_query_new(nullptr), &MbimPort::cardRead);
+        return say(mbim_message_subscriber_ready_status_query_new(nullptr), &MbimPort::cardRead);
     case Step::SwitchOff:
-        return send(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_OFF, nullptr),
+        return say(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_OFF, nullptr),
                     &MbimPort::switchedOff);
     case Step::SwitchOn:
-        return send(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_ON, nullptr),
+        m_switchedOff = false; // what comes from now on is the new start's
+        return say(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_ON, nullptr),
                     &MbimPort::switchedOn);
     case Step::ReadPin:
-        return send(mbim_message_pin_query_new(nullptr), &MbimPort::pinRead);
+        return say(mbim_message_pin_query_new(nullptr), &MbimPort::pinRead);
     case Step::EnterPin: {
-        std::string digits(m_pin.digits(), m_pin.size());
-        m_pin = Pin();
+        std::string digits(pin().digits(), pin().size());
         MbimMessage *const message = mbim_message_pin_set_new(
             MBIM_PIN_TYPE_PIN1, MBIM_PIN_OPERATION_ENTER, digits.c_str(), "", nullptr);
         explicit_bzero(digits.data(), digits.size());
-        return send(message, &MbimPort::pinEntered);
+        return say(message, &MbimPort::pinEntered);
     }
     case Step::ReadSupport:
-        return send(mbim_message_stk_pac_query_new(nullptr), &MbimPort::supportRead);
+        return say(mbim_message_stk_pac_query_new(nullptr), &MbimPort::supportRead);
     case Step::ReadEnvelopes:
-        return send(mbim_message_stk_envelope_query_new(nullptr), &MbimPort::envelopesRead);
+        return say(mbim_message_stk_envelope_query_new(nullptr), &MbimPort::envelopesRead);
     case Step::Subscribe: {
-        guint32 commands[] = {MBIM_CID_STK_PAC};
-        MbimEventEntry entry{*mbim_uuid_from_service(MBIM_SERVICE_STK), 1, commands};
-        const MbimEventEntry *const entries[] = {&entry, nullptr};
-        return send(mbim_message_device_service_subscribe_list_set_new(1, entries, nullptr),
-                    &MbimPort::subscribed);
+        guint32 toolkit[] = {MBIM_CID_STK_PAC};
+        guint32 card[] = {MBIM_CID_BASIC_CONNECT_SUBSCRIBER_READY_STATUS};
+        MbimEventEntry entries[] = {{*mbim_uuid_from_service(MBIM_SERVICE_STK), 1, toolkit},
+                                    {*mbim_uuid_from_service(MBIM_SERVICE_BASIC_CONNECT), 1, card}};
+        const MbimEventEntry *const list[] = {&entries[0], &entries[1], nullptr};
+        return say(mbim_message_device_service_subscribe_list_set_new(2, list, nullptr),
+                   &MbimPort::subscribed);
     }
     case Step::TakeOver:
         m_taken = true;
-        return send(mbim_message_stk_pac_set_new(hostControl(m_types, m_support).data(), nullptr),
+        return say(mbim_message_stk_pac_set_new(hostControl(m_types, m_support).data(), nullptr),
                     &MbimPort::tookOver);
-    case Step::AwaitPin:
-    case Step::Run:
+    }
+}
+
+void MbimPort::openDevice()
+{
+    if (m_wanted.empty())
+        m_device = firstDevice();
+    if (m_device.empty()) {
+        tell(NoticeId::NoMbimModem);
+        m_stepAt = Never; // lookAgain() tells
+        m_events->departed();
         return;
     }
+    m_waiting = true;
+    m_link.open(m_device, [this](const Result &result) {
+        m_waiting = false;
+        opened(result);
+    });
 }
 
 void MbimPort::opened(const Result &result)
@@ -309,23 +239,14 @@ void MbimPort::cardRead(const Result &result)
     if (result.isDone())
         mbim_message_subscriber_ready_status_response_parse(
             result.message, &state, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    switch (state) {
-    case MBIM_SUBSCRIBER_READY_STATE_SIM_NOT_INSERTED:
-    case MBIM_SUBSCRIBER_READY_STATE_BAD_SIM:
-    case MBIM_SUBSCRIBER_READY_STATE_FAILURE:
-    case MBIM_SUBSCRIBER_READY_STATE_NO_ESIM_PROFILE:
-        tell(NoticeId::ModemNoSim);
-        [[fallthrough]];
-    case MBIM_SUBSCRIBER_READY_STATE_NOT_INITIALIZED:
-        m_stepAt = m_now + RetryPeriod;
-        m_events->departed();
+    if (stateOf(state) == CardState::There) {
+        cardIsThere(m_now);
         return;
-    default:
-        break;
     }
-    m_trouble.clear();
-    m_place = Place::Announced;
-    m_events->arrived(m_now);
+    if (stateOf(state) == CardState::Missing)
+        tell(NoticeId::ModemNoSim);
+    m_stepAt = m_now + RetryPeriod;
+    m_events->departed();
 }
 
 void MbimPort::switchedOff(const Result &)
@@ -345,7 +266,7 @@ void MbimPort::pinRead(const Result &result)
     guint32 tries = 0;
     go(Step::ReadSupport);
     const bool wrong = std::exchange(m_pinWrong, false);
-    if (!result.isDone() || m_pinDeclined ||
+    if (!result.isDone() || isPinDeclined() ||
         !mbim_message_pin_response_parse(result.message, &type, &state, &tries, nullptr) ||
         state != MBIM_PIN_STATE_LOCKED)
         return;
@@ -353,34 +274,7 @@ void MbimPort::pinRead(const Result &result)
     if (type == MBIM_PIN_TYPE_PUK1 || (type == MBIM_PIN_TYPE_PIN1 && tries == 0))
         goOnWithoutPin(NoticeId::PinBlocked);
     else if (type == MBIM_PIN_TYPE_PIN1)
-        wantPin(tries == Unknown ? std::nullopt : std::optional<int>(static_cast<int>(tries)),
-                wrong);
-}
-
-void MbimPort::wantPin(std::optional<int> triesLeft, bool wrong)
-{
-    m_step = Step::AwaitPin;
-    PinRequest request;
-    request.card = m_device;
-    request.triesLeft = triesLeft.value_or(0);
-    request.wrong = wrong;
-    m_pinRequest = request.id;
-    m_reports.pinWanted(request);
-}
-
-void MbimPort::answerPin(int request, const Pin &pin, Time now)
-{
-    if (m_step != Step::AwaitPin || m_pinRequest != request)
-        return;
-    m_stepAt = now;
-    if (pin.isValid()) {
-        m_pin = pin;
-        m_step = Step::EnterPin;
-        return;
-    }
-    endPinRequest();
-    goOnWithoutPin(NoticeId::PinLeftOut);
-    m_step = Step::ReadSupport;
+        wantPin(tries == Unknown ? 0 : static_cast<int>(tries), wrong);
 }
 
 // What the modem says to a wrong one is not the same everywhere: its state is read anew.
@@ -389,19 +283,6 @@ void MbimPort::pinEntered(const Result &result)
     endPinRequest();
     m_pinWrong = !result.isDone();
     go(Step::ReadPin);
-}
-
-void MbimPort::goOnWithoutPin(NoticeId why)
-{
-    tell(why);
-    m_pinDeclined = true;
-}
-
-void MbimPort::endPinRequest()
-{
-    m_pin = Pin();
-    if (std::exchange(m_pinRequest, std::nullopt))
-        m_reports.pinDone();
 }
 
 void MbimPort::supportRead(const Result &result)
@@ -448,36 +329,7 @@ void MbimPort::tookOver(const Result &result)
         std::copy_n(support, MbimSupport::Types, m_support.of.begin());
     if (!m_support.isHosts(SetUpMenuType))
         tell(NoticeId::ModemKeepsMenu);
-    go(Step::Run);
-    m_restAt = m_now + RestTime;
-}
-
-void MbimPort::tellMissingMenu()
-{
-    tell(NoticeId::ModemNoMenu);
-}
-
-void MbimPort::restart(Time now)
-{
-    if (m_place != Place::InUse)
-        return;
-    endPinRequest();
-    m_pinDeclined = false;
-    m_open = false;
-    m_response.reset();
-    m_overtaken = true;
-    m_envelope.reset();
-    m_busy.end();
-    m_endAt.reset();
-    m_restAt.reset();
-    m_restart = true;
-    m_stepAt = now;
-}
-
-void MbimPort::lookAgain(Time now)
-{
-    if (m_place == Place::Awaited)
-        m_stepAt = std::min(m_stepAt, now);
+    m_toolkit.run(m_now);
 }
 
 // ---- The toolkit at work ----
@@ -485,197 +337,90 @@ void MbimPort::lookAgain(Time now)
 void MbimPort::notified(const MbimMessage &message)
 {
     MbimMessage *const indication = const_cast<MbimMessage *>(&message);
-    if (mbim_message_indicate_status_get_service(indication) != MBIM_SERVICE_STK ||
-        mbim_message_indicate_status_get_cid(indication) != MBIM_CID_STK_PAC)
-        return;
+    const auto service = mbim_message_indicate_status_get_service(indication);
+    const guint32 command = mbim_message_indicate_status_get_cid(indication);
+    if (service == MBIM_SERVICE_STK && command == MBIM_CID_STK_PAC)
+        takeCommand(indication);
+    else if (service == MBIM_SERVICE_BASIC_CONNECT &&
+             command == MBIM_CID_BASIC_CONNECT_SUBSCRIBER_READY_STATUS)
+        takeCardState(indication);
+}
+
+void MbimPort::takeCommand(MbimMessage *indication)
+{
     MbimStkPacType type = MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND;
     guint32 size = 0;
     const guint8 *data = nullptr;
-    if (!mbim_message_stk_pac_notification_parse(indication, &type, &size, &data, nullptr)) {
+    if (!mbim_message_stk_pac_notification_parse(indication, &type, &size, &data, nullptr))
         tell(NoticeId::ModemUnreadable);
+    else if (isInUse() && !isStartingAnew()) // else the card sends it again
+        m_toolkit.commandArrived(commandIn({data, size}),
+                                 type == MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND, m_now);
+}
+
+void MbimPort::takeCardState(MbimMessage *indication)
+{
+    MbimSubscriberReadyState state = MBIM_SUBSCRIBER_READY_STATE_INITIALIZED;
+    if (!mbim_message_subscriber_ready_status_notification_parse(
+            indication, &state, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr))
         return;
+    if (stateOf(state) == CardState::There) {
+        lookAgain(m_now);
+    } else if (isInUse() && m_toolkit.isRunning()) {
+        if (stateOf(state) == CardState::Missing)
+            tell(NoticeId::ModemNoSim);
+        cardIsGone(m_now);
     }
-    if (m_place != Place::InUse || m_restart || m_step == Step::SwitchOff)
-        return; // the card sends it again
-    const cat::ByteView command = commandIn({data, size});
-    const bool wantsAnswer = type == MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND;
-    m_endAt.reset();
-    if (m_restAt)
-        m_restAt = m_now + RestTime;
-    if (wantsAnswer) {
-        m_open = true;
-        m_response.reset(); // the answer to the command before comes too late
-        m_overtaken = m_sentResponse.has_value();
-    } else if (!m_open) {
-        m_endAt = m_now + IdleTime; // what the modem does by itself ends some time, too
-    }
-    m_reports.exchanged(fetchOf(command));
-    m_events->commandArrived(command, wantsAnswer, m_now);
 }
 
-void MbimPort::respond(PortResponse response, Time)
+void MbimPort::send(const ModemToolkit::Message &message, Time)
 {
-    m_open = false;
-    if (m_place == Place::InUse)
-        m_response = std::move(response);
-}
-
-bool MbimPort::isInSession() const
-{
-    return m_open || expectsCommand();
-}
-
-bool MbimPort::expectsCommand() const
-{
-    return m_envelope || m_response || m_sentResponse || m_endAt;
-}
-
-bool MbimPort::takesEnvelope() const
-{
-    const bool free = !m_open && !m_response && !m_envelope;
-    return m_place == Place::InUse && m_step == Step::Run && !m_restart && free;
-}
-
-void MbimPort::sendEnvelope(PortEnvelope envelope, Time)
-{
-    if (envelope.selection)
-        m_endAt.reset(); // of a session that the person has left
-    m_envelope = std::move(envelope);
-}
-
-void MbimPort::dropEnvelope()
-{
-    const bool underWay = m_waiting && !m_sentResponse;
-    if (!m_envelope || underWay)
-        return;
-    m_envelope.reset();
-    m_busy.end();
-}
-
-void MbimPort::sendWaiting(Time now)
-{
-    if (now < m_busy.at())
-        return;
-    if (m_response) {
-        m_overtaken = false;
-        m_sentResponse = std::exchange(m_response, std::nullopt);
-        const cat::Bytes &data = m_sentResponse->data;
-        send(mbim_message_stk_terminal_response_set_new(static_cast<guint32>(data.size()),
-                                                        data.data(), nullptr),
-             &MbimPort::responseSent);
-    } else if (m_envelope) {
-        // The library's own message would pad the envelope within its announced length.
-        const cat::Bytes &data = m_envelope->data;
-        send(MbimLink::raw(MBIM_SERVICE_STK, MBIM_CID_STK_ENVELOPE, data.data(), data.size()),
-             &MbimPort::envelopeSent);
-    }
+    const cat::Bytes &data = message.data;
+    const guint32 size = static_cast<guint32>(data.size());
+    if (message.kind == ModemToolkit::Message::Kind::Response)
+        say(mbim_message_stk_terminal_response_set_new(size, data.data(), nullptr),
+            &MbimPort::responseSent);
+    else // the library's own message would pad the envelope within its announced length
+        say(MbimLink::raw(MBIM_SERVICE_STK, MBIM_CID_STK_ENVELOPE, data.data(), size),
+            &MbimPort::envelopeSent);
 }
 
 void MbimPort::responseSent(const Result &result)
 {
-    PortResponse sent = std::move(*std::exchange(m_sentResponse, std::nullopt));
-    const bool overtaken = std::exchange(m_overtaken, false);
-    if (result.status == MBIM_STATUS_ERROR_STK_BUSY && m_busy.isWorthIt(m_now)) {
-        if (!overtaken)
-            m_response = std::move(sent);
-        return;
-    }
-    m_busy.end();
     guint32 status = 0;
     if (result.isDone())
         mbim_message_stk_terminal_response_response_parse(result.message, nullptr, nullptr, &status,
                                                           nullptr);
-    m_reports.exchanged(terminalResponseOf(sent, result.isDone(), static_cast<uint16_t>(status)));
-    explicit_bzero(sent.data.data(), sent.data.size());
-    if (!result.isDone())
-        tell(NoticeId::ModemRefuses, "TERMINAL RESPONSE");
-    if (!overtaken)
-        m_endAt = m_now + (status == NothingFollows ? ShortIdleTime : IdleTime);
+    answered({result.isDone(), static_cast<uint16_t>(status), {}},
+             result.status == MBIM_STATUS_ERROR_STK_BUSY, m_now);
 }
 
 void MbimPort::envelopeSent(const Result &result)
 {
-    if (!m_envelope)
-        return;
-    if (result.status == MBIM_STATUS_ERROR_STK_BUSY && m_busy.isWorthIt(m_now))
-        return;
-    const PortEnvelope sent = std::move(*std::exchange(m_envelope, std::nullopt));
-    m_busy.end();
-    m_reports.exchanged(envelopeOf(sent, {}, result.isDone()));
-    if (!result.isDone())
-        tell(NoticeId::ModemRefuses, sent.name);
-    if (m_open || m_response || (m_endAt && !sent.selection))
-        return; // the session has gone on
-    if (result.isDone())
-        m_endAt = m_now + IdleTime;
-    else
-        endSession();
-}
-
-void MbimPort::endSession()
-{
-    m_endAt.reset();
-    m_open = false;
-    if (m_place == Place::InUse)
-        m_events->sessionEnded();
+    answered({result.isDone(), std::nullopt, {}}, result.status == MBIM_STATUS_ERROR_STK_BUSY,
+             m_now);
 }
 
 // ---- Time ----
 
 void MbimPort::work(Time now)
 {
-    if (m_place == Place::Closed)
+    if (!isOpen())
         return;
     m_now = now;
     m_link.loop().run();
-    if (std::exchange(m_lost, false)) {
-        lose();
-        return;
-    }
-    if (m_waiting || m_place == Place::Announced)
-        return;
-    if (std::exchange(m_restart, false))
-        m_step = Step::SwitchOff;
-    if (m_step != Step::Run) {
-        if (now >= m_stepAt)
-            takeStep();
-        return;
-    }
-    sendWaiting(now);
-    if (m_restAt && now >= *m_restAt) {
-        m_restAt.reset();
-        m_events->cameToRest();
-    }
-    if (m_endAt && now >= *m_endAt)
-        endSession();
+    if (m_lost)
+        lose(now);
+    else if (!m_waiting)
+        goOn(now);
 }
 
-ToolkitPort::Time MbimPort::wakeUp() const
+MbimPort::Time MbimPort::wakeUp() const
 {
-    if (m_place == Place::Closed)
+    if (!isOpen())
         return Never;
     const Time library = m_link.loop().prepare();
     if (m_lost)
         return Time{};
-    if (m_waiting || m_place == Place::Announced)
-        return library;
-    if (m_restart)
-        return Time{};
-    if (m_step == Step::AwaitPin)
-        return library;
-    if (m_step != Step::Run)
-        return std::min(library, m_stepAt);
-    Time next = m_response || m_envelope ? m_busy.at() : Never;
-    next = std::min({next, m_restAt.value_or(Never), m_endAt.value_or(Never)});
-    return std::min(library, next);
-}
-
-void MbimPort::tell(NoticeId id, const std::string &argument)
-{
-    std::vector<std::string> arguments{m_device};
-    if (!argument.empty())
-        arguments.push_back(argument);
-    const Notice notice = noticeOf(id, std::move(arguments));
-    if (std::exchange(m_trouble, notice.text) != notice.text)
-        m_reports.noticed(notice);
+    return m_waiting ? library : std::min(library, nextTime());
 }

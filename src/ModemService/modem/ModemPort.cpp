@@ -1,0 +1,196 @@
+#include "ModemPort.h"
+
+#include <algorithm>
+#include <utility>
+
+ModemPort::ModemPort(std::string device, PortReports &reports)
+    : m_device(std::move(device))
+    , m_toolkit(reports)
+    , m_reports(reports)
+{
+}
+
+PortTraits ModemPort::traits() const
+{
+    PortTraits traits;
+    traits.timers = traits.polling = traits.localInformation = traits.refresh = false;
+    return traits;
+}
+
+void ModemPort::tell(NoticeId id, const std::string &argument)
+{
+    std::vector<std::string> arguments{m_device};
+    if (!argument.empty())
+        arguments.push_back(argument);
+    const Notice notice = noticeOf(id, std::move(arguments));
+    if (std::exchange(m_trouble, notice.text) != notice.text)
+        m_reports.noticed(notice);
+}
+
+// ---- Presence ----
+
+void ModemPort::open(PortEvents &events, Time now)
+{
+    m_events = &events;
+    m_toolkit.open(events);
+    m_trouble.clear();
+    m_place = Place::Awaited;
+    goTo(Stage::Modem, now);
+}
+
+void ModemPort::start(Time now)
+{
+    if (m_place != Place::Announced)
+        return;
+    m_place = Place::InUse;
+    goTo(Stage::Pin, now);
+}
+
+void ModemPort::close()
+{
+    m_place = Place::Closed; // what the modem says meanwhile is for nobody
+    disconnect(std::exchange(m_taken, false));
+    endPinRequest();
+    m_toolkit.forget();
+    m_pinDeclined = m_restart = m_switchedOff = false;
+}
+
+void ModemPort::lose(Time now)
+{
+    m_taken = false; // there is nobody to give it back to
+    close();
+    m_place = Place::Awaited;
+    goTo(Stage::Modem, now + RetryPeriod);
+    m_events->departed();
+}
+
+void ModemPort::cardIsThere(Time now)
+{
+    m_trouble.clear();
+    m_place = Place::Announced;
+    m_events->arrived(now);
+}
+
+void ModemPort::cardIsGone(Time now)
+{
+    endPinRequest();
+    m_pinDeclined = false; // another card has another PIN
+    m_toolkit.forget();
+    m_place = Place::Awaited;
+    goTo(Stage::Card, now + RetryPeriod);
+    m_events->departed();
+}
+
+void ModemPort::lookAgain(Time now)
+{
+    if (m_place == Place::Awaited)
+        m_stepAt = std::min(m_stepAt, now);
+}
+
+void ModemPort::restart(Time now)
+{
+    if (m_place != Place::InUse)
+        return;
+    endPinRequest();
+    m_pinDeclined = false;
+    m_toolkit.forget();
+    m_restart = true;
+    m_stepAt = now;
+}
+
+// ---- The PIN ----
+
+void ModemPort::wantPin(int triesLeft, bool wrong)
+{
+    goTo(Stage::EnterPin, Never);
+    PinRequest request;
+    request.card = m_device;
+    request.triesLeft = triesLeft;
+    request.wrong = wrong;
+    m_pinRequest = request.id;
+    m_reports.pinWanted(request);
+}
+
+void ModemPort::answerPin(int request, const Pin &pin, Time now)
+{
+    if (m_pinRequest != request || m_pin.isValid())
+        return;
+    if (pin.isValid()) {
+        m_pin = pin;
+        m_stepAt = now;
+        return;
+    }
+    endPinRequest();
+    goOnWithoutPin(NoticeId::PinLeftOut);
+    goTo(Stage::Toolkit, now);
+}
+
+void ModemPort::endPinRequest()
+{
+    m_pin = Pin();
+    if (std::exchange(m_pinRequest, std::nullopt))
+        m_reports.pinDone();
+}
+
+void ModemPort::goOnWithoutPin(NoticeId why)
+{
+    tell(why);
+    m_pinDeclined = true;
+}
+
+// ---- The toolkit at work ----
+
+void ModemPort::respond(PortResponse response, Time)
+{
+    if (isInUse() && !isStartingAnew())
+        m_toolkit.respond(std::move(response));
+}
+
+void ModemPort::sendEnvelope(PortEnvelope envelope, Time)
+{
+    m_toolkit.sendEnvelope(std::move(envelope));
+}
+
+void ModemPort::answered(ModemToolkit::Outcome outcome, bool busy, Time now)
+{
+    if (busy && m_toolkit.sendLater(now))
+        return;
+    if (!outcome.taken && !m_toolkit.sending().empty())
+        tell(NoticeId::ModemRefuses, m_toolkit.sending());
+    m_toolkit.answered(std::move(outcome), now);
+}
+
+// ---- Step by step ----
+
+void ModemPort::goTo(Stage stage, Time at)
+{
+    enter(stage);
+    m_stepAt = at;
+}
+
+void ModemPort::goOn(Time now)
+{
+    if (m_place == Place::Announced)
+        return;
+    if (std::exchange(m_restart, false)) {
+        m_switchedOff = true;
+        goTo(Stage::SwitchOff, now);
+    }
+    if (!m_toolkit.isRunning()) {
+        if (now >= m_stepAt)
+            takeStep(now);
+        return;
+    }
+    if (const auto message = m_toolkit.next(now))
+        send(*message, now);
+    m_toolkit.work(now);
+}
+
+ModemPort::Time ModemPort::nextTime() const
+{
+    if (m_place == Place::Closed || m_place == Place::Announced)
+        return Never;
+    if (m_restart)
+        return Time{};
+    return m_toolkit.isRunning() ? m_toolkit.wakeUp() : m_stepAt;
+}

@@ -1,0 +1,109 @@
+#ifndef MODEMPORT_H
+#define MODEMPORT_H
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "ModemToolkit.h"
+#include "toolkit/Notices.h"
+#include "toolkit/ToolkitPort.h"
+
+/// A port to the card in a modem, as far as it does not matter what the modem is spoken to in:
+/// whether modem and card are there, the PIN, the start step by step, the card's start anew.  The
+/// modem fetches, polls and keeps the timers.
+class ModemPort : public ToolkitPort {
+public:
+    PortTraits traits() const override;
+    std::string name() const override { return m_device; }
+    void open(PortEvents &events, Time now) override;
+    void start(Time now) override;
+    void close() override;
+    void respond(PortResponse response, Time now) override;
+    bool takesEnvelope() const override { return m_toolkit.takesEnvelope() && !m_restart; }
+    void sendEnvelope(PortEnvelope envelope, Time now) override;
+    void dropEnvelope() override { m_toolkit.dropEnvelope(); }
+    bool expectsCommand() const override { return m_toolkit.expectsCommand(); }
+    bool isInSession() const override { return m_toolkit.isInSession(); }
+    void setPollInterval(std::optional<std::chrono::milliseconds>, Time) override { }
+    void answerPin(int request, const Pin &pin, Time now) override;
+    void tellMissingMenu() override { tell(NoticeId::ModemNoMenu); }
+    void restart(Time now) override;
+    void lookAgain(Time now) override;
+
+protected:
+    static constexpr Time Never = Time::max();
+    static constexpr std::chrono::milliseconds RetryPeriod{1000};
+
+    // What is said next on the way to the toolkit begins with this.
+    enum class Stage {
+        Modem, // to be opened
+        Card, // is it there?
+        SwitchOff, // the card, and on again: only where a person wants it
+        Pin, // is it wanted?
+        EnterPin,
+        Toolkit // to be taken
+    };
+
+    ModemPort(std::string device, PortReports &reports);
+
+    /// The step that the stage begins with is the next.
+    virtual void enter(Stage stage) = 0;
+    /// Says what is next; called when it is time and nothing is on its way.
+    virtual void takeStep(Time now) = 0;
+    virtual void send(const ModemToolkit::Message &message, Time now) = 0;
+    /// `taken`: the toolkit is to be given back.
+    virtual void disconnect(bool taken) = 0;
+
+    void goTo(Stage stage, Time at);
+    /// Once nothing is on its way: the next step, or message.
+    void goOn(Time now);
+    /// When goOn() is to be called.
+    Time nextTime() const;
+
+    void cardIsThere(Time now);
+    void cardIsGone(Time now);
+    /// The modem itself is gone, or answers no more.
+    void lose(Time now);
+    /// Busy: the message was not taken now, but will be later.
+    void answered(ModemToolkit::Outcome outcome, bool busy, Time now);
+
+    /// Zero tries: nobody tells.
+    void wantPin(int triesLeft, bool wrong);
+    const Pin &pin() const { return m_pin; }
+    void endPinRequest();
+    void goOnWithoutPin(NoticeId why);
+    bool isPinDeclined() const { return m_pinDeclined; }
+
+    void tell(NoticeId id, const std::string &argument = {});
+
+    bool isOpen() const { return m_place != Place::Closed; }
+    bool isInUse() const { return m_place == Place::InUse; }
+    /// What the modem still tells of the card that is to start anew is over.
+    bool isStartingAnew() const { return m_restart || m_switchedOff; }
+
+    std::string m_device;
+    PortEvents *m_events = nullptr;
+    ModemToolkit m_toolkit;
+    Time m_stepAt; // when the step is to be taken
+    bool m_taken = false; // the toolkit, as far as anybody knows
+    bool m_switchedOff = false; // the card, or about to be
+
+private:
+    enum class Place {
+        Closed,
+        Awaited, // no modem that answers, or no card: tried again and again
+        Announced, // start() is to come
+        InUse
+    };
+
+    PortReports &m_reports;
+    Place m_place = Place::Closed;
+    bool m_restart = false; // once nothing is on its way
+    std::string m_trouble; // what was in the way, as told last
+    std::optional<int> m_pinRequest;
+    Pin m_pin;
+    bool m_pinDeclined = false;
+};
+
+#endif
