@@ -268,6 +268,11 @@ std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
             queue(std::move(expired));
         if (hasEnvelope() && m_port->takesEnvelope())
             sendEnvelope(now);
+        if (hasNotified()) {
+            const cat::Bytes command = std::move(m_toolkit.notified.front());
+            m_toolkit.notified.pop_front();
+            commandArrived(command, false, now);
+        }
         m_port->work(now);
     }
     if (m_events.empty())
@@ -279,13 +284,24 @@ std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
 
 ToolkitTerminal::Time ToolkitTerminal::wakeUp() const
 {
-    if (!m_events.empty() || (hasEnvelope() && m_port->takesEnvelope()))
+    if (!m_events.empty() || hasNotified() || (hasEnvelope() && m_port->takesEnvelope()))
         return Time{};
     return std::min(m_port->wakeUp(), m_toolkit.duties.nextExpiry());
 }
 
+bool ToolkitTerminal::hasNotified() const
+{
+    return !m_toolkit.command && !m_toolkit.notified.empty();
+}
+
 void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time now)
 {
+    constexpr size_t MostNotified = 16;
+    if (!wantsAnswer && m_toolkit.command) { // what is to be answered comes first
+        if (m_toolkit.notified.size() < MostNotified)
+            m_toolkit.notified.push_back(bytes.copy());
+        return;
+    }
     m_toolkit.selectionSent = false;
     cat::Command command = cat::decode(bytes);
     if (wantsAnswer)

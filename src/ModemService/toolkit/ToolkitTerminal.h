@@ -73,6 +73,7 @@ private:
     void dropSelection();
     bool hasEnvelope() const;
     bool holdsCommand() const;
+    bool hasNotified() const;
     void sendEnvelope(Time now);
     void queue(std::optional<PortEnvelope> envelope);
     void tellSessionEnd();
@@ -99,6 +100,7 @@ private:
         std::optional<uint8_t> selection{}; // to be sent
         bool selectionSent = false; // and nothing has followed it yet
         std::deque<PortEnvelope> envelopes{}; // to be sent between sessions
+        std::deque<cat::Bytes> notified{}; // not to be answered, and not shown yet
     };
     // How the session under way is to end.
     struct Ending {
