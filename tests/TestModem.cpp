@@ -272,8 +272,7 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
          {"arrived", "command 15", "rest", "end"}},
         {"has no card, and then one that is not ready",
          {{"AT+CPIN?",
-           {"\r\n+CPIN: NOT INSERTED\r\n\r\nOK\r\n",
-            "\r\n+CPIN: NOT READY\r\n\r\nOK\r\n", ready}}},
+           {"\r\n+CPIN: NOT INSERTED\r\n\r\nOK\r\n", "\r\n+CPIN: NOT READY\r\n\r\nOK\r\n", ready}}},
          {"IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "rest"}},
         {"is busy at first",
          {{"AT+CPIN?", {"\r\n+CME ERROR: 14\r\n", ready, ready}}},
@@ -494,10 +493,7 @@ public:
 
 private:
     void enter(Stage) override { }
-    void takeStep(Time now) override
-    {
-        isInUse() ? m_toolkit.run(now) : cardIsThere(now);
-    }
+    void takeStep(Time now) override { isInUse() ? m_toolkit.run(now) : cardIsThere(now); }
     void send(const ModemToolkit::Message &, Time now) override
     {
         ++responses;

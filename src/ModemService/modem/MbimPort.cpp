@@ -152,11 +152,11 @@ void MbimPort::takeStep(Time)
         return say(mbim_message_subscriber_ready_status_query_new(nullptr), &MbimPort::cardRead);
     case Step::SwitchOff:
         return say(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_OFF, nullptr),
-                    &MbimPort::switchedOff);
+                   &MbimPort::switchedOff);
     case Step::SwitchOn:
         m_switchedOff = false; // what comes from now on is the new start's
         return say(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_ON, nullptr),
-                    &MbimPort::switchedOn);
+                   &MbimPort::switchedOn);
     case Step::ReadPin:
         return say(mbim_message_pin_query_new(nullptr), &MbimPort::pinRead);
     case Step::EnterPin: {
@@ -182,7 +182,7 @@ void MbimPort::takeStep(Time)
     case Step::TakeOver:
         m_taken = true;
         return say(mbim_message_stk_pac_set_new(hostControl(m_types, m_support).data(), nullptr),
-                    &MbimPort::tookOver);
+                   &MbimPort::tookOver);
     }
 }
 

@@ -74,10 +74,9 @@ void ModemToolkit::commandArrived(cat::ByteView command, bool wantsAnswer, Time 
 
 void ModemToolkit::sessionEnded()
 {
-    // While a choice is on its way, the session that is over is one that the person has left.
-    if (m_envelope && m_envelope->selection)
-        return;
     m_endAt.reset();
+    if (isChosen())
+        return; // the session that is over is one that the person has left
     m_open = false;
     m_events->sessionEnded();
 }
@@ -165,7 +164,7 @@ void ModemToolkit::responseAnswered(const Outcome &outcome, Time now)
     PortResponse sent = std::move(*std::exchange(m_sent, std::nullopt));
     m_reports.exchanged(terminalResponseOf(sent, outcome.taken, outcome.status));
     explicit_bzero(sent.data.data(), sent.data.size());
-    if (!std::exchange(m_overtaken, false))
+    if (!std::exchange(m_overtaken, false) && !isChosen())
         m_endAt = now + (outcome.status == NothingFollows ? ShortIdleTime : IdleTime);
 }
 

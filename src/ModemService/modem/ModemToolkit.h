@@ -68,6 +68,8 @@ public:
     Time wakeUp() const;
 
 private:
+    /// A menu's choice is on its way.
+    bool isChosen() const { return m_envelope && m_envelope->selection; }
     bool isRepeated(cat::ByteView command, Time now) const;
     void responseAnswered(const Outcome &outcome, Time now);
     void envelopeAnswered(Outcome outcome, Time now);
