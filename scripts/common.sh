@@ -7,11 +7,13 @@ packages="
   qtmultimedia5-dev libqt5multimedia5-plugins
   nlohmann-json3-dev
   pkg-config libpcsclite-dev libpcap-dev pcscd libmbim-glib-dev libudev-dev
+  dpkg-dev file help2man
   fonts-dejavu-core fonts-noto-core fonts-noto-color-emoji fonts-wqy-microhei"
 test_packages="
   libgtest-dev libbenchmark-dev
   vsmartcard-vpcd
   xvfb xauth openbox xdotool x11-utils
+  lintian desktop-file-utils appstream
   pulseaudio pulseaudio-utils"
 # Not on every architecture; the tests do without it where it is missing.
 multilib_package=g++-multilib

@@ -1,5 +1,6 @@
 #include "ModemIcon.h"
 
+#include <QDir>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -47,31 +48,13 @@ void drawSignal(QPainter &painter, const QColor &colour, int filled)
     }
 }
 
-QPixmap blank(int size, qreal devicePixelRatio)
-{
-    QPixmap pixmap(qRound(size * devicePixelRatio), qRound(size * devicePixelRatio));
-    pixmap.fill(Qt::transparent);
-    return pixmap;
-}
-
-void prepare(QPainter &painter, const QPixmap &pixmap)
-{
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(qreal(pixmap.width()) / Units, qreal(pixmap.height()) / Units);
-}
-
 } // namespace
 
 QIcon ModemIcon::simCard()
 {
     QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128}) {
-        QPixmap pixmap = blank(size, 1);
-        QPainter painter(&pixmap);
-        prepare(painter, pixmap);
-        drawSimCard(painter, Blue);
-        icon.addPixmap(pixmap);
-    }
+    for (const QFileInfo &file : QDir(":/icons").entryInfoList())
+        icon.addFile(file.filePath());
     return icon;
 }
 
@@ -79,9 +62,11 @@ QPixmap ModemIcon::forState(CardHost::ModemState state, int size, qreal devicePi
 {
     const bool present =
         state == CardHost::ModemState::Ready || state == CardHost::ModemState::Busy;
-    QPixmap pixmap = blank(size, devicePixelRatio);
+    QPixmap pixmap(qRound(size * devicePixelRatio), qRound(size * devicePixelRatio));
+    pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    prepare(painter, pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(qreal(pixmap.width()) / Units, qreal(pixmap.height()) / Units);
     painter.save();
     painter.translate(-10, 0);
     drawSimCard(painter, present ? Blue : Grey);

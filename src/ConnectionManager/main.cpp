@@ -275,6 +275,7 @@ int main(int argc, char *argv[])
     if (!hasScreen())
         useDesktopFontSize();
     QApplication::setWindowIcon(ModemIcon::simCard());
+    QApplication::setDesktopFileName("connection-manager");
     QApplication::setQuitOnLastWindowClosed(false);
     Languages::apply(line.language.isEmpty() ? Languages::ofDesktop() : line.language);
 
