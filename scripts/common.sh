@@ -15,6 +15,10 @@ test_packages="
   xvfb xauth openbox xdotool x11-utils
   lintian desktop-file-utils appstream
   pulseaudio pulseaudio-utils"
+# What takes the place of Qt 5's where everything is built with Qt 6.
+qt6_packages="
+  qt6-base-dev qt6-multimedia-dev
+  qt6-tools-dev qt6-l10n-tools qt6-translations-l10n"
 # Not on every architecture; the tests do without it where it is missing.
 multilib_package=g++-multilib
 
