@@ -48,7 +48,7 @@ bool ModemToolkit::isRepeated(cat::ByteView command, Time now) const
 {
     if (!std::equal(command.begin(), command.end(), m_command.begin(), m_command.end()))
         return false;
-    const bool isBeingAnswered = m_sent && !m_overtaken && now - m_commandAt < QuickestCard;
+    const bool isBeingAnswered = m_sent && !m_overtaken && now - m_sentAt < QuickestCard;
     return m_open || m_response || isBeingAnswered;
 }
 
@@ -61,7 +61,6 @@ void ModemToolkit::commandArrived(cat::ByteView command, bool wantsAnswer, Time 
         m_restAt = now + RestTime;
     if (wantsAnswer) {
         m_command = command.copy();
-        m_commandAt = now;
         m_open = true;
         m_response.reset(); // the answer to the command before comes too late
         m_overtaken = m_sent.has_value();
@@ -120,6 +119,7 @@ std::optional<ModemToolkit::Message> ModemToolkit::next(Time now)
         return std::nullopt;
     if (m_response) {
         m_sent = std::exchange(m_response, std::nullopt);
+        m_sentAt = now;
         return Message{Message::Kind::Response, m_sent->data};
     }
     if (!m_envelope)

@@ -79,10 +79,10 @@ private:
     bool m_running = false;
 
     cat::Bytes m_command; // the last that is to be answered
-    Time m_commandAt;
     bool m_open = false; // it waits for its answer
     std::optional<PortResponse> m_response; // to be sent
     std::optional<PortResponse> m_sent; // on its way
+    Time m_sentAt;
     bool m_overtaken = false; // a newer command came while that was on its way
     std::optional<PortEnvelope> m_envelope; // to be sent, or on its way
     bool m_envelopeSent = false;
