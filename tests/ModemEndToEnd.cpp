@@ -49,7 +49,7 @@ template <class Function> void atOnce(Function function)
 {
     const auto start = std::chrono::steady_clock::now();
     function();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s) << "waited for the modem";
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms) << "waited for the modem";
 }
 
 } // namespace
