@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ModemTraffic.h"
+#include "cat/Command.h"
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -42,14 +43,18 @@ void ModemToolkit::forget()
 
 // ---- From the card ----
 
-// Some modems tell a command twice.  The answer to the one is the answer to the other, and the card
-// wants only one.
+// Some modems tell a command twice, above all the menu where the toolkit is taken.  The answer to the
+// one is the answer to the other, and the card wants only one.  But a card may well ask the same
+// thing again, which a modem may tell before it tells that it has taken the answer to the first.
 bool ModemToolkit::isRepeated(cat::ByteView command, Time now) const
 {
     if (!std::equal(command.begin(), command.end(), m_command.begin(), m_command.end()))
         return false;
-    const bool isBeingAnswered = m_sent && !m_overtaken && now - m_sentAt < QuickestCard;
-    return m_open || m_response || isBeingAnswered;
+    if (m_open || m_response)
+        return true;
+    return m_sent && !m_overtaken &&
+        (now - m_sentAt < QuickestCard ||
+         std::holds_alternative<cat::SetUpMenu>(cat::decode(command).body));
 }
 
 void ModemToolkit::commandArrived(cat::ByteView command, bool wantsAnswer, Time now)
