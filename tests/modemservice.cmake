@@ -2,5 +2,6 @@
 # functions.
 stk_gtest(NAME TestText SOURCES TestText.cpp LIBS ModemServiceObjects)
 stk_gtest(NAME TestScenarioReader SOURCES TestScenarioReader.cpp LIBS ModemServiceObjects)
+stk_gtest(NAME TestSessionParts SOURCES TestSessionParts.cpp LIBS ModemServiceObjects)
 stk_gtest(NAME TestSession SOURCES TestSession.cpp LIBS ModemServiceObjects)
 target_compile_definitions(TestScenarioReader PRIVATE STK_CARDS_DIR="${PROJECT_SOURCE_DIR}/cards")

@@ -364,7 +364,7 @@ bool hasMenu()
 
 void setCommandListener(CommandListener listener)
 {
-    theSession().setCommandListener(std::move(listener));
+    theSession().callbacks().setListener(std::move(listener));
 }
 
 int addTranscriptListener(TranscriptListener listener)

@@ -138,22 +138,26 @@ TerminalResponse::Result resultOf(int32_t response)
 
 int32_t MOVA_STK_RegisterCallBack(MOVA_STKCallback pfnCallback)
 {
-    return theSession().registerCommandCallback(pfnCallback);
+    return theSession().registerCallback(ServiceFunction::RegisterCallBack, Callbacks::Command,
+                                         pfnCallback);
 }
 
 int32_t MOVA_DevSrv_RegisterDevMgrCallback(MOVA_DevMgrCallback pfnCallback)
 {
-    return theSession().registerDeviceCallback(pfnCallback);
+    return theSession().registerCallback(ServiceFunction::RegisterDevMgrCallback, Callbacks::Device,
+                                         pfnCallback);
 }
 
 int32_t MOVA_STK_UnRegisterCallBack(MOVA_STKCallback pfnCallback)
 {
-    return theSession().unregisterCommandCallback(pfnCallback);
+    return theSession().unregisterCallback(ServiceFunction::UnRegisterCallBack, Callbacks::Command,
+                                           pfnCallback);
 }
 
 int32_t MOVA_DevSrv_UnRegisterDevMgrCallback(MOVA_DevMgrCallback pfnCallback)
 {
-    return theSession().unregisterDeviceCallback(pfnCallback);
+    return theSession().unregisterCallback(ServiceFunction::UnRegisterDevMgrCallback,
+                                           Callbacks::Device, pfnCallback);
 }
 
 int32_t MOVA_STKSrv_GetMainMenu(MOVA_STKMenuInfo *pMenu)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "ServiceStatus.h"
+
 namespace {
 
 // In the order of ServiceFunction.
@@ -50,4 +52,10 @@ std::optional<ServiceFunction> functionByName(const std::string &name)
 std::vector<std::string> functionNames()
 {
     return {std::begin(FunctionNames), std::end(FunctionNames)};
+}
+
+int32_t faultStatus(const Faults &faults, ServiceFunction function)
+{
+    const auto fault = faults.find(function);
+    return fault == faults.end() ? StatusSuccess : fault->second;
 }

@@ -38,5 +38,7 @@ std::vector<std::string> functionNames();
 
 /// Calls that are made to fail, with the status that each returns (never 0).
 using Faults = std::map<ServiceFunction, int32_t>;
+/// The status that the call is made to return, success where it is not made to fail.
+int32_t faultStatus(const Faults &faults, ServiceFunction function);
 
 #endif

@@ -1,472 +1,300 @@
 #include "Session.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "ServiceStatus.h"
 
-using Lock = std::unique_lock<std::mutex>;
-
-namespace {
-
-constexpr Card::Time Never = Card::Time::max();
-
-// A terminal begins to wait for the card's next word when the call that answered has returned, and
-// takes what came before for old.  A card may be quicker than that: so much time the terminal gets.
-constexpr std::chrono::milliseconds HoldBack{20};
-// Whoever answers without a pause does not keep the card's word from others for ever.
-constexpr std::chrono::milliseconds LongestHoldBack = 10 * HoldBack;
-// A terminal that waits for the card's next word sees within 100 ms that there is one, and closes
-// nothing until then.  So much time it gets before the card or the modem is told to be gone.
-constexpr std::chrono::milliseconds BeforeGone = LongestHoldBack;
-
-int32_t faultStatus(const Faults &faults, ServiceFunction function)
-{
-    const auto fault = faults.find(function);
-    return fault == faults.end() ? StatusSuccess : fault->second;
-}
-
-bool givesDetails(ServiceFunction function)
-{
-    return function != ServiceFunction::AnswerInKey && function != ServiceFunction::AnswerInput &&
-        function != ServiceFunction::SelectSubMenuItem &&
-        function != ServiceFunction::SendNoDataResponse;
-}
-
-} // namespace
-
-class Session::Guard {
-public:
-    explicit Guard(Session &session)
-        : m_session(session)
-        , m_lock(session.m_mutex)
-    {
-    }
-    ~Guard()
-    {
-        m_lock.unlock();
-        m_session.m_transcript.deliver();
-    }
-
-private:
-    Session &m_session;
-    Lock m_lock;
-};
-
-class Session::Answering {
-public:
-    explicit Answering(Session &session)
-        : m_session(session)
-        , m_counts(std::this_thread::get_id() != session.m_thread.get_id())
-    {
-        if (!m_counts)
-            return;
-        std::lock_guard<std::mutex> lock(m_session.m_mutex);
-        ++m_session.m_answering;
-    }
-    ~Answering()
-    {
-        if (!m_counts)
-            return;
-        std::lock_guard<std::mutex> lock(m_session.m_mutex);
-        --m_session.m_answering;
-        m_session.m_heldUntil = std::max(m_session.m_heldUntil, Card::Clock::now() + HoldBack);
-        m_session.m_alarm.ring();
-    }
-    Answering(const Answering &) = delete;
-    Answering &operator=(const Answering &) = delete;
-
-private:
-    Session &m_session;
-    const bool m_counts;
-};
-
 Session::Session()
-    : m_thread(&Session::run, this)
+    : m_thread([this] { return work(); })
 {
 }
 
 Session::~Session()
 {
     stop(std::chrono::milliseconds(0));
-    m_thread.join();
 }
 
 bool Session::stop(std::chrono::milliseconds patience)
 {
     m_transcript.removeAllListeners();
-    Lock lock(m_mutex);
-    m_commandCallback = nullptr;
-    m_deviceCallback = nullptr;
-    m_stop = true;
-    if (m_card)
-        m_card->interrupt();
-    m_alarm.ring();
-    return m_returned.wait_for(lock, patience, [this] { return m_ended; });
+    m_callbacks.removeAll();
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_thread.discard(m_slot.exchange(nullptr));
+    }
+    return m_thread.stop(patience);
 }
 
 // ---- The terminal's side ----
 
-template <class Callback>
-int32_t Session::registerCallback(ServiceFunction function, Callback &slot, Callback callback)
+// Calls the function, which returns its status, with the lock held.
+template <class Function>
+int32_t Session::call(ServiceFunction name, std::optional<int16_t> commandId, Function function)
 {
-    Guard guard(*this);
-    if (!callback)
-        return refuse(function, std::nullopt, StatusBadArgument);
-    if (const int32_t fault = faultStatus(m_traits.faults, function))
-        return refuse(function, std::nullopt, fault);
-    if (slot && slot != callback)
-        return refuse(function, std::nullopt, StatusRegistered);
-    slot = callback;
-    return StatusSuccess;
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    const int32_t status = function();
+    if (status != StatusSuccess)
+        m_transcript.refused(name, commandId, status);
+    return status;
 }
 
-template <class Callback>
-int32_t Session::unregisterCallback(ServiceFunction function, Callback &slot, Callback callback,
-                                    Running kind)
+int32_t Session::registerCallback(ServiceFunction function, Callbacks::Kind kind,
+                                  Callbacks::Callback callback)
 {
-    {
-        Guard guard(*this);
-        if (const int32_t fault = faultStatus(m_traits.faults, function))
-            return refuse(function, std::nullopt, fault);
-        if (!callback || slot != callback)
-            return refuse(function, std::nullopt, StatusNotRegistered);
-        slot = nullptr;
-    }
-    Lock lock(m_mutex);
-    if (std::this_thread::get_id() != m_thread.get_id())
-        m_returned.wait(lock, [&] { return m_running != kind; });
-    return StatusSuccess;
+    return call(function, std::nullopt, [&] {
+        const int32_t fault = callback ? m_slot.fault(function) : StatusSuccess;
+        return fault ? fault : m_callbacks.add(kind, callback);
+    });
 }
 
-int32_t Session::registerCommandCallback(MOVA_STKCallback callback)
+int32_t Session::unregisterCallback(ServiceFunction function, Callbacks::Kind kind,
+                                    Callbacks::Callback callback)
 {
-    return registerCallback(ServiceFunction::RegisterCallBack, m_commandCallback, callback);
-}
-
-int32_t Session::registerDeviceCallback(MOVA_DevMgrCallback callback)
-{
-    return registerCallback(ServiceFunction::RegisterDevMgrCallback, m_deviceCallback, callback);
-}
-
-int32_t Session::unregisterCommandCallback(MOVA_STKCallback callback)
-{
-    return unregisterCallback(ServiceFunction::UnRegisterCallBack, m_commandCallback, callback,
-                              Running::CommandCallback);
-}
-
-int32_t Session::unregisterDeviceCallback(MOVA_DevMgrCallback callback)
-{
-    return unregisterCallback(ServiceFunction::UnRegisterDevMgrCallback, m_deviceCallback, callback,
-                              Running::DeviceCallback);
+    const int32_t status = call(function, std::nullopt, [&] {
+        const int32_t fault = m_slot.fault(function);
+        return fault ? fault : m_callbacks.remove(kind, callback);
+    });
+    if (status == StatusSuccess)
+        m_callbacks.waitForReturn(kind); // without the lock, which the callback may want
+    return status;
 }
 
 int32_t Session::mainMenu(CommandMenu &menu)
 {
-    Guard guard(*this);
-    if (const int32_t status = mainMenuStatus(ServiceFunction::GetMainMenu))
-        return refuse(ServiceFunction::GetMainMenu, std::nullopt, status);
-    menu = *commandMenu(m_menu->body);
-    return StatusSuccess;
+    constexpr ServiceFunction Name = ServiceFunction::GetMainMenu;
+    return call(Name, std::nullopt, [&] {
+        const int32_t status = m_slot.menuStatus(Name);
+        if (status == StatusSuccess)
+            menu = *m_slot.menu();
+        return status;
+    });
 }
 
 int32_t Session::selectMenuItem(int16_t itemId)
 {
-    constexpr ServiceFunction Function = ServiceFunction::SelectMenuItem;
-    const Answering answering(*this);
-    Guard guard(*this);
-    if (const int32_t status = mainMenuStatus(Function))
-        return refuse(Function, std::nullopt, status);
-    const CommandMenuItem *item = commandMenu(m_menu->body)->find(itemId);
-    if (!item)
-        return refuse(Function, std::nullopt, StatusUnknownItem);
-
-    const int16_t current = m_current ? m_current->id : int16_t(0);
-    if (const auto response = closeCurrent())
-        postResponse(current, *response);
-    m_transcript.selection(*item);
-    m_underWay = true;
-    ++m_selections;
-    post([this, card = m_card, itemId] {
-        std::optional<TerminalResponse> response;
-        {
-            // The card may have sent a command before it heard of the choice.
-            Guard inner(*this);
-            --m_selections;
-            response = closeCurrent();
-        }
-        if (response)
-            card->respond(*response, Card::Clock::now());
-        card->selectMenuItem(itemId, Card::Clock::now());
+    constexpr ServiceFunction Name = ServiceFunction::SelectMenuItem;
+    const Callbacks::Answering answering(m_callbacks);
+    return call(Name, std::nullopt, [&]() -> int32_t {
+        if (const int32_t status = m_slot.menuStatus(Name))
+            return status;
+        const CommandMenuItem *item = m_slot.menu()->find(itemId);
+        if (!item)
+            return StatusUnknownItem;
+        if (const auto response = m_dialogue.leave())
+            postResponse(m_dialogue.id(), *response);
+        m_dialogue.choose(*item);
+        m_thread.post([this, card = m_slot.card(), itemId] {
+            std::optional<TerminalResponse> response;
+            {
+                const Transcript::Scope scope(m_transcript, m_mutex);
+                response = m_dialogue.deliverChoice();
+            }
+            if (response)
+                card->respond(*response, Card::Clock::now());
+            card->selectMenuItem(itemId, Card::Clock::now());
+        });
+        return StatusSuccess;
     });
-    return StatusSuccess;
 }
 
 int32_t Session::details(ServiceFunction function, int16_t commandId, int32_t type,
                          CommandBody &body)
 {
-    Guard guard(*this);
-    if (const int32_t status = commandStatus(function, commandId, type))
-        return refuse(function, commandId, status);
-    body = m_current->command.body;
-    return StatusSuccess;
+    return call(function, commandId, [&] {
+        const int32_t status = commandStatus(function, commandId, type);
+        if (status == StatusSuccess)
+            body = m_dialogue.command()->body;
+        return status;
+    });
 }
 
 int32_t Session::selectSubMenuItem(int16_t commandId, int32_t action, int16_t itemId)
 {
-    constexpr ServiceFunction Function = ServiceFunction::SelectSubMenuItem;
+    constexpr ServiceFunction Name = ServiceFunction::SelectSubMenuItem;
     using Result = TerminalResponse::Result;
-    const Answering answering(*this);
-    Guard guard(*this);
-    if (const int32_t status = commandStatus(Function, commandId, SelectItem::Type))
-        return refuse(Function, commandId, status);
-    const bool knownItem = commandMenu(m_current->command.body)->find(itemId);
-    switch (action) {
-    case MOVA_SUBMENU_ACTION_SELECT:
-        if (!knownItem)
-            return refuse(Function, commandId, StatusUnknownItem);
-        answerCurrent({Result::Performed, itemId}, Function);
-        return StatusSuccess;
-    case MOVA_SUBMENU_ACTION_BACK:
-        answerCurrent({Result::BackwardMove}, Function);
-        return StatusSuccess;
-    case MOVA_SUBMENU_ACTION_NONE:
-        answerCurrent({Result::Terminated}, Function);
-        return StatusSuccess;
-    default:
-        return refuse(Function, commandId, StatusBadArgument);
-    }
+    const Callbacks::Answering answering(m_callbacks);
+    return call(Name, commandId, [&]() -> int32_t {
+        if (const int32_t status = commandStatus(Name, commandId, SelectItem::Type))
+            return status;
+        switch (action) {
+        case MOVA_SUBMENU_ACTION_SELECT:
+            if (!commandMenu(m_dialogue.command()->body)->find(itemId))
+                return StatusUnknownItem;
+            answerCurrent({Result::Performed, itemId}, Name);
+            return StatusSuccess;
+        case MOVA_SUBMENU_ACTION_BACK:
+            answerCurrent({Result::BackwardMove}, Name);
+            return StatusSuccess;
+        case MOVA_SUBMENU_ACTION_NONE:
+            answerCurrent({Result::Terminated}, Name);
+            return StatusSuccess;
+        default:
+            return StatusBadArgument;
+        }
+    });
 }
 
 int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t type,
                         const TerminalResponse &response)
 {
-    const Answering answering(*this);
-    Guard guard(*this);
-    if (function == ServiceFunction::AnswerInKey && isLate(commandId))
+    const Callbacks::Answering answering(m_callbacks);
+    return call(function, commandId, [&]() -> int32_t {
+        // A yes-no box outlives its command, and answers all the same.  To refuse that would be a
+        // terminal's failure to handle the command; it changes nothing, and whoever waits for the
+        // card's next word hears that there is none.
+        if (function == ServiceFunction::AnswerInKey && m_dialogue.isLateKey(commandId)) {
+            m_thread.post([this] { tellWhat([this] { return m_dialogue.endAgain(); }); });
+            return StatusSuccess;
+        }
+        if (const int32_t status = commandStatus(function, commandId, type))
+            return status;
+        const ProactiveCommand &command = *m_dialogue.command();
+        const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
+        if (enters && command.answerCoding) {
+            const auto value = cat::encodeTextString(*response.text, *command.answerCoding);
+            if (!value)
+                return StatusNotEncodable;
+            if (value->size() > command.answerRoom)
+                return StatusTooLong;
+        }
+        answerCurrent(response, function);
         return StatusSuccess;
-    if (const int32_t status = commandStatus(function, commandId, type))
-        return refuse(function, commandId, status);
-    const auto &coding = m_current->command.answerCoding;
-    const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
-    if (enters && coding) {
-        const auto value = cat::encodeTextString(*response.text, *coding);
-        if (!value)
-            return refuse(function, commandId, StatusNotEncodable);
-        if (value->size() > m_current->command.answerRoom)
-            return refuse(function, commandId, StatusTooLong);
-    }
-    answerCurrent(response, function);
-    return StatusSuccess;
+    });
 }
 
 int32_t Session::refuseArgument(ServiceFunction function, std::optional<int16_t> commandId)
 {
-    Guard guard(*this);
-    return refuse(function, commandId, StatusBadArgument);
+    return call(function, commandId, [] { return StatusBadArgument; });
 }
 
 int32_t Session::releaseStatus(ServiceFunction function)
 {
-    Guard guard(*this);
-    int32_t fault = faultStatus(m_traits.faults, function);
-    if (!fault && function == ServiceFunction::ReleaseMenus && m_menu)
-        fault = faultStatus(m_menu->faults, function);
-    if (!fault && function == ServiceFunction::ReleaseSubMenus && m_current)
-        fault = faultStatus(m_current->command.faults, function);
-    return fault ? refuse(function, std::nullopt, fault) : StatusSuccess;
+    return call(function, std::nullopt, [&] {
+        if (const int32_t fault = m_slot.fault(function))
+            return fault;
+        return function == ServiceFunction::ReleaseMenus ? m_slot.menuFault(function)
+                                                         : m_dialogue.fault(function);
+    });
 }
 
 // ---- The network's side ----
 
 void Session::insertCard(std::unique_ptr<Card> card)
 {
-    Guard guard(*this);
-    if (!m_card && !card)
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    if (!m_slot.card() && !card)
         return;
-    const bool wasReady = m_card && !m_removed;
+    const bool wasReady = m_slot.isReady();
     forgetSession();
-    if (m_card) {
-        m_transcript.cardClosed();
-        m_card->interrupt();
-        m_oldCards.push_back(std::move(m_card));
-    }
-    m_menu.reset();
-    m_removed = false;
-    m_card = std::move(card);
-    m_traits = m_card ? m_card->traits() : CardTraits();
-    if (m_card)
-        m_transcript.cardOpened(m_traits.name);
-    if (!m_card && wasReady)
-        postDevice(MOVA_DEV_EVENT_DEVICE_NOT_READY);
-    if (m_card && !wasReady)
-        postDevice(MOVA_DEV_EVENT_DEVICE_READY);
-    if (m_card)
-        post([inserted = m_card] { inserted->powerOn(Card::Clock::now()); });
+    m_thread.discard(m_slot.exchange(std::move(card)));
+    if (m_slot.isReady() != wasReady)
+        postDevice(wasReady ? MOVA_DEV_EVENT_DEVICE_NOT_READY : MOVA_DEV_EVENT_DEVICE_READY);
+    if (m_slot.card())
+        postPowerOn();
 }
 
 void Session::removeModem()
 {
-    Guard guard(*this);
-    if (!m_card || m_removed)
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    if (!m_slot.isReady())
         return;
-    post([card = m_card] { card->powerOff(); });
+    m_thread.post([card = m_slot.card()] { card->powerOff(); });
     loseModem();
 }
 
 void Session::insertModem()
 {
-    Guard guard(*this);
-    if (!m_card || !m_removed)
-        return;
-    forgetSession();
-    m_removed = false;
-    m_transcript.device(true);
-    postDevice(MOVA_DEV_EVENT_DEVICE_READY);
-    post([card = m_card] { card->powerOn(Card::Clock::now()); });
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    if (m_slot.isRemoved())
+        regainModem();
 }
 
 void Session::endSession()
 {
-    Guard guard(*this);
-    post([this, card = m_card] {
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    m_thread.post([this, card = m_slot.card()] {
         if (card)
             card->endSession();
-        Lock lock(m_mutex);
-        reportEndOfSession(lock);
+        tellWhat([this] { return m_dialogue.end(); });
     });
 }
 
 void Session::timeOutSession()
 {
-    Guard guard(*this);
-    post([this, card = m_card] {
-        Lock lock(m_mutex);
-        const bool unanswered =
-            m_current && m_current->open && !isAnsweredByModem(m_current->command.body);
-        lock.unlock();
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    m_thread.post([this, card = m_slot.card()] {
+        bool unanswered;
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            unanswered = m_dialogue.waitsForUser();
+        }
         if (card && unanswered)
             card->respond({TerminalResponse::Result::NoResponse}, Card::Clock::now());
         if (card)
             card->endSession();
-        lock.lock();
-        reportTimeOut(lock);
+        tellWhat([this] { return m_dialogue.timeOut(); });
     });
 }
 
 CardHost::ModemState Session::state()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_card)
-        return CardHost::ModemState::NoCard;
-    if (m_removed)
-        return CardHost::ModemState::Removed;
-    return m_underWay ? CardHost::ModemState::Busy : CardHost::ModemState::Ready;
+    return m_slot.state(m_dialogue.isUnderWay());
 }
 
 bool Session::hasMenu()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_menu && !commandMenu(m_menu->body)->items.empty();
-}
-
-void Session::setCommandListener(CardHost::CommandListener listener)
-{
-    std::lock_guard<std::mutex> lock(m_listenerMutex);
-    m_commandListener = std::move(listener);
+    return m_slot.menu() && !m_slot.menu()->items.empty();
 }
 
 void Session::withCard(std::function<void(Card &)> function, bool alsoWhileRemoved)
 {
-    Guard guard(*this);
-    if (m_card && (!m_removed || alsoWhileRemoved))
-        post([card = m_card, function = std::move(function)] { function(*card); });
+    const Transcript::Scope scope(m_transcript, m_mutex);
+    if (m_slot.isReady() || (m_slot.card() && alsoWhileRemoved))
+        m_thread.post([card = m_slot.card(), function = std::move(function)] { function(*card); });
 }
 
 // ---- With the lock held ----
 
-// Success where a card can be spoken to and wants the call to work.
-int32_t Session::cardStatus(ServiceFunction function) const
-{
-    if (!m_card)
-        return StatusNoCard;
-    if (m_removed)
-        return StatusModemRemoved;
-    return faultStatus(m_traits.faults, function);
-}
-
-int32_t Session::mainMenuStatus(ServiceFunction function) const
-{
-    if (const int32_t status = cardStatus(function))
-        return status;
-    return m_menu ? faultStatus(m_menu->faults, function) : int32_t(StatusNoMenu);
-}
-
 int32_t Session::commandStatus(ServiceFunction function, int16_t commandId, int32_t type) const
 {
-    if (const int32_t status = cardStatus(function))
-        return status;
-    if (!m_current || m_current->id != commandId)
-        return StatusNotInProgress;
-    const CommandBody &body = m_current->command.body;
-    const bool readable = givesDetails(function) && isAnsweredByModem(body);
-    if (!m_current->open && !readable)
-        return StatusNotInProgress;
-    const bool withoutDetails = std::holds_alternative<UnknownCommand>(body);
-    if (commandType(body) != type ||
-        (withoutDetails && function != ServiceFunction::SendNoDataResponse))
-        return StatusWrongCommand;
-    return faultStatus(m_current->command.faults, function);
+    const int32_t status = m_slot.status(function);
+    return status == StatusSuccess ? m_dialogue.status(function, commandId, type) : status;
 }
 
-int32_t Session::refuse(ServiceFunction function, std::optional<int16_t> commandId, int32_t status)
+void Session::answerCurrent(const TerminalResponse &response,
+                            std::optional<ServiceFunction> function)
 {
-    m_transcript.refused(function, commandId, status);
-    return status;
-}
-
-void Session::post(Request request)
-{
-    m_requests.push_back(std::move(request));
-    m_alarm.ring();
+    m_dialogue.answer(response, function);
+    postResponse(m_dialogue.id(), response);
 }
 
 void Session::postResponse(int16_t commandId, const TerminalResponse &response)
 {
-    post([this, card = m_card, commandId, response] {
+    m_thread.post([this, card = m_slot.card(), commandId, response] {
         {
             // A card that does not wait may have sent another command before it heard the answer.
             std::lock_guard<std::mutex> lock(m_mutex);
-            if (m_current && m_current->id != commandId)
+            if (m_dialogue.command() && m_dialogue.id() != commandId)
                 return;
         }
         card->respond(response, Card::Clock::now());
     });
 }
 
-void Session::answerCurrent(const TerminalResponse &response,
-                            std::optional<ServiceFunction> function)
+void Session::postPowerOn()
 {
-    m_transcript.response(m_current->id, m_current->command.body, response, function);
-    m_current->open = false;
-    postResponse(m_current->id, response);
+    m_thread.post([card = m_slot.card()] { card->powerOn(Card::Clock::now()); });
 }
 
-// Ends the command in progress for the user, who went on to something else.  The result, if any, is
-// still to be told to the card.
-std::optional<TerminalResponse> Session::closeCurrent()
+void Session::postDevice(int code)
 {
-    if (!m_current || !m_current->open)
-        return std::nullopt;
-    using Result = TerminalResponse::Result;
-    const CommandBody &body = m_current->command.body;
-    const TerminalResponse response = isAnsweredByModem(body)
-        ? m_current->command.modemAnswer
-        : TerminalResponse{Result::Terminated};
-    m_transcript.response(m_current->id, body, response, std::nullopt);
-    dropCurrent();
-    return response;
+    m_thread.post([this, code] {
+        m_transcript.deliver();
+        m_callbacks.callDevice(code);
+    });
 }
 
 // What the card was about to do, and what it was to be told, does not count any more.  Whoever
@@ -474,283 +302,108 @@ std::optional<TerminalResponse> Session::closeCurrent()
 void Session::forgetSession()
 {
     ++m_epoch;
-    dropCurrent();
-    if (!std::exchange(m_underWay, false))
-        return;
-    const int16_t id = newCommandId();
-    m_transcript.endOfSession(id);
-    post([this, id] {
-        Lock lock(m_mutex);
-        callCommand(MOVA_STKTYPE_END_SESSION, id, false, lock);
-    });
+    m_callbacks.hurry();
+    if (const auto word = m_dialogue.forget())
+        m_thread.post([this, word = *word] { tell(word); });
 }
 
 void Session::loseModem()
 {
     forgetSession();
-    m_menu.reset();
-    m_removed = true;
-    m_transcript.device(false);
+    m_slot.removeModem();
     postDevice(MOVA_DEV_EVENT_DEVICE_REMOVED);
 }
 
-void Session::postDevice(int code)
+void Session::regainModem()
 {
-    post([this, code] {
-        Lock lock(m_mutex);
-        callDevice(code, lock);
-    });
+    forgetSession();
+    m_slot.insertModem();
+    postDevice(MOVA_DEV_EVENT_DEVICE_READY);
+    postPowerOn();
 }
 
-void Session::dropCurrent()
+std::optional<Session::Word> Session::handle(CardEvent &event)
 {
-    if (!m_current)
-        return;
-    const auto *inkey = std::get_if<GetInkey>(&m_current->command.body);
-    if (m_current->open && inkey && inkey->inputType == YesOrNo)
-        m_lateKeyId = m_current->id;
-    m_current.reset();
+    if (auto *command = std::get_if<ProactiveCommand>(&event)) {
+        if (std::holds_alternative<SetUpMenu>(command->body))
+            m_slot.setMenu(*command);
+        return m_dialogue.begin(std::move(*command), m_slot.traits().modemTime, Card::Clock::now());
+    }
+    if (std::holds_alternative<SessionEnd>(event))
+        return m_dialogue.endByCard();
+    if (std::holds_alternative<SessionTimeOut>(event))
+        return m_dialogue.timeOut();
+    if (std::holds_alternative<ModemRemoved>(event) && m_slot.isReady())
+        loseModem();
+    else if (std::holds_alternative<ModemReady>(event) && m_slot.isRemoved())
+        regainModem();
+    return std::nullopt;
 }
 
-// A yes-no box outlives its command, and answers all the same.  To refuse that would be a
-// terminal's failure to handle the command; it changes nothing, and whoever waits for the card's
-// next word hears that there is none.
-bool Session::isLate(int16_t keyId)
+std::optional<Session::Word> Session::passDeadline()
 {
-    if (m_lateKeyId != keyId || isCurrent(keyId))
-        return false;
-    m_lateKeyId.reset();
-    post([this] {
-        Lock lock(m_mutex);
-        if (!m_current && !m_underWay)
-            reportEndOfSession(lock);
-    });
-    return true;
-}
-
-int16_t Session::newCommandId()
-{
-    const bool last = m_lastCommandId == std::numeric_limits<int16_t>::max();
-    m_lastCommandId = last ? int16_t(1) : int16_t(m_lastCommandId + 1);
-    return m_lastCommandId;
-}
-
-Card::Time Session::deadline() const
-{
-    return m_current && m_current->open ? m_current->deadline : Never;
+    if (!m_dialogue.waitsForUser()) {
+        answerCurrent(m_dialogue.command()->modemAnswer, std::nullopt);
+        return std::nullopt;
+    }
+    postResponse(m_dialogue.id(), {TerminalResponse::Result::NoResponse});
+    return m_dialogue.timeOut();
 }
 
 // ---- On the session's thread ----
 
-void Session::run()
+std::optional<SessionThread::Pause> Session::work()
 {
-    Lock lock(m_mutex);
-    while (true) {
-        if (runRequest(lock))
-            continue;
-        if (m_stop)
-            break;
-        Card::Time wakeUp = Never;
-        if (pollCard(lock, wakeUp) || passDeadline(lock))
-            continue;
-        if (!m_requests.empty() || m_stop)
-            continue;
-        // Nobody but this thread destroys a card.
-        const Card::Time until = std::min(wakeUp, deadline());
-        const int descriptor = m_card ? m_card->descriptor() : -1;
-        lock.unlock();
-        m_alarm.wait(until, descriptor);
-        lock.lock();
+    std::shared_ptr<Card> card;
+    unsigned epoch = 0;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_thread.hasRequests()) // a card is switched on before it is asked
+            return std::nullopt;
+        card = m_slot.card();
+        epoch = m_epoch;
     }
-    const auto oldCards = std::exchange(m_oldCards, {});
-    const auto card = std::exchange(m_card, nullptr);
-    m_ended = true;
-    m_returned.notify_all();
+    SessionThread::Pause pause{Card::Time::max(), -1};
+    std::optional<CardEvent> event;
+    if (card) {
+        event = card->nextEvent(Card::Clock::now());
+        pause = {card->wakeUp(), card->descriptor()};
+    }
+    bool rests = false;
+    tellWhat([&]() -> std::optional<Word> {
+        if (event)
+            return epoch == m_epoch ? handle(*event) : std::nullopt;
+        const Card::Time deadline = m_dialogue.deadline();
+        if (deadline <= Card::Clock::now())
+            return passDeadline();
+        pause.until = std::min(pause.until, deadline);
+        rests = true;
+        return std::nullopt;
+    });
+    return rests ? std::optional(pause) : std::nullopt;
 }
 
-bool Session::runRequest(Lock &lock)
+// Calls the function, which finds out what is to be told, if anything, with the lock held.
+template <class Function> void Session::tellWhat(Function function)
 {
-    if (m_requests.empty() && m_oldCards.empty())
-        return false;
-    auto oldCards = std::exchange(m_oldCards, {});
-    Request request;
-    if (!m_requests.empty()) {
-        request = std::move(m_requests.front());
-        m_requests.pop_front();
+    std::optional<Word> word;
+    {
+        const Transcript::Scope scope(m_transcript, m_mutex);
+        word = function();
     }
-    lock.unlock();
-    oldCards.clear();
-    if (request)
-        request();
-    request = nullptr; // may hold the last reference to a card
+    if (word)
+        tell(*word);
+}
+
+void Session::tell(const Word &word)
+{
     m_transcript.deliver();
-    lock.lock();
-    return true;
-}
-
-bool Session::pollCard(Lock &lock, Card::Time &wakeUp)
-{
-    if (!m_card)
-        return false;
-    const std::shared_ptr<Card> card = m_card;
-    const unsigned epoch = m_epoch;
-    lock.unlock();
-    std::optional<CardEvent> event = card->nextEvent(Card::Clock::now());
-    wakeUp = card->wakeUp();
-    m_transcript.deliver();
-    lock.lock();
-    if (!event)
-        return false;
-    if (epoch == m_epoch)
-        handle(*event, lock);
-    return true;
-}
-
-bool Session::passDeadline(Lock &lock)
-{
-    if (Card::Clock::now() < deadline())
-        return false;
-    if (isAnsweredByModem(m_current->command.body)) {
-        answerCurrent(m_current->command.modemAnswer, std::nullopt);
-        return true;
+    m_callbacks.holdBack();
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_dialogue.isNews(word))
+            return;
     }
-    postResponse(m_current->id, {TerminalResponse::Result::NoResponse});
-    reportTimeOut(lock);
-    return true;
-}
-
-void Session::handle(CardEvent &event, Lock &lock)
-{
-    if (auto *command = std::get_if<ProactiveCommand>(&event)) {
-        announce(std::move(*command), lock);
-    } else if (std::holds_alternative<SessionEnd>(event)) {
-        // The card's main menu alone, at its start, is no session that anybody saw begin.
-        // Nor does the end of the session before end the one that the user has just chosen.
-        if (m_underWay && m_selections == 0)
-            reportEndOfSession(lock);
-        dropCurrent();
-    } else if (std::holds_alternative<SessionTimeOut>(event)) {
-        reportTimeOut(lock);
-    } else if (std::holds_alternative<ModemRemoved>(event) && !m_removed) {
-        loseModem();
-    } else if (std::holds_alternative<ModemReady>(event) && m_removed) {
-        lock.unlock();
-        insertModem();
-        lock.lock();
-    }
-}
-
-void Session::announce(ProactiveCommand command, Lock &lock)
-{
-    if (m_current && m_current->open)
-        m_transcript.overtaken(m_current->id, m_current->command.body);
-    const int16_t id = newCommandId();
-    const int32_t type = commandType(command.body);
-    m_transcript.command(id, command.body);
-    const bool isMenu = std::holds_alternative<SetUpMenu>(command.body);
-    if (isMenu)
-        m_menu = command;
-    else
-        m_underWay = true;
-
-    // To keep a menu takes the modem no time.
-    const bool byModem = isAnsweredByModem(command.body);
-    const auto modemTime = isMenu ? std::chrono::milliseconds(0) : m_traits.modemTime;
-    const std::chrono::milliseconds time = byModem ? modemTime : command.responseTime;
-    const bool forEver = !byModem && time.count() == 0;
-    const Card::Time deadline = forEver ? Never : Card::Clock::now() + time;
-    dropCurrent();
-    m_current = CommandInProgress{id, std::move(command), true, deadline};
-    callCommand(type, id, false, lock);
-}
-
-void Session::reportEndOfSession(Lock &lock)
-{
-    dropCurrent();
-    m_underWay = false;
-    const int16_t id = newCommandId();
-    m_transcript.endOfSession(id);
-    callCommand(MOVA_STKTYPE_END_SESSION, id, false, lock);
-}
-
-void Session::reportTimeOut(Lock &lock)
-{
-    const int16_t id = m_current ? m_current->id : newCommandId();
-    const int32_t type =
-        m_current ? commandType(m_current->command.body) : int32_t(MOVA_STKTYPE_END_SESSION);
-    dropCurrent();
-    m_underWay = false;
-    m_transcript.timeOut(id);
-    callCommand(type, id, true, lock);
-}
-
-void Session::callCommand(int32_t type, int16_t id, bool timeOut, Lock &lock)
-{
-    lock.unlock();
-    m_transcript.deliver();
-    lock.lock();
-    const bool isCommand = isCurrent(id);
-    holdBack(lock);
-    // The user may have gone on meanwhile: then the word would be taken for the card's next one.
-    const bool stale = isCommand ? !isCurrent(id) : !timeOut && m_underWay;
-    const MOVA_STKCallback callback = stale ? nullptr : m_commandCallback;
-    m_running = Running::CommandCallback;
-    lock.unlock();
-    if (callback) {
-        if (isCommand)
-            tellListener(type);
-        MOVA_STKNotifyData data{static_cast<_MOVA_EN_STKTYPE>(type), id, timeOut};
-        callback(0, &data);
-    }
-    lock.lock();
-    if (callback)
-        m_toldAt = Card::Clock::now();
-    m_running = Running::None;
-    m_returned.notify_all();
-}
-
-void Session::tellListener(int32_t type)
-{
-    std::lock_guard<std::mutex> lock(m_listenerMutex);
-    if (m_commandListener)
-        m_commandListener(type);
-}
-
-bool Session::isCurrent(int16_t id) const
-{
-    return m_current && m_current->id == id;
-}
-
-// Waits until no call answers, and none has returned just now.
-void Session::holdBack(Lock &lock)
-{
-    unsigned epoch = m_epoch;
-    Card::Time now = Card::Clock::now();
-    Card::Time latest = now + LongestHoldBack;
-    while (m_commandCallback && now < latest && (m_answering != 0 || now < m_heldUntil)) {
-        if (std::exchange(epoch, m_epoch) != m_epoch) // another card, or none: it waits to be told
-            latest = std::min(latest, now + HoldBack);
-        const Card::Time until = m_answering != 0 ? latest : std::min(latest, m_heldUntil);
-        lock.unlock();
-        m_alarm.wait(until);
-        lock.lock();
-        now = Card::Clock::now();
-    }
-}
-
-void Session::callDevice(int code, Lock &lock)
-{
-    if (code != MOVA_DEV_EVENT_DEVICE_READY) {
-        m_heldUntil = std::max(m_heldUntil, m_toldAt + BeforeGone);
-        holdBack(lock);
-    }
-    const MOVA_DevMgrCallback callback = m_deviceCallback;
-    m_running = Running::DeviceCallback;
-    lock.unlock();
-    m_transcript.deliver();
-    if (callback)
-        callback(code, nullptr);
-    lock.lock();
-    m_running = Running::None;
-    m_returned.notify_all();
+    m_callbacks.callCommand({static_cast<_MOVA_EN_STKTYPE>(word.type), word.id, word.timeOut},
+                            word.isCommand);
 }

@@ -2,31 +2,27 @@
 #define SESSION_H
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <thread>
-#include <vector>
 
-#include "Alarm.h"
+#include "Callbacks.h"
 #include "Card.h"
 #include "CardHost.h"
-#include "ProactiveCommand.h"
+#include "CardSlot.h"
+#include "Dialogue.h"
+#include "SessionThread.h"
 #include "Transcript.h"
 
-/// The toolkit session between one card and one terminal.
+/// The toolkit session between one card and one terminal: pairs the terminal's answers with the
+/// card's commands.
 ///
-/// It has a thread of its own, on which the card lives and both callbacks are called, one at a time
-/// and in order.  Every function may be called from any thread, from inside a callback too, and
-/// returns without waiting for the card; those that return a number return a ServiceStatus, or the
-/// status of a fault that the card asked for.
-///
-/// What follows from an answer is never told before the call that gave the answer has returned, and
-/// its caller had the time to note that; an answer given inside a callback is no such case.
+/// It has a thread of its own, on which the card lives and both callbacks are called.  Every
+/// function may be called from any thread, from inside a callback too, and returns without waiting
+/// for the card; those that return a number return a ServiceStatus, or the status of a fault that
+/// the card asked for.
 class Session {
 public:
     Session();
@@ -39,12 +35,10 @@ public:
 
     // The terminal's side.
 
-    /// One callback of each kind: a second one fails, the same one again is a success.
-    int32_t registerCommandCallback(MOVA_STKCallback callback);
-    int32_t registerDeviceCallback(MOVA_DevMgrCallback callback);
-    /// No call of the callback is running on another thread when these return, and none will start.
-    int32_t unregisterCommandCallback(MOVA_STKCallback callback);
-    int32_t unregisterDeviceCallback(MOVA_DevMgrCallback callback);
+    int32_t registerCallback(ServiceFunction function, Callbacks::Kind kind,
+                             Callbacks::Callback callback);
+    int32_t unregisterCallback(ServiceFunction function, Callbacks::Kind kind,
+                               Callbacks::Callback callback);
 
     int32_t mainMenu(CommandMenu &menu);
     int32_t selectMenuItem(int16_t itemId);
@@ -70,8 +64,6 @@ public:
     void timeOutSession();
     CardHost::ModemState state();
     bool hasMenu();
-    /// Heard on the session's thread, right before the command callback is called with a command.
-    void setCommandListener(CardHost::CommandListener listener);
     /// Runs the function with the card that is in the modem now, on the session's thread; never
     /// where there is none or, if that matters, the modem was removed by then.
     void withCard(std::function<void(Card &)> function, bool alsoWhileRemoved = false);
@@ -79,97 +71,46 @@ public:
     template <class Kind> bool hasCard()
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        return dynamic_cast<const Kind *>(m_card.get());
+        return dynamic_cast<const Kind *>(m_slot.card().get());
     }
 
     Transcript &transcript() { return m_transcript; }
+    Callbacks &callbacks() { return m_callbacks; }
 
 private:
-    // Locks the session; at its end tells the transcript what happened under the lock.
-    class Guard;
-    // A call that answers the card, from its beginning to its return.
-    class Answering;
+    using Word = Dialogue::Word;
 
-    struct CommandInProgress {
-        int16_t id = 0;
-        ProactiveCommand command;
-        bool open = true; // waits for its answer
-        Card::Time deadline;
-    };
+    template <class Function>
+    int32_t call(ServiceFunction name, std::optional<int16_t> commandId, Function function);
 
-    enum class Running { None, CommandCallback, DeviceCallback };
-    using Request = std::function<void()>;
-
-    template <class Callback>
-    int32_t registerCallback(ServiceFunction function, Callback &slot, Callback callback);
-    template <class Callback>
-    int32_t unregisterCallback(ServiceFunction function, Callback &slot, Callback callback,
-                               Running kind);
-
-    // With the lock held:
-    int32_t cardStatus(ServiceFunction function) const;
+    // With the lock held.
     int32_t commandStatus(ServiceFunction function, int16_t commandId, int32_t type) const;
-    int32_t refuse(ServiceFunction function, std::optional<int16_t> commandId, int32_t status);
-    int32_t mainMenuStatus(ServiceFunction function) const;
-    void post(Request request);
-    void postResponse(int16_t commandId, const TerminalResponse &response);
     void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
-    std::optional<TerminalResponse> closeCurrent();
+    void postResponse(int16_t commandId, const TerminalResponse &response);
+    void postPowerOn();
+    void postDevice(int code);
     void forgetSession();
     void loseModem();
-    void postDevice(int code);
-    void dropCurrent();
-    bool isLate(int16_t keyId);
-    int16_t newCommandId();
-    Card::Time deadline() const;
+    void regainModem();
+    std::optional<Word> handle(CardEvent &event);
+    std::optional<Word> passDeadline();
 
-    // On the session's thread:
-    void run();
-    bool runRequest(std::unique_lock<std::mutex> &lock);
-    bool pollCard(std::unique_lock<std::mutex> &lock, Card::Time &wakeUp);
-    bool passDeadline(std::unique_lock<std::mutex> &lock);
-    void handle(CardEvent &event, std::unique_lock<std::mutex> &lock);
-    void announce(ProactiveCommand command, std::unique_lock<std::mutex> &lock);
-    void reportEndOfSession(std::unique_lock<std::mutex> &lock);
-    void reportTimeOut(std::unique_lock<std::mutex> &lock);
-    void callCommand(int32_t type, int16_t id, bool timeOut, std::unique_lock<std::mutex> &lock);
-    bool isCurrent(int16_t id) const;
-    void holdBack(std::unique_lock<std::mutex> &lock);
-    void tellListener(int32_t type);
-    void callDevice(int code, std::unique_lock<std::mutex> &lock);
+    // On the session's thread, without the lock.
+    std::optional<SessionThread::Pause> work();
+    template <class Function> void tellWhat(Function function);
+    void tell(const Word &word);
 
+    // These have locks of their own, under which they take no other.
     Transcript m_transcript;
+    Callbacks m_callbacks;
+
+    // Guards the next three.  While it is held nobody is called, and nothing is waited for.
     std::mutex m_mutex;
-    Alarm m_alarm; // for the session's thread
-    std::condition_variable m_returned; // a callback has returned
-
-    MOVA_STKCallback m_commandCallback = nullptr;
-    MOVA_DevMgrCallback m_deviceCallback = nullptr;
-    Running m_running = Running::None;
-    int m_selections = 0; // that the card has not heard of yet
-    int m_answering = 0; // calls under way that answer, on other threads than the session's
-    Card::Time m_heldUntil; // since the last one returned
-    Card::Time m_toldAt; // when the command callback has last returned
-
-    std::shared_ptr<Card> m_card;
-    std::vector<std::shared_ptr<Card>> m_oldCards; // to be destroyed on the session's thread
-    CardTraits m_traits;
+    CardSlot m_slot{m_transcript};
+    Dialogue m_dialogue{m_transcript};
     unsigned m_epoch = 0; // changes where what the card is doing no longer counts
-    bool m_removed = false;
-    bool m_underWay = false; // a proactive session that is more than the card's main menu
-    std::optional<ProactiveCommand> m_menu;
-    std::optional<CommandInProgress> m_current;
-    int16_t m_lastCommandId = 0;
-    std::optional<int16_t> m_lateKeyId; // a yes-no question that ended unanswered
 
-    // Called with its lock held, so that none is running when its successor has been set.
-    std::mutex m_listenerMutex;
-    CardHost::CommandListener m_commandListener;
-
-    std::deque<Request> m_requests;
-    bool m_stop = false;
-    bool m_ended = false; // the thread is done with everything here
-    std::thread m_thread;
+    SessionThread m_thread; // the last one: it uses the others
 };
 
 #endif

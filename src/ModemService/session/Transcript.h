@@ -54,6 +54,25 @@ public:
     /// once.
     void deliver();
 
+    /// Holds the lock that guards the order of what is written; at its end lets it go and tells.
+    class Scope {
+    public:
+        Scope(Transcript &transcript, std::mutex &mutex)
+            : m_transcript(transcript)
+            , m_lock(mutex)
+        {
+        }
+        ~Scope()
+        {
+            m_lock.unlock();
+            m_transcript.deliver();
+        }
+
+    private:
+        Transcript &m_transcript;
+        std::unique_lock<std::mutex> m_lock;
+    };
+
 private:
     struct Line; // an entry under construction
 
