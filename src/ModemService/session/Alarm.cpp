@@ -31,7 +31,8 @@ void Alarm::wait(Time until, int descriptor)
         std::clamp<nanoseconds>(until - steady_clock::now(), nanoseconds(0), Longest);
     const timespec time{duration_cast<seconds>(left).count(), (left % seconds(1)).count()};
     pollfd events[] = {{m_bell, POLLIN, 0}, {descriptor, POLLIN, 0}};
-    ppoll(events, 2, &time, nullptr);
+    if (ppoll(events, 2, &time, nullptr) <= 0 || !events[0].revents)
+        return;
     uint64_t rings = 0;
     [[maybe_unused]] const ssize_t count = read(m_bell, &rings, sizeof rings);
 }
