@@ -21,7 +21,7 @@
 #include "host/IUIPlugin.h"
 #include "platform/ModemService.h"
 
-// ---- The service ----
+// ---- The service: what the plug-in calls in place of a modem; 0 is success ----
 
 namespace {
 
@@ -61,6 +61,7 @@ template <size_t units> int32_t putCommandText(int16_t id, uint16_t (&to)[units]
     return id == commandId ? put(commandText, to) : -1;
 }
 
+// Tells the plug-in what the card sends next.
 int32_t send(const Command &command)
 {
     // Not at once: the call that leads to a command has to return before the command comes.
@@ -72,6 +73,17 @@ int32_t send(const Command &command)
         callback(0, &data);
     });
     return 0;
+}
+
+// The first answer of a command ends it; there is no other.
+int32_t answer(int16_t id, const Command &next)
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    if (id != commandId)
+        return -1;
+    ++commandId;
+    lock.unlock();
+    return send(next);
 }
 
 } // namespace
@@ -127,17 +139,18 @@ int32_t MOVA_STKSrv_GetInputRequest(int16_t sCmdId, MOVA_STKInputInfo *pInfo)
     return putCommandText(sCmdId, pInfo->szText);
 }
 
-int32_t MOVA_STKSrv_AnswerInput(int16_t, int32_t bAccepted, const uint16_t *szText)
+int32_t MOVA_STKSrv_AnswerInput(int16_t sCmdId, int32_t bAccepted, const uint16_t *szText)
 {
     if (!bAccepted)
-        return send(EndOfSession);
+        return answer(sCmdId, EndOfSession);
     const std::u16string name(szText, std::find(szText, szText + MOVA_TEXT_UNITS, 0));
-    return send({MOVA_STKTYPE_DISPLAY_TEXT, u"Nice to meet you, " + name + u"."});
+    return answer(sCmdId, {MOVA_STKTYPE_DISPLAY_TEXT, u"Nice to meet you, " + name + u"."});
 }
 
-int32_t MOVA_STKSrv_SendNoDataResponse(int16_t, _STK_UI_EN_STKTYPE, _STK_UI_EN_TERMINALRESPONSE)
+int32_t MOVA_STKSrv_SendNoDataResponse(int16_t sCmdId, _STK_UI_EN_STKTYPE,
+                                       _STK_UI_EN_TERMINALRESPONSE)
 {
-    return send(EndOfSession); // a text was read, or refused
+    return answer(sCmdId, EndOfSession); // a text was read, or refused
 }
 
 // What the plug-in wants to be there, and this card has no use for.
@@ -185,7 +198,7 @@ int run(IUIPlugin *ui, INotify *notify)
 {
     QWidget window;
     window.setWindowTitle("Minimal host");
-    window.resize(460, 440);
+    window.resize(460, 560);
     QPushButton toolkit("SIM toolkit");
     QComboBox language;
     QVBoxLayout layout(&window);

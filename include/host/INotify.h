@@ -3,11 +3,14 @@
 
 #include <QObject>
 
-/* How the host tells a plug-in of a change.  The codes and their parameters are the host's. */
+/* How the host tells a plug-in of a change, on the GUI thread.  The codes and their parameters are
+ * the host's; a plug-in passes over those that it has no use for.  0x400, whose parameters mean
+ * nothing, tells that Change::tr() has the texts of another language from now on. */
 class INotify {
 public:
     virtual ~INotify() { }
 
+    /* The result means nothing. */
     virtual int Notify(unsigned int uCode, unsigned int uParam1, unsigned int uParam2) = 0;
 };
 

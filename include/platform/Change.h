@@ -5,7 +5,7 @@
 
 #include "HostUiGlobal.h"
 
-/* Translation of text identifiers into the host's language. */
+/* Translation of text identifiers into the host's language.  GUI thread only. */
 class HOSTUI_API Change {
 public:
     /* The text of the identifier in the context, or the identifier itself where the language has

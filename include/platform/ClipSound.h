@@ -8,7 +8,7 @@
 
 class ClipSoundPrivate;
 
-/* Plays one sound file, once. */
+/* Plays one sound file, once.  GUI thread only. */
 class HOSTUI_API ClipSound : public QObject {
     Q_OBJECT
 

@@ -8,7 +8,9 @@
  * the array.
  *
  * Every function returns a status: 0 is success, anything else a failure.  The
- * functions may be called from any thread, also from inside a callback.
+ * functions may be called from any thread, also from inside a callback, and
+ * return without waiting for the card.  What a record holds after a failure
+ * means nothing.
  */
 #ifndef MODEMSERVICE_H
 #define MODEMSERVICE_H
@@ -124,15 +126,15 @@ typedef struct MOVA_STKInKeyInfo {
     uint16_t szText[MOVA_TEXT_UNITS]; /* prompt */
     int32_t nInputType; /* 0-3; 1 wants yes or no, 2 digits only */
     int32_t bOption; /* 0 or 1 */
-    uint16_t usDuration; /* answer time limit, 0 for none */
+    uint16_t usDuration; /* milliseconds that a question for yes or no waits, 0 for ever */
 } MOVA_STKInKeyInfo;
 
 typedef struct MOVA_STKInputInfo {
     uint16_t szText[MOVA_TEXT_UNITS]; /* prompt */
     int32_t nInputType; /* 0-3; 2 wants digits only */
     int32_t bEcho; /* 1 shows what is typed, 0 hides it */
-    int16_t sMinLen; /* characters */
-    int16_t sMaxLen; /* characters */
+    int16_t sMinLen; /* code units */
+    int16_t sMaxLen; /* code units */
     int32_t bOption; /* 0 or 1 */
     uint16_t szDefaultText[MOVA_TEXT_UNITS];
 } MOVA_STKInputInfo;
@@ -218,7 +220,10 @@ MOVA_ASSERT_FIELD(MOVA_STKRefreshInfo, nQualifier, 0, 4);
 MOVA_ASSERT_FIELD(MOVA_STKRefreshInfo, abFiles, 4, 256);
 MOVA_ASSERT_RECORD(MOVA_STKRefreshInfo, 260);
 
-/* ---- Callbacks: called on a thread of the library's own, one call at a time ---- */
+/* ---- Callbacks: called on a thread of the library's own, one call at a time ----
+ *
+ * What follows from an answer, or from a choice in a menu, is not told before the call that gave it
+ * has returned and its caller had the time to note that; 20 ms are enough. */
 
 /* Command callback.  The second argument points to a MOVA_STKNotifyData that is valid during the
  * call; the first argument and the result mean nothing. */
