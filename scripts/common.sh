@@ -11,7 +11,7 @@ packages="
   fonts-dejavu-core fonts-noto-core fonts-noto-color-emoji fonts-wqy-microhei"
 test_packages="
   libgtest-dev libbenchmark-dev
-  vsmartcard-vpcd
+  vsmartcard-vpcd libmbim-proxy
   xvfb xauth openbox xdotool x11-utils
   lintian desktop-file-utils appstream
   pulseaudio pulseaudio-utils"

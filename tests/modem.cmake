@@ -16,6 +16,10 @@ add_dependencies(ModemEndToEnd VirtualModem)
 add_test(NAME ModemEndToEnd COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/beside 16 $<TARGET_FILE:ModemEndToEnd>)
 set_tests_properties(ModemEndToEnd PROPERTIES TIMEOUT 600 COST 120 ENVIRONMENT "${STK_TEST_ENVIRONMENT}")
 
+add_test(NAME ModemProxy COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/with-proxy ${CMAKE_CURRENT_SOURCE_DIR}/beside 3
+  $<TARGET_FILE:ModemEndToEnd> "--gtest_filter=*PersonReads/1:*Pin/1:*PersonOnly/1")
+set_tests_properties(ModemProxy PROPERTIES TIMEOUT 300 SKIP_RETURN_CODE 77 ENVIRONMENT "${STK_TEST_ENVIRONMENT}")
+
 # The conformance cards through the windows of the host: the same menus, and the same terminal responses byte for
 # byte, as in a reader.
 foreach(card commands menus pin refresh session sim texts)
