@@ -69,6 +69,8 @@ bool SerialPort::read(std::string &bytes)
         const ssize_t count = ::read(m_descriptor, buffer, sizeof buffer);
         if (count > 0) {
             bytes.append(buffer, static_cast<size_t>(count));
+            if (static_cast<size_t>(count) < sizeof buffer)
+                return true; // that was all
             continue;
         }
         return count < 0 && (errno == EAGAIN || errno == EINTR);
