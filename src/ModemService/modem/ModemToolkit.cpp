@@ -43,9 +43,10 @@ void ModemToolkit::forget()
 
 // ---- From the card ----
 
-// Some modems tell a command twice, above all the menu where the toolkit is taken.  The answer to the
-// one is the answer to the other, and the card wants only one.  But a card may well ask the same
-// thing again, which a modem may tell before it tells that it has taken the answer to the first.
+// Some modems tell a command twice, above all the menu where the toolkit is taken.  The answer to
+// the one is the answer to the other, and the card wants only one.  But a card may well ask the
+// same thing again, which a modem may tell before it tells that it has taken the answer to the
+// first.
 bool ModemToolkit::isRepeated(cat::ByteView command, Time now) const
 {
     if (!std::equal(command.begin(), command.end(), m_command.begin(), m_command.end()))
