@@ -201,15 +201,18 @@ private:
     int m_allowed = 0;
 };
 
-TerminalResponse randomResponse(Chance &chance)
+// To a command, as a session that refuses what cannot be coded.
+TerminalResponse randomResponse(Chance &chance, const ProactiveCommand &asked)
 {
     using Result = TerminalResponse::Result;
     TerminalResponse response;
     response.result = static_cast<Result>(chance.below(static_cast<unsigned>(Result::Other) + 1));
     if (chance.once(2))
         response.text = std::string(chance.below(250), chance.once(2) ? '1' : 'x');
-    if (chance.once(4))
+    else if (chance.once(4))
         response.item = static_cast<int16_t>(chance.below(256));
+    if (codeText(asked, response) != StatusSuccess)
+        response.coded.reset();
     return response;
 }
 
@@ -254,6 +257,7 @@ private:
         check(m_isOn, "an event of a card that is off");
         if (const auto *command = std::get_if<ProactiveCommand>(&event)) {
             check(!m_isAway, "a command of a card that is away");
+            m_asked = *command;
             m_answerAt =
                 m_now + (isAnsweredByModem(command->body) ? 200ms : 1ms * m_chance.below(3000));
         } else if (std::holds_alternative<ModemRemoved>(event)) {
@@ -268,7 +272,7 @@ private:
     {
         if (m_answerAt && *m_answerAt <= m_now) {
             m_answerAt.reset();
-            m_card.respond(randomResponse(m_chance), m_now);
+            m_card.respond(randomResponse(m_chance, m_asked), m_now);
         }
         switch (m_chance.below(400)) {
         case 0:
@@ -281,7 +285,7 @@ private:
             m_card.setLanguage(m_chance.once(2) ? "en" : "fr", m_now);
             break;
         case 3:
-            m_card.respond(randomResponse(m_chance), m_now);
+            m_card.respond(randomResponse(m_chance, m_asked), m_now);
             break;
         case 4:
             m_isOn = !m_isOn;
@@ -313,6 +317,7 @@ private:
     Card::Time m_now = Card::Time() + 1h;
     Card::Time m_second = m_now;
     std::optional<Card::Time> m_answerAt;
+    ProactiveCommand m_asked;
     int m_steps = 0;
     bool m_isOn = true;
     bool m_isAway = false;

@@ -150,11 +150,10 @@ cat::Response respond(const cat::Command &command, const Answer &answer)
     const auto asked = toProactiveCommand(command);
     if (answer.text == "-" || !asked)
         return response;
-    const auto *inkey = std::get_if<GetInkey>(&asked->body);
-    if (inkey && inkey->inputType == YesOrNo)
-        response.text = cat::Bytes{0x04, uint8_t(answer.text == "1")};
-    else
-        response.text = cat::encodeTextString(answer.text, *asked->answerCoding);
+    TerminalResponse entered;
+    entered.text = answer.text;
+    codeText(*asked, entered);
+    response.text = entered.coded;
     return response;
 }
 

@@ -171,18 +171,19 @@ int32_t respond(const Call &call, int32_t type, int32_t result)
                                           _STK_UI_EN_TERMINALRESPONSE(result));
 }
 
-// Sends one command, and what it is answered nobody hears.
+// Sends one command.
 struct OneCommandCard : Card {
     CardTraits traits() const override { return {}; }
     void powerOn(Time) override { }
     void powerOff() override { }
     void selectMenuItem(int16_t, Time) override { }
-    void respond(const TerminalResponse &, Time) override { }
+    void respond(const TerminalResponse &response, Time) override { answer.set_value(response); }
     void endSession() override { }
     std::optional<CardEvent> nextEvent(Time) override { return std::exchange(command, {}); }
     Time wakeUp() const override { return Time::max(); }
 
     std::optional<ProactiveCommand> command;
+    std::promise<TerminalResponse> answer;
 };
 
 } // namespace
@@ -437,6 +438,7 @@ TEST_F(SessionTest, RefusesTextsThatTheCardCannotTake)
     card->command = ProactiveCommand{GetInput()};
     card->command->answerCoding = cat::TextCoding::Unpacked;
     card->command->answerRoom = 5; // a byte of it names the coding
+    auto answered = card->answer.get_future();
     theSession().insertCard(std::move(card));
     EXPECT_EQ(next().type, Ready);
     const Call call = next();
@@ -448,6 +450,7 @@ TEST_F(SessionTest, RefusesTextsThatTheCardCannotTake)
     for (const auto &[text, status] : rows)
         refuse(status, "Srv_AnswerInput", answer(text));
     EXPECT_EQ(answer(u"1234"), 0);
+    EXPECT_EQ(answered.get().coded, (cat::Bytes{0x04, '1', '2', '3', '4'}));
 }
 
 TEST_F(SessionTest, ScriptsJumpAndGoOnBehindABranch)

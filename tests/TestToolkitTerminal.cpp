@@ -224,6 +224,8 @@ protected:
         if (!event)
             return;
         log.tell(name(*event));
+        if (const auto *command = std::get_if<ProactiveCommand>(&*event))
+            asked = *command;
         if (std::holds_alternative<ModemReady>(*event))
             card.powerOn(now);
     }
@@ -271,6 +273,7 @@ protected:
         std::make_unique<ReaderPort>(std::make_unique<FakeChannel>(wire), "name", log), "name",
         "en", log};
     Card::Time now = Card::Time() + 24h;
+    ProactiveCommand asked; // last
 };
 
 TEST(TestApdu, followsTheStatusWords)
@@ -438,6 +441,7 @@ TEST_F(TestToolkitTerminal, answersForTheUser)
             response.item = std::stoi(row[3]);
         if (row[2] == "text")
             response.text = row[3];
+        EXPECT_EQ(codeText(asked, response), StatusSuccess);
         card.respond(response, now);
         const bool nobody = row[4] == "0112";
         play(respond(row[0], row[4]),

@@ -1,6 +1,7 @@
 #include "platform/ModemService.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Service.h"
 #include "session/ServiceStatus.h"
@@ -117,7 +118,7 @@ int32_t answer(ServiceFunction function, int16_t commandId, int32_t type, int32_
     response.result =
         accepted ? TerminalResponse::Result::Performed : TerminalResponse::Result::Cancelled;
     response.text = toUtf8(text);
-    return theSession().answer(function, commandId, type, response);
+    return theSession().answer(function, commandId, type, std::move(response));
 }
 
 TerminalResponse::Result resultOf(int32_t response)
@@ -248,5 +249,6 @@ int32_t MOVA_STKSrv_SendNoDataResponse(int16_t sCmdId, _STK_UI_EN_STKTYPE enStkT
     TerminalResponse response;
     response.result = resultOf(enResponse);
     response.value = enResponse;
-    return theSession().answer(ServiceFunction::SendNoDataResponse, sCmdId, enStkType, response);
+    return theSession().answer(ServiceFunction::SendNoDataResponse, sCmdId, enStkType,
+                               std::move(response));
 }

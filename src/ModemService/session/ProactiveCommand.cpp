@@ -10,6 +10,22 @@ const CommandMenuItem *CommandMenu::find(int16_t id) const
     return found == items.end() ? nullptr : &*found;
 }
 
+ServiceStatus codeText(const ProactiveCommand &command, TerminalResponse &response)
+{
+    if (!command.answerCoding || !response.text ||
+        response.result != TerminalResponse::Result::Performed)
+        return StatusSuccess;
+    response.coded = cat::encodeTextString(*response.text, *command.answerCoding);
+    if (!response.coded)
+        return StatusNotEncodable;
+    if (response.coded->size() > command.answerRoom)
+        return StatusTooLong;
+    const auto *inkey = std::get_if<GetInkey>(&command.body);
+    if (inkey && inkey->inputType == YesOrNo) // ETSI TS 102 223 clause 8.15
+        response.coded = {uint8_t(*command.answerCoding), uint8_t(*response.text == "1")};
+    return StatusSuccess;
+}
+
 int32_t commandType(const CommandBody &body)
 {
     return std::visit(

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ServiceFunction.h"
+#include "ServiceStatus.h"
 #include "cat/TextString.h"
 #include "platform/ModemService.h"
 
@@ -164,6 +165,7 @@ struct TerminalResponse {
     Result result = Result::Performed;
     std::optional<int16_t> item = std::nullopt; ///< identifier of the chosen item
     std::optional<std::string> text = std::nullopt; ///< the text that was entered, UTF-8
+    std::optional<cat::Bytes> coded = std::nullopt; ///< the same for the card, see codeText()
     std::optional<int32_t> value = std::nullopt; ///< the number of a response without data
 };
 
@@ -173,11 +175,14 @@ struct ProactiveCommand {
     std::chrono::milliseconds responseTime{
         0}; ///< how long the card waits for the answer, 0 for ever
     TerminalResponse modemAnswer{}; ///< to what the modem answers by itself
-    /// How the text that the user enters will be coded; a text that cannot be is refused.  Nothing
-    /// where every text is taken.
+    /// How the text that the user enters is coded.  Nothing where every text is taken as it is.
     std::optional<cat::TextCoding> answerCoding = std::nullopt;
     size_t answerRoom = SIZE_MAX; ///< bytes of the coded text that the response has room for
 };
+
+/// Codes the text that the user entered, if any, as the command wants it.  A status other than
+/// success where its coding cannot carry the text, or the response has no room for it.
+ServiceStatus codeText(const ProactiveCommand &command, TerminalResponse &response);
 
 int32_t commandType(const CommandBody &body);
 const char *commandName(const CommandBody &body);

@@ -136,7 +136,7 @@ int32_t Session::selectSubMenuItem(int16_t commandId, int32_t action, int16_t it
 }
 
 int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t type,
-                        const TerminalResponse &response)
+                        TerminalResponse response)
 {
     const Callbacks::Answering answering(m_callbacks);
     return call(function, commandId, [&]() -> int32_t {
@@ -149,16 +149,9 @@ int32_t Session::answer(ServiceFunction function, int16_t commandId, int32_t typ
         }
         if (const int32_t status = commandStatus(function, commandId, type))
             return status;
-        const ProactiveCommand &command = *m_dialogue.command();
-        const bool enters = response.result == TerminalResponse::Result::Performed && response.text;
-        if (enters && command.answerCoding) {
-            const auto value = cat::encodeTextString(*response.text, *command.answerCoding);
-            if (!value)
-                return StatusNotEncodable;
-            if (value->size() > command.answerRoom)
-                return StatusTooLong;
-        }
-        answerCurrent(response, function);
+        if (const ServiceStatus status = codeText(*m_dialogue.command(), response))
+            return status;
+        answerCurrent(std::move(response), function);
         return StatusSuccess;
     });
 }
@@ -264,16 +257,15 @@ int32_t Session::commandStatus(ServiceFunction function, int16_t commandId, int3
     return status == StatusSuccess ? m_dialogue.status(function, commandId, type) : status;
 }
 
-void Session::answerCurrent(const TerminalResponse &response,
-                            std::optional<ServiceFunction> function)
+void Session::answerCurrent(TerminalResponse response, std::optional<ServiceFunction> function)
 {
     m_dialogue.answer(response, function);
-    postResponse(m_dialogue.id(), response);
+    postResponse(m_dialogue.id(), std::move(response));
 }
 
-void Session::postResponse(int16_t commandId, const TerminalResponse &response)
+void Session::postResponse(int16_t commandId, TerminalResponse response)
 {
-    m_thread.post([this, card = m_slot.card(), commandId, response] {
+    m_thread.post([this, card = m_slot.card(), commandId, response = std::move(response)] {
         {
             // A card that does not wait may have sent another command before it heard the answer.
             std::lock_guard<std::mutex> lock(m_mutex);

@@ -47,7 +47,7 @@ public:
     int32_t selectSubMenuItem(int16_t commandId, int32_t action, int16_t itemId);
     /// Answers the command in progress, which must be of the given type.
     int32_t answer(ServiceFunction function, int16_t commandId, int32_t type,
-                   const TerminalResponse &response);
+                   TerminalResponse response);
     /// The status of a call with a null pointer or a number without a meaning.
     int32_t refuseArgument(ServiceFunction function,
                            std::optional<int16_t> commandId = std::nullopt);
@@ -85,8 +85,8 @@ private:
 
     // With the lock held.
     int32_t commandStatus(ServiceFunction function, int16_t commandId, int32_t type) const;
-    void answerCurrent(const TerminalResponse &response, std::optional<ServiceFunction> function);
-    void postResponse(int16_t commandId, const TerminalResponse &response);
+    void answerCurrent(TerminalResponse response, std::optional<ServiceFunction> function);
+    void postResponse(int16_t commandId, TerminalResponse response);
     void postPowerOn();
     void postDevice(int code);
     void forgetSession();

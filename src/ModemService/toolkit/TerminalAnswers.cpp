@@ -8,22 +8,12 @@ namespace {
 
 // Bits of the qualifiers, ETSI TS 102 223 clause 8.6.
 constexpr uint8_t UserClears = 0x80; // DISPLAY TEXT
-constexpr uint8_t YesNo = 0x04; // GET INKEY
 constexpr uint8_t NotRevealed = 0x04; // GET INPUT
 
 bool isHiddenInput(const cat::Command &command)
 {
     return std::holds_alternative<cat::GetInput>(command.body) &&
         (command.details.qualifier & NotRevealed);
-}
-
-// The text that the user entered, as the command wants it coded.
-std::optional<cat::Bytes> enteredText(const cat::Command &command, const std::string &text,
-                                      std::optional<cat::TextCoding> coding)
-{
-    if (std::holds_alternative<cat::GetInkey>(command.body) && (command.details.qualifier & YesNo))
-        return cat::Bytes{0x04, uint8_t(text == "1" ? 1 : 0)}; // clause 8.15
-    return cat::encodeTextString(text, coding.value_or(cat::TextCoding::Unpacked));
 }
 
 } // namespace
@@ -47,8 +37,7 @@ cat::Response unable(const cat::Command &command, uint8_t cause)
     return response;
 }
 
-cat::Response responseTo(const cat::Command &command, const TerminalResponse &answer,
-                         std::optional<cat::TextCoding> coding)
+cat::Response responseTo(const cat::Command &command, const TerminalResponse &answer)
 {
     using Result = TerminalResponse::Result;
     switch (answer.result) {
@@ -56,10 +45,7 @@ cat::Response responseTo(const cat::Command &command, const TerminalResponse &an
         cat::Response response = responseWith(command, cat::Result::Performed);
         if (answer.item)
             response.item = static_cast<uint8_t>(*answer.item);
-        if (answer.text)
-            response.text = enteredText(command, *answer.text, coding);
-        if (answer.text && (!response.text || response.text->size() > cat::textRoom(command)))
-            break;
+        response.text = answer.coded;
         return response;
     }
     case Result::BackwardMove:

@@ -17,9 +17,8 @@ cat::Response responseWith(const cat::Command &command, cat::Result result);
 /// The terminal is currently unable to do it.
 cat::Response unable(const cat::Command &command, uint8_t cause);
 
-/// What the user, or the window, answered.  `coding`: how the command wants its text coded.
-cat::Response responseTo(const cat::Command &command, const TerminalResponse &answer,
-                         std::optional<cat::TextCoding> coding);
+/// What the user, or the window, answered.
+cat::Response responseTo(const cat::Command &command, const TerminalResponse &answer);
 
 /// The time that the user took is part of the answer to a GET INKEY that names one (clause 6.4.2).
 void addElapsedTime(cat::Response &response, const cat::Command &command,

@@ -185,7 +185,7 @@ void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
     if (!byTerminal && answered && isUsersAct(response, waitsForUser(current.command)))
         queue(m_toolkit.duties.userActed());
     const bool fromPerson = !byTerminal && answered && now - current.since >= QuickestPerson;
-    send(current, responseTo(current.command, response, current.answerCoding), fromPerson, now);
+    send(current, responseTo(current.command, response), fromPerson, now);
 }
 
 void ToolkitTerminal::endSession()
@@ -354,7 +354,6 @@ void ToolkitTerminal::handOut(CommandInProgress current, Time now)
             m_reports.noticed(noticeOf(NoticeId::MenuLate, {m_port->name()}));
         m_toolkit.menuSeen = true;
     }
-    current.answerCoding = proactive->answerCoding;
     if (!byUser)
         current.ownAnswer = proactive->modemAnswer;
     m_toolkit.command = std::move(current);
@@ -398,13 +397,8 @@ void ToolkitTerminal::send(const CommandInProgress &current, cat::Response respo
     if (!current.wantsAnswer)
         return;
     addElapsedTime(response, current.command, now - current.since);
-    std::optional<cat::Bytes> data = cat::encode(response);
-    if (!data) { // with the time that it took, the text is too long
-        response = unable(current.command, cat::NoSpecificCause);
-        data = cat::encode(response);
-    }
     PortResponse out;
-    out.data = std::move(*data);
+    out.data = cat::encode(response).value(); // an entered text has been measured
     out.secret = secretLength(response, current.command);
     out.then = m_port->traits().refresh ? whatFollows(current.command, response)
                                         : PortResponse::Then::Nothing;
@@ -423,9 +417,7 @@ void ToolkitTerminal::sendEnd(Time now)
 {
     const CommandInProgress current = *std::exchange(m_toolkit.command, std::nullopt);
     const TerminalResponse ended{TerminalResponse::Result::Terminated};
-    send(current,
-         responseTo(current.command, current.ownAnswer.value_or(ended), current.answerCoding),
-         false, now);
+    send(current, responseTo(current.command, current.ownAnswer.value_or(ended)), false, now);
 }
 
 // ---- Envelopes and ends ----

@@ -50,7 +50,6 @@ private:
     struct CommandInProgress {
         cat::Command command;
         bool wantsAnswer = true; // else the far side has answered it
-        std::optional<cat::TextCoding> answerCoding{};
         std::optional<TerminalResponse> ownAnswer{}; // nothing: the user answers
         Time since{};
     };
@@ -76,7 +75,6 @@ private:
     bool hasNotified() const;
     void sendEnvelope(Time now);
     void queue(std::optional<PortEnvelope> envelope);
-    void tellSessionEnd();
     template <class Event> bool forgetEvents();
 
     const std::unique_ptr<ToolkitPort> m_port;
