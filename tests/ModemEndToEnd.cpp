@@ -220,6 +220,21 @@ TEST_P(EachWay, isUnpluggedWhileThePersonReads)
     expectNothingTwice(false);
 }
 
+TEST_P(EachWay, losesItsSim)
+{
+    plugIn(GetParam());
+    open();
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    ASSERT_EQ(MOVA_STKSrv_SelectMenuItem(1, 1), 0);
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_DISPLAY_TEXT, 5s));
+    m_modem->signal(SIGUSR2);
+    ASSERT_TRUE(calls.next(Removed, 5s));
+    EXPECT_TRUE(noticed("no usable SIM"));
+    m_modem->signal(SIGUSR2);
+    EXPECT_TRUE(play(8s));
+    expectNothingTwice(true);
+}
+
 TEST_P(EachWay, asksForThePin)
 {
     std::vector<Pin> entries = {Pin("0000", 4), Pin("1234", 4)};

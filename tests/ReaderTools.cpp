@@ -115,9 +115,9 @@ std::optional<CardProcess::Clock::time_point> CardProcess::waitFor(const std::st
     return std::nullopt;
 }
 
-void CardProcess::takeOut()
+void CardProcess::signal(int number)
 {
-    kill(m_process, SIGUSR1);
+    kill(m_process, number);
 }
 
 int CardProcess::end()

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -33,7 +34,9 @@ public:
     std::optional<Clock::time_point> waitFor(const std::string &line,
                                              std::chrono::milliseconds most);
     /// Pulls the card out for a moment, or unplugs the modem.
-    void takeOut();
+    void takeOut() { signal(SIGUSR1); }
+    /// What else it listens to.
+    void signal(int number);
     /// Ends the card; the result is its exit status.
     int end();
 

@@ -206,6 +206,12 @@ void AtModem::tellUnsolicited()
         sendLine(line);
 }
 
+void AtModem::tellStateOfCard()
+{
+    const bool isThere = m_card.state() != State::NoSim;
+    m_unsolicited.push_back(isThere ? "+CPIN: READY" : "+CPIN: NOT INSERTED");
+}
+
 void AtModem::sendLine(const std::string &line)
 {
     std::string text = "\r\n" + line + "\r\n";

@@ -240,6 +240,11 @@ void MbimModem::tellUnsolicited()
         send(message);
 }
 
+void MbimModem::tellStateOfCard()
+{
+    m_unsolicited.push_back(indication(BasicConnect, ReadyStatus, readyInformation()));
+}
+
 // ---- Basic Connect ----
 
 MbimModem::Answer MbimModem::deviceCapabilities(const mbim::Command &)

@@ -14,6 +14,7 @@ public:
     void portClosed() override;
     void received(cat::ByteView bytes) override;
     void tellUnsolicited() override;
+    void tellStateOfCard() override;
 
 private:
     struct Answer;

@@ -19,6 +19,8 @@ public:
     virtual void received(cat::ByteView bytes) = 0;
     /// What the card has sent by itself is told.
     virtual void tellUnsolicited() = 0;
+    /// As above, what has become of the card.
+    virtual void tellStateOfCard() = 0;
 
     ModemCard &card() { return m_card; }
 

@@ -163,6 +163,12 @@ void ModemCard::switchOff()
     m_digits.clear();
 }
 
+void ModemCard::takeOut()
+{
+    switchOff();
+    m_state = State::NoSim;
+}
+
 ModemCard::State ModemCard::stateAtStart()
 {
     if (!isSim())

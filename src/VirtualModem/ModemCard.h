@@ -34,6 +34,8 @@ public:
 
     void switchOn();
     void switchOff();
+    /// There is none until switchOn().
+    void takeOut();
     State state() const { return m_state; }
     int pinTries();
     bool verify(const std::string &digits);

@@ -35,7 +35,8 @@ const char Usage[] =
     "  --report FILE  write what was played, as JSON, at the end\n"
     "  --require-all  a step that was not played is an error, too\n"
     "  --help         show this help\n\n"
-    "It plays until SIGINT or SIGTERM; SIGUSR1 unplugs it for a moment. Exit status: 0, 1 after a\n"
+    "It plays until SIGINT or SIGTERM; SIGUSR1 unplugs it for a moment,\n"
+    "SIGUSR2 takes the SIM out, or puts it in again. Exit status: 0, 1 after a\n"
     "terminal response that was not expected, 2 when it cannot start.\n";
 
 struct Options {
@@ -116,7 +117,7 @@ public:
         m_report = std::make_unique<CardReport>(m_modem->card().played(), options.report);
         sigset_t signals;
         sigemptyset(&signals);
-        for (const int number : {SIGINT, SIGTERM, SIGUSR1})
+        for (const int number : {SIGINT, SIGTERM, SIGUSR1, SIGUSR2})
             sigaddset(&signals, number);
         sigprocmask(SIG_BLOCK, &signals, nullptr);
         m_signals = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
@@ -187,10 +188,26 @@ private:
         signalfd_siginfo info;
         if (read(m_signals, &info, sizeof info) != sizeof info)
             return;
-        if (info.ssi_signo != SIGUSR1)
+        if (info.ssi_signo == SIGUSR2)
+            moveSim();
+        else if (info.ssi_signo != SIGUSR1)
             m_hasEnded = true;
         else if (m_pty.isThere())
             unplug();
+    }
+
+    void moveSim()
+    {
+        ModemCard &card = m_modem->card();
+        const bool isOut = card.state() == ModemCard::State::NoSim;
+        say(isOut ? "SIM put in" : "SIM taken out");
+        if (isOut)
+            card.switchOn();
+        else
+            card.takeOut();
+        m_modem->tellStateOfCard();
+        m_modem->tellUnsolicited();
+        sendOut();
     }
 
     void serve(bool isWatchReady, bool isEndReady)
