@@ -53,9 +53,22 @@ void withTerminal(std::function<void(ToolkitTerminal &)> function)
         AlsoWhileRemoved);
 }
 
-void lookAgain()
+// Terminals, by what may come and go for them.
+class ReaderTerminal final : public ToolkitTerminal {
+public:
+    using ToolkitTerminal::ToolkitTerminal;
+};
+class ModemTerminal final : public ToolkitTerminal {
+public:
+    using ToolkitTerminal::ToolkitTerminal;
+};
+
+template <class Terminal> void lookAgain()
 {
-    withTerminal([](ToolkitTerminal &terminal) { terminal.lookAgain(Card::Clock::now()); });
+    withTerminal([](ToolkitTerminal &terminal) {
+        if (dynamic_cast<Terminal *>(&terminal))
+            terminal.lookAgain(Card::Clock::now());
+    });
 }
 
 // What watches something for the host, each on a thread of its own.
@@ -201,10 +214,11 @@ Monitors<ModemMonitor> &modemMonitors()
     return monitors;
 }
 
+template <class Terminal>
 void insertTerminal(std::unique_ptr<ToolkitPort> port, const std::string &name)
 {
     theSession().insertCard(
-        std::make_unique<ToolkitTerminal>(std::move(port), name, theHost().language(), theHost()));
+        std::make_unique<Terminal>(std::move(port), name, theHost().language(), theHost()));
 }
 
 } // namespace
@@ -242,9 +256,10 @@ void openReader(const std::string &nameStart)
     const std::string name = nameStart.empty() ? "card reader" : nameStart;
     auto channel =
         std::make_unique<WorkerChannel>(std::make_unique<PcscChannel>(nameStart), name, theHost());
-    insertTerminal(std::make_unique<ReaderPort>(std::move(channel), name, theHost()), name);
+    insertTerminal<ReaderTerminal>(
+        std::make_unique<ReaderPort>(std::move(channel), name, theHost()), name);
     // Whoever watches the readers knows first when a card has come.
-    static const ReaderMonitor monitor([](const ReaderList &) { lookAgain(); });
+    static const ReaderMonitor monitor([](const ReaderList &) { lookAgain<ReaderTerminal>(); });
 }
 
 std::vector<Modem> listModems()
@@ -266,12 +281,14 @@ void openModem(Modem::Kind kind, const std::string &device)
 {
     constexpr bool BesideModem = true;
     if (kind == Modem::Kind::At)
-        insertTerminal(
+        insertTerminal<ModemTerminal>(
             std::make_unique<AtPort>(device, cat::terminalProfile(BesideModem), theHost()), device);
     else
-        insertTerminal(std::make_unique<MbimPort>(device, cat::typesBesideModem(), theHost()),
-                       device.empty() ? "MBIM modem" : device);
-    static const ModemMonitor monitor([](const std::vector<Modem> &) { lookAgain(); });
+        insertTerminal<ModemTerminal>(
+            std::make_unique<MbimPort>(device, cat::typesBesideModem(), theHost()),
+            device.empty() ? "MBIM modem" : device);
+    static const ModemMonitor monitor(
+        [](const std::vector<Modem> &) { lookAgain<ModemTerminal>(); });
 }
 
 void restartCard()
