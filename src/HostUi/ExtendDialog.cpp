@@ -82,12 +82,25 @@ void ExtendDialog::setWindowFlags(Qt::WindowFlags flags)
     QDialog::setWindowFlags(framed(flags));
 }
 
+/* Whichever frame is in front now may have been left without the keyboard: see claimKeyboard(). */
+static void offerKeyboard()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (int i = 0; i < windows.size(); ++i) {
+        if (ExtendDialog *const window = qobject_cast<ExtendDialog *>(windows.at(i)))
+            QTimer::singleShot(ActivationMs, window, SLOT(claimKeyboard()));
+    }
+}
+
 void ExtendDialog::setVisible(bool visible)
 {
     QPointer<QPushButton> wanted;
     if (visible && !isVisible())
         wanted = qobject_cast<QPushButton *>(focusWidget());
+    const bool hadKeyboard = isActiveWindow(); // and not another program, which would lose it
     QDialog::setVisible(visible);
+    if (!visible && hadKeyboard)
+        offerKeyboard();
     if (!wanted)
         return;
     // The base class has just made the first button of the tab order the default one, enabled or
