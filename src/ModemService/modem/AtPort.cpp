@@ -95,6 +95,8 @@ void AtPort::disconnect(bool taken)
         giveBack();
     m_serial.close();
     m_lines.clear();
+    if (m_exchange)
+        explicit_bzero(m_exchange->command.data(), m_exchange->command.size());
     m_exchange.reset();
     m_early.clear();
     m_found = SerialPort::State::Open;
