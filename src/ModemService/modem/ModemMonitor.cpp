@@ -41,7 +41,9 @@ std::optional<Modem::Kind> kindOf(udev_device *device)
 {
     const std::string subsystem = textOf(udev_device_get_subsystem(device));
     const std::string name = textOf(udev_device_get_sysname(device));
-    const std::string driver = textOf(udev_device_get_property_value(device, "ID_USB_DRIVER"));
+    udev_device *const port =
+        udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_interface");
+    const std::string driver = port ? textOf(udev_device_get_driver(port)) : "";
     if (subsystem == "usbmisc")
         return startsWith(name, "cdc-wdm") && driver == "cdc_mbim"
             ? std::optional(Modem::Kind::Mbim)
@@ -61,6 +63,9 @@ std::optional<Modem::Kind> kindOf(udev_device *device)
 
 std::string nameOf(udev_device *device)
 {
+    // What belongs to a modem need not know its name.
+    if (auto *const usb = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device"))
+        device = usb;
     const auto property = [device](const char *name, const char *instead) {
         std::string text = textOf(udev_device_get_property_value(device, name));
         return text.empty() ? textOf(udev_device_get_property_value(device, instead)) : text;
@@ -86,11 +91,6 @@ std::optional<Modem> modemOf(udev_device *device)
     else if (!modem.user.empty())
         modem.state = Modem::State::InUse;
     return modem;
-}
-
-bool isOfInterest(udev_device *device)
-{
-    return device && kindOf(device);
 }
 
 } // namespace
@@ -152,7 +152,7 @@ void ModemMonitor::run()
         if (!events[1].revents)
             continue; // a signal
         const Device device(udev_monitor_receive_device(monitor.get()));
-        if (isOfInterest(device.get()))
+        if (device) // of one that goes nobody knows any more what it was
             m_publish(listModems());
     }
 }
