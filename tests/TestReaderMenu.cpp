@@ -1,4 +1,6 @@
+#include <QDir>
 #include <QMenu>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include "Languages.h"
@@ -55,11 +57,14 @@ private slots:
     void followsModems()
     {
         QVERIFY(Languages::apply("en"));
+        const QTemporaryDir folder;
+        QVERIFY(QDir::setCurrent(folder.path()) && QFile("c").open(QIODevice::WriteOnly) &&
+                QFile::link("c", "link"));
         // The line; what was asked for, and one list after the other.
         for (const auto &[line, steps] : QList<QPair<QString, QString>>{
                  {"mbim:b — not ready", "mbim:||at:a=0 mbim:b=0 mbim:c=0"},
                  {"at:c — in use by \u2066x\u2069", "at:c|at:a=0 at:c=1"},
-                 {"at:c — connected", "at:c|mbim:c=0 at:c=1"},
+                 {"at:c — connected", "at:link|mbim:c=0 at:c=1"},
                  {"at:a — not ready", "at:a|at:a=0|at:b=0"}}) {
             QMenu menu;
             ModemMenu modems(&menu);

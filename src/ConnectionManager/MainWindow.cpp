@@ -303,6 +303,7 @@ void MainWindow::createActions()
     m_timeOutSession =
         addNetworkAction("IDS_CM_TIME_OUT", QKeySequence("Ctrl+Shift+E"), CardHost::timeOutSession);
     m_restart = new QAction(this); // its text depends on where the card is
+    connect(m_restart, &QAction::triggered, this, [this] { showError({}); });
     connect(m_restart, &QAction::triggered, this, [] { CardHost::restartCard(); });
 }
 
@@ -472,8 +473,10 @@ void MainWindow::refresh()
 
 void MainWindow::refreshTexts()
 {
-    m_state = CardHost::state();
+    const ModemState before = std::exchange(m_state, CardHost::state());
     const bool toolkit = hasToolkit(m_state);
+    if (toolkit && before == ModemState::Removed && m_notice && m_notice->problem)
+        showError({}); // it is in the way no more
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
     const bool waits = m_source && m_state == ModemState::Removed && !m_errorLabel->isHidden();
     m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
@@ -527,6 +530,7 @@ void MainWindow::showNotice(const CardHost::Notice &notice)
 {
     if (!m_source) // it is about the card before
         return;
+    refreshTexts(); // what is told now is newer than the state
     m_notice = notice;
     tellNotice();
     refreshTexts();

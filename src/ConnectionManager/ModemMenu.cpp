@@ -1,9 +1,22 @@
 #include "ModemMenu.h"
 
+#include <filesystem>
+
 #include "Languages.h"
 
 using CardHost::Modem;
 using Languages::text;
+
+namespace {
+
+// Also by another name: "/dev/serial/by-id/...".
+bool isSame(const std::string &device, const std::string &other)
+{
+    std::error_code error;
+    return device == other || std::filesystem::equivalent(device, other, error);
+}
+
+} // namespace
 
 ModemMenu::ModemMenu(QMenu *menu)
     : SourceMenu(menu)
@@ -61,7 +74,7 @@ const Modem *ModemMenu::inUse() const
 {
     for (const Modem &modem : m_modems) {
         const bool isOfKind = m_used && modem.kind == m_used->kind;
-        if (isOfKind && (m_used->device.empty() || m_used->device == modem.device))
+        if (isOfKind && (m_used->device.empty() || isSame(m_used->device, modem.device)))
             return &modem;
     }
     return m_used ? &*m_used : nullptr;
