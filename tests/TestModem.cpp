@@ -451,6 +451,33 @@ TEST_F(AtPortTest, leavesACommandOpenThatCameBeforeTheEnvelopesResult)
     }
 }
 
+// Whatever the modem says to what was on its way when a person wants the card to start anew.
+TEST_F(AtPortTest, startsTheCardAnewDuringAnExchange)
+{
+    const std::string ok = "\r\nOK\r\n", wanted = "\r\n+CPIN: SIM PIN\r\n" + ok;
+    const struct {
+        Answers answers;
+        std::string said;
+        Strings told;
+    } rows[] = {{{{"AT+CUSATA", {"", ok}}}, ok, {"arrived", "rest"}},
+                {{{"AT+CPIN", {""}}, {"AT+CPIN?", {wanted, wanted, ok}}},
+                 "\r\n+CME ERROR: 16\r\n",
+                 {"arrived", "PIN", "rest"}}};
+    for (const auto &row : rows) {
+        told.lines.clear();
+        open(row.answers);
+        modem->run(*port, 1s);
+        port->answerPin(told.pin, Pin("1234", 4), modem->now());
+        modem->run(*port, 1s);
+        port->restart(modem->now());
+        modem->say(row.said);
+        modem->run(*port, 20s);
+        EXPECT_TRUE(hasHeard("AT+CFUN=1"));
+        EXPECT_EQ(told.lines, row.told);
+        port->close();
+    }
+}
+
 TEST_F(AtPortTest, comesBackWithTheCard)
 {
     open({{"AT+CPIN?", {"\r\n+CPIN: READY\r\n\r\nOK\r\n"}}});

@@ -110,7 +110,7 @@ void AtPort::giveBack()
 {
     if (m_exchange && !isAnsweredInAMoment())
         return;
-    if (m_serial.write(std::string("AT") + m_dialect.profileWrite + "=0,\"\"\r") &&
+    if (m_serial.write(withDigits(m_dialect.profileWrite, "0,", {}) + '\r') &&
         isAnsweredInAMoment())
         m_serial.write(std::string("AT") + m_dialect.download + "=0\r");
 }
@@ -224,13 +224,16 @@ void AtPort::finish(Time now)
         lose(now);
         return;
     }
-    (this->*exchange.done)(exchange.answer, now);
+    if (wantsAnswer())
+        (this->*exchange.done)(exchange.answer, now);
 }
 
 // ---- The start ----
 
 void AtPort::enter(Stage stage)
 {
+    if (stage != Stage::Pin)
+        m_pinReadings = 0;
     switch (stage) {
     case Stage::Modem:
         m_step = Step::Probe;

@@ -137,7 +137,8 @@ void MbimPort::say(MbimLink::Message message, Handler done)
                            m_lost = true;
                            return;
                        }
-                       (this->*done)(result);
+                       if (wantsAnswer())
+                           (this->*done)(result);
                    });
 }
 
@@ -291,7 +292,7 @@ void MbimPort::supportRead(const Result &result)
     m_support = MbimSupport();
     if (waitsForCard(result.status)) {
         tell(NoticeId::ModemNotReady, result.error);
-        m_stepAt = m_now + RetryPeriod;
+        goTo(Stage::Pin, m_now + RetryPeriod); // it may be wanted by then
         return;
     }
     if (result.isDone() && mbim_message_stk_pac_response_parse(result.message, &support, nullptr))

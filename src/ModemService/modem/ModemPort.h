@@ -79,6 +79,8 @@ protected:
 
     bool isOpen() const { return m_place != Place::Closed; }
     bool isInUse() const { return m_place == Place::InUse; }
+    /// What the modem says to what it was asked before counts.
+    bool wantsAnswer() const { return isOpen() && !m_restart; }
     /// What the modem still tells of the card that is to start anew is over.
     bool isStartingAnew() const { return m_restart || m_switchedOff; }
 

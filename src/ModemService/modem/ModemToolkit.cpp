@@ -80,7 +80,7 @@ void ModemToolkit::commandArrived(cat::ByteView command, bool wantsAnswer, Time 
 void ModemToolkit::sessionEnded()
 {
     m_endAt.reset();
-    if (isChosen())
+    if (isChosen() && !m_open)
         return; // the session that is over is one that the person has left
     m_open = false;
     m_events->sessionEnded();
@@ -128,7 +128,7 @@ std::optional<ModemToolkit::Message> ModemToolkit::next(Time now)
         m_sentAt = now;
         return Message{Message::Kind::Response, m_sent->data};
     }
-    if (!m_envelope)
+    if (!m_envelope || m_open)
         return std::nullopt;
     m_envelopeSent = true;
     return Message{Message::Kind::Envelope, m_envelope->data};
@@ -202,6 +202,6 @@ void ModemToolkit::work(Time now)
 ModemToolkit::Time ModemToolkit::wakeUp() const
 {
     const bool isFree = m_running && !m_sent && !m_envelopeSent;
-    const Time sending = isFree && (m_response || m_envelope) ? m_busy.at() : Never;
+    const Time sending = isFree && (m_response || (m_envelope && !m_open)) ? m_busy.at() : Never;
     return std::min({sending, m_restAt.value_or(Never), m_endAt.value_or(Never)});
 }
