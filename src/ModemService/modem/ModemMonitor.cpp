@@ -64,7 +64,8 @@ std::optional<Modem::Kind> kindOf(udev_device *device)
 std::string nameOf(udev_device *device)
 {
     // What belongs to a modem need not know its name.
-    if (auto *const usb = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device"))
+    if (auto *const usb =
+            udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device"))
         device = usb;
     const auto property = [device](const char *name, const char *instead) {
         std::string text = textOf(udev_device_get_property_value(device, name));
