@@ -158,13 +158,8 @@ public:
         tcsetattr(m_master, TCSANOW, &raw);
         device = ptsname(m_master);
     }
-    ~TableModem() { hangUp(); }
+    ~TableModem() { ::close(m_master); }
 
-    void hangUp()
-    {
-        if (m_master >= 0)
-            ::close(std::exchange(m_master, -1));
-    }
     void say(const std::string &lines)
     {
         [[maybe_unused]] auto n = ::write(m_master, lines.data(), lines.size());
@@ -176,7 +171,7 @@ public:
         const auto end = m_now + time;
         while (true) {
             port.work(m_now);
-            if (m_master >= 0 && listen())
+            if (listen())
                 continue;
             const auto next = port.wakeUp();
             if (next > end)
@@ -214,7 +209,7 @@ private:
     }
 
     std::map<std::string, std::deque<std::string>> m_answers;
-    int m_master;
+    const int m_master;
     AtLineReader m_reader;
     AtPort::Time m_now{1h};
 };
@@ -401,40 +396,6 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
     }
 }
 
-TEST_F(AtPortTest, waitsForABusyCard)
-{
-    const PortEnvelope envelope{{0xd3, 0x00}, "MENU SELECTION", true};
-    const struct {
-        const char *what;
-        std::deque<std::string> answers;
-        int times;
-        Strings told;
-    } rows[] = {
-        {"nothing follows", {"\r\n+CUSATE: 0\r\n+CUSATE2: 144,0\r\n\r\nOK\r\n"}, 1, {"end"}},
-        {"only OK", {"\r\nOK\r\n"}, 1, {"end"}},
-        {"busy, twice",
-         {"\r\n+CUSATE: \"\",1\r\nOK\r\n", "\r\n+CUSATE2: 147,0\r\nOK\r\n", "\r\nOK\r\n"},
-         3,
-         {"end"}},
-        {"refused", {"\r\nERROR\r\n"}, 1, {"IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.what);
-        open({{"AT+CUSATE", row.answers}});
-        modem->run(*port, 20s);
-        told.lines.clear();
-        ASSERT_TRUE(port->takesEnvelope());
-        port->sendEnvelope(envelope, modem->now());
-        modem->run(*port, 20s);
-        const auto isEnvelope = [](const std::string &line) {
-            return line.rfind("AT+CUSATE=", 0) == 0;
-        };
-        EXPECT_EQ(std::count_if(modem->heard.begin(), modem->heard.end(), isEnvelope), row.times);
-        EXPECT_EQ(told.lines, row.told);
-        port->close();
-    }
-}
-
 TEST_F(AtPortTest, leavesACommandOpenThatCameBeforeTheEnvelopesResult)
 {
     const std::string ok = "\r\nOK\r\n";
@@ -476,28 +437,6 @@ TEST_F(AtPortTest, startsTheCardAnewDuringAnExchange)
         EXPECT_EQ(told.lines, row.told);
         port->close();
     }
-}
-
-TEST_F(AtPortTest, comesBackWithTheCard)
-{
-    open({{"AT+CPIN?", {"\r\n+CPIN: READY\r\n\r\nOK\r\n"}}});
-    modem->run(*port, 20s);
-    told.lines.clear();
-    modem->say("\r\n+CPIN: SIM REMOVED\r\n");
-    modem->run(*port, 20s);
-    EXPECT_EQ(told.lines, (Strings{"IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "rest"}));
-}
-
-TEST_F(AtPortTest, comesBackAfterTheModemHasGone)
-{
-    open({});
-    modem->run(*port, 20s);
-    told.lines.clear();
-    modem->hangUp();
-    modem->run(*port, 3s);
-    EXPECT_EQ(told.lines,
-              (Strings{"IDS_CM_NOTICE_MODEM_GONE", "departed", "IDS_CM_NOTICE_MODEM_MISSING",
-                       "departed"}));
 }
 
 namespace {
