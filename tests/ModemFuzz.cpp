@@ -1,9 +1,12 @@
-// A modem on an AT port that says anything, and a person who does anything, in simulated time:
+// A modem that says anything, on an AT port or with nothing but the toolkit's traffic, and a person
+// who does anything, in simulated time:
 //   ModemFuzz [SECONDS [SEED]]
-// Aborts where a rule is broken: no rest, a PIN that is sent unasked, a command that is none.
+// Aborts where a rule is broken: no rest, a PIN that is sent unasked, a command that is none, two
+// answers to a command, or none.
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 #include <fcntl.h>
 #include <termios.h>
@@ -66,6 +69,40 @@ std::string line()
     return below(50) == 0 ? std::string(below(20000), 'A') : "\r\n" + text + "\r\n";
 }
 
+// Until card and terminal have nothing more to do at that time.
+void rest(ToolkitTerminal &card, Card::Time now)
+{
+    for (int events = 0; events < 100; ++events) {
+        const auto event = card.nextEvent(now);
+        if (event && std::holds_alternative<ModemReady>(*event))
+            card.powerOn(now);
+        else if (!event && card.wakeUp() > now)
+            return;
+    }
+    check(false, "no rest");
+}
+
+void doAnything(ToolkitTerminal &card, Watcher &watcher, Card::Time now)
+{
+    if (below(3) == 0)
+        card.respond({static_cast<TerminalResponse::Result>(below(5))}, now);
+    if (below(20) == 0)
+        card.selectMenuItem(static_cast<int16_t>(below(256)), now);
+    if (below(200) == 0)
+        card.endSession();
+    if (below(200) == 0)
+        card.restart(now);
+    if (watcher.request && below(4) == 0) {
+        watcher.allowed = 1;
+        card.answerPin(watcher.request, Pin("1234", 4), now);
+    }
+}
+
+Card::Time later(const ToolkitTerminal &card, Card::Time now)
+{
+    return std::max(now + 1ms * below(200), below(10) ? now : std::min(card.wakeUp(), now + 1min));
+}
+
 void live()
 {
     const int master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
@@ -81,8 +118,7 @@ void live()
     Card::Time now = Card::Time() + 1h;
     card.powerOn(now);
     for (int step = 0; step < 2000; ++step) {
-        for (int events = 0; card.nextEvent(now) || card.wakeUp() <= now; ++events)
-            check(events < 100, "no rest");
+        rest(card, now);
         char heard[8192];
         const ssize_t count = ::read(master, heard, sizeof heard);
         const std::string said(heard, count > 0 ? static_cast<size_t>(count) : 0);
@@ -91,25 +127,122 @@ void live()
             check(watcher.allowed-- > 0, "a PIN was sent unasked");
         const std::string answer = line();
         [[maybe_unused]] const ssize_t sent = ::write(master, answer.data(), answer.size());
-        now =
-            std::max(now + 1ms * below(200), below(10) ? now : std::min(card.wakeUp(), now + 1min));
-        if (below(3) == 0)
-            card.respond({static_cast<TerminalResponse::Result>(below(5))}, now);
-        if (below(20) == 0)
-            card.selectMenuItem(static_cast<int16_t>(below(256)), now);
-        if (below(200) == 0)
-            card.restart(now);
-        if (watcher.request && below(4) == 0) {
-            watcher.allowed = 1;
-            card.answerPin(watcher.request, Pin("1234", 4), now);
-        }
-        cat::Bytes notified(below(300));
-        for (uint8_t &byte : notified)
-            byte = static_cast<uint8_t>(theRandom());
-        check(commandIn(notified).size() <= notified.size(), "a command beyond its notification");
+        now = later(card, now);
+        doAnything(card, watcher, now);
     }
     ::close(master); // gone
     card.nextEvent(now + 1h);
+}
+
+// A modem with nothing between it and the toolkit's traffic, as it is by MBIM: what it brings is to
+// be answered or not, and once.
+class AnyPort : public ModemPort {
+public:
+    explicit AnyPort(Watcher &watcher)
+        : ModemPort("modem", watcher)
+    {
+    }
+    void work(Time now) override
+    {
+        if (std::exchange(acts, false))
+            act(now);
+        if (m_sending == Nothing)
+            goOn(now);
+    }
+    Time wakeUp() const override { return m_sending == Nothing ? nextTime() : Never; }
+    void answer(bool taken, bool busy, Time now)
+    {
+        const Sending what = std::exchange(m_sending, Nothing);
+        const bool inOtherForm = !taken && !busy && below(2);
+        if (what == Step && wantsAnswer())
+            stepDone(now);
+        else if (what != Nothing && what != Step && inOtherForm)
+            m_toolkit.sendAgain();
+        else if (what != Nothing && what != Step)
+            answered({taken, std::nullopt, {}}, busy, now);
+        if (what == Response && (busy || inOtherForm) && !m_asked)
+            m_asked = m_sent;
+    }
+
+    bool acts = false;
+
+private:
+    enum Sending { Nothing, Step, Response, Envelope };
+
+    void act(Time now)
+    {
+        const unsigned what = below(100);
+        if (what == 0 && isInUse() && m_sending != Step)
+            cardIsGone(now);
+        else if (what == 1)
+            lose(now);
+        else if (what < 10 && isInUse())
+            m_toolkit.sessionEnded();
+        else if (what < 50)
+            answer(below(4), below(4) == 0, now);
+        else if (isInUse() && !isStartingAnew())
+            bring(below(4), now);
+    }
+    void bring(bool wantsAnswer, Time now)
+    {
+        cat::Bytes command = m_command;
+        const bool isNew = below(4);
+        if (isNew) {
+            command = catCommands()[below(unsigned(catCommands().size()))];
+            command[4] = static_cast<uint8_t>(++m_number);
+        }
+        // The answer that is on its way is the second's, too.
+        const bool isTwice = !isNew && m_sending == Response && !m_asked &&
+            (now - m_sentAt < 50ms || command[5] == 0x25);
+        if (wantsAnswer)
+            m_command = command;
+        if (wantsAnswer && !isTwice)
+            m_asked = command[4];
+        command.resize(command.size() + below(4)); // padding
+        m_toolkit.commandArrived(commandIn(command), wantsAnswer, now);
+    }
+    void enter(Stage) override { m_switchedOff = false; }
+    void takeStep(Time) override { m_sending = Step; }
+    void stepDone(Time now) { isInUse() ? m_toolkit.run(now) : cardIsThere(now); }
+    void send(const ModemToolkit::Message &message, Time now) override
+    {
+        m_sending = Envelope;
+        if (message.kind == ModemToolkit::Message::Kind::Envelope)
+            return;
+        m_sending = Response;
+        m_sent = message.data[2];
+        m_sentAt = now;
+        check(std::exchange(m_asked, std::nullopt) == m_sent, "an answer that nobody waits for");
+    }
+    void disconnect(bool) override { m_sending = Nothing; }
+
+    Sending m_sending = Nothing;
+    int m_number = 0;
+    cat::Bytes m_command = catCommands()[0]; // the last
+    std::optional<uint8_t> m_asked; // the number of the command that waits for its answer
+    uint8_t m_sent = 0;
+    Time m_sentAt;
+};
+
+void liveBesideAnything()
+{
+    Watcher watcher;
+    auto owned = std::make_unique<AnyPort>(watcher);
+    AnyPort &port = *owned;
+    ToolkitTerminal card(std::move(owned), "modem", "en", watcher);
+    Card::Time now = Card::Time() + 1h;
+    card.powerOn(now);
+    for (int step = 0; step < 2000; ++step) {
+        port.acts = true;
+        rest(card, now);
+        now = later(card, now);
+        doAnything(card, watcher, now);
+    }
+    for (int second = 0; second < 100; ++second, now += 1s, rest(card, now)) { // all is well again
+        port.answer(true, false, now);
+        card.respond({TerminalResponse::Result::Performed}, now);
+    }
+    check(port.takesEnvelope(), "a modem that is of no use any more");
 }
 
 } // namespace
@@ -122,5 +255,5 @@ int main(int argc, char **argv)
     theRandom.seed(seed);
     const auto end = Card::Clock::now() + std::chrono::seconds(argc > 1 ? std::atoi(argv[1]) : 10);
     while (Card::Clock::now() < end)
-        live();
+        below(2) ? live() : liveBesideAnything();
 }

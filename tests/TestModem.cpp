@@ -14,7 +14,7 @@
 #include "modem/AtLines.h"
 #include "modem/AtPort.h"
 #include "modem/MbimSupport.h"
-#include "toolkit/ToolkitTerminal.h"
+#include "toolkit/Notices.h"
 
 using Strings = std::vector<std::string>;
 using namespace std::chrono_literals;
@@ -103,7 +103,6 @@ TEST(MbimSupport, tellsWhoHasAType)
 
 namespace {
 
-constexpr const char *MenuCommand = "D01281030125008202818285034142638F020141";
 constexpr const char *TextCommand = "D00D8103012180820281028D020441";
 
 // What the port told, a line each.
@@ -351,27 +350,11 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
          command,
          2,
          {"command 15", "end"}},
-        {"is busy",
-         {{"AT+CUSATT", {"\r\n+CME ERROR: 14\r\n", "\r\nOK\r\n"}}},
-         command,
-         2,
-         {"command 15", "end"}},
         {"refuses",
          {{"AT+CUSATT", {"\r\n+CME ERROR: 100\r\n"}}},
          command,
          1,
          {"command 15", "IDS_CM_NOTICE_MODEM_REFUSES", "end"}},
-        {"told twice", {}, command + command, 1, {"command 15", "end"}},
-        {"told twice, and the first is on its way",
-         {{"AT+CUSATT", {command + "\r\nOK\r\n"}}},
-         command,
-         1,
-         {"command 15", "end"}},
-        {"overtaken",
-         {},
-         command + "+CUSATP:" + MenuCommand + "\r\n",
-         1,
-         {"command 15", "command 20", "end"}},
         {"unreadable", {}, "\r\n+CUSATP: \"D0X\"\r\n", 0, {"IDS_CM_NOTICE_MODEM_UNREADABLE"}},
         {"falls silent",
          {{"AT+CUSATT", {""}}},
@@ -437,59 +420,4 @@ TEST_F(AtPortTest, startsTheCardAnewDuringAnExchange)
         EXPECT_EQ(told.lines, row.told);
         port->close();
     }
-}
-
-namespace {
-
-// A modem with nothing between it and the toolkit's traffic.
-class BarePort : public ModemPort {
-public:
-    explicit BarePort(PortReports &reports)
-        : ModemPort("modem", reports)
-    {
-    }
-    void work(Time now) override { goOn(now); }
-    Time wakeUp() const override { return nextTime(); }
-    void bring(const char *command, bool wantsAnswer)
-    {
-        m_toolkit.commandArrived(*bytesOf(command), wantsAnswer, {});
-    }
-
-    int responses = 0;
-
-private:
-    void enter(Stage) override { }
-    void takeStep(Time now) override { isInUse() ? m_toolkit.run(now) : cardIsThere(now); }
-    void send(const ModemToolkit::Message &, Time now) override
-    {
-        ++responses;
-        answered({true, std::nullopt, {}}, false, now);
-    }
-    void disconnect(bool) override { }
-};
-
-} // namespace
-
-// What a modem has answered by itself does not take a question's place.
-TEST(ModemPort, showsWhatIsToldDuringAQuestionAfterIt)
-{
-    Told told;
-    auto owned = std::make_unique<BarePort>(told);
-    BarePort &port = *owned;
-    ToolkitTerminal terminal(std::move(owned), "modem", "en", told);
-    terminal.powerOn({});
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(terminal.nextEvent({}), std::nullopt);
-    port.bring(TextCommand, true);
-    ASSERT_TRUE(terminal.nextEvent({}));
-    port.bring(MenuCommand, false);
-    EXPECT_FALSE(terminal.nextEvent({}));
-    terminal.respond({TerminalResponse::Result::Performed}, {});
-    EXPECT_EQ(terminal.wakeUp(), Card::Time{});
-    const auto menu = terminal.nextEvent({});
-    ASSERT_TRUE(menu && std::holds_alternative<ProactiveCommand>(*menu));
-    EXPECT_TRUE(std::holds_alternative<SetUpMenu>(std::get<ProactiveCommand>(*menu).body));
-    terminal.respond({TerminalResponse::Result::Performed}, {});
-    terminal.nextEvent({});
-    EXPECT_EQ(port.responses, 1);
 }
