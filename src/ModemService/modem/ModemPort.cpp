@@ -94,6 +94,7 @@ void ModemPort::restart(Time now)
     endPinRequest();
     m_pinDeclined = false;
     m_toolkit.forget();
+    m_trouble.clear(); // what is in the way then is worth telling again
     m_restart = true;
     m_stepAt = now;
 }
@@ -157,6 +158,8 @@ void ModemPort::answered(ModemToolkit::Outcome outcome, bool busy, Time now)
         return;
     if (!outcome.taken && !m_toolkit.sending().empty())
         tell(NoticeId::ModemRefuses, m_toolkit.sending());
+    else if (outcome.taken)
+        m_trouble.clear();
     m_toolkit.answered(std::move(outcome), now);
 }
 
