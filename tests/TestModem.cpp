@@ -289,16 +289,20 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
 
 TEST_F(AtPortTest, asksForThePinOnce)
 {
-    const std::string wanted = "\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n",
-                      ready = "\r\n+CPIN: READY\r\n\r\nOK\r\n";
+    const std::string is = "\r\n+CPIN: ", ok = "\r\n\r\nOK\r\n", wanted = is + "SIM PIN" + ok;
     const struct {
         const char *what, *entered; // the modem's answer to the PIN
         Strings told;
-        bool believed = true; // at last
+        std::string last = "READY", third = "SIM PIN"; // states
     } rows[] = {
         {"right", "\r\nOK\r\n", {"arrived", "PIN", "rest"}},
-        {"right, and without effect", "\r\nOK\r\n", {"arrived", "PIN", "PIN"}, false},
+        {"right, and without effect", "\r\nOK\r\n", {"arrived", "PIN", "PIN"}, "SIM PIN"},
         {"wrong", "\r\n+CME ERROR: 16\r\n", {"arrived", "PIN", "wrong PIN"}},
+        {"wrong, for the last time",
+         "\r\n+CME ERROR: 16\r\n",
+         {"arrived", "PIN", "IDS_CM_NOTICE_PIN_BLOCKED", "rest"},
+         "SIM PUK",
+         "SIM PUK"},
         {"blocked",
          "\r\n+CME ERROR: SIM PUK required\r\n",
          {"arrived", "PIN", "IDS_CM_NOTICE_PIN_BLOCKED", "rest"}},
@@ -309,7 +313,7 @@ TEST_F(AtPortTest, asksForThePinOnce)
     for (const auto &row : rows) {
         SCOPED_TRACE(row.what);
         told.lines.clear();
-        open({{"AT+CPIN?", {wanted, wanted, wanted, row.believed ? ready : wanted}},
+        open({{"AT+CPIN?", {wanted, wanted, is + row.third + ok, is + row.last + ok}},
               {"AT+CPIN", {row.entered}}});
         modem->run(*port, 20s);
         EXPECT_FALSE(hasHeard("AT+CUSATW=?"));

@@ -100,7 +100,7 @@ void AtPort::disconnect(bool taken)
     m_exchange.reset();
     m_early.clear();
     m_found = SerialPort::State::Open;
-    m_silences = m_pinReadings = 0;
+    m_silences = 0;
     m_quotes = true;
     m_quotesKnown = false;
 }
@@ -232,8 +232,10 @@ void AtPort::finish(Time now)
 
 void AtPort::enter(Stage stage)
 {
-    if (stage != Stage::Pin)
+    if (stage != Stage::Pin) {
         m_pinReadings = 0;
+        m_pinWrong = false;
+    }
     switch (stage) {
     case Stage::Modem:
         m_step = Step::Probe;
@@ -330,7 +332,7 @@ void AtPort::pinRead(const Answer &answer, Time now)
         cardIsThere(now);
     } else if (state == "SIM PIN" && !isPinDeclined()) {
         if (m_pinReadings == 0)
-            return wantPin(0, false);
+            return wantPin(0, m_pinWrong);
         --m_pinReadings; // some take their time to believe the right one
         m_stepAt = now + RetryPeriod;
     } else {
@@ -344,10 +346,9 @@ void AtPort::pinEntered(const Answer &answer, Time now)
 {
     endPinRequest();
     m_pinReadings = answer.isOk() ? MostPinReadings : 0;
-    if (answer.isOk()) {
-        goTo(Stage::Pin, now);
-    } else if (answer.error() == WrongPassword) {
-        wantPin(0, true);
+    m_pinWrong = answer.error() == WrongPassword;
+    if (answer.isOk() || m_pinWrong) {
+        goTo(Stage::Pin, now); // the last wrong one has blocked it
     } else {
         goOnWithoutPin(answer.error() == PukWanted ? NoticeId::PinBlocked
                                                    : NoticeId::ModemRefusesPin);

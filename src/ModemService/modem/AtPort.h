@@ -91,6 +91,7 @@ private:
     std::optional<Exchange> m_exchange;
     int m_silences = 0; // in a row
     int m_pinReadings = 0; // left, until a PIN that was taken must have had its effect
+    bool m_pinWrong = false; // what was entered
     bool m_quotes = true; // about hexadecimal digits
     bool m_quotesKnown = false; // the modem has taken them so
     cat::Bytes m_early; // a command that came before start(); some modems do not repeat it
