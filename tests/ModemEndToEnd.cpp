@@ -237,7 +237,7 @@ TEST_P(EachWay, losesItsSim)
 
 TEST_P(EachWay, asksForThePin)
 {
-    std::vector<Pin> entries = {Pin("0000", 4), Pin("1234", 4)};
+    std::vector<Pin> entries = {Pin(), Pin("0000", 4), Pin("1234", 4)};
     std::vector<PinRequest> requests;
     CardHost::setPinListener([&](const std::optional<PinRequest> &request) {
         if (!request || requests.size() == entries.size())
@@ -250,12 +250,17 @@ TEST_P(EachWay, asksForThePin)
            R"("D0 10 8103012500 82028182 85014D 8F020141", "expect": "8103012500 82028281 830100"}]]})";
     plugIn(GetParam(), {}, m_folder + "-card.json");
     open();
+    ASSERT_TRUE(noticed("goes on without its PIN"));
+    EXPECT_FALSE(noticed("not ready", 1s)); // in place of the reason
+    m_modem->signal(SIGUSR2);
+    ASSERT_TRUE(calls.next(Removed, 5s));
+    m_modem->signal(SIGUSR2);
     ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
     CardHost::setPinListener(nullptr);
-    ASSERT_EQ(requests.size(), 2u);
-    EXPECT_FALSE(requests[0].wrong);
-    EXPECT_TRUE(requests[1].wrong);
-    EXPECT_EQ(requests[1].triesLeft, GetParam() == At ? 0 : 2); // AT does not tell
+    ASSERT_EQ(requests.size(), 3u);
+    EXPECT_FALSE(requests[1].wrong);
+    EXPECT_TRUE(requests[2].wrong);
+    EXPECT_EQ(requests[2].triesLeft, GetParam() == At ? 0 : 2); // AT does not tell
     expectNothingTwice(true);
 }
 

@@ -18,8 +18,7 @@ constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
 // The modem can say more once its card is ready.
 bool waitsForCard(std::optional<int> status)
 {
-    return status == MBIM_STATUS_ERROR_SIM_NOT_INSERTED ||
-        status == MBIM_STATUS_ERROR_PIN_REQUIRED || status == MBIM_STATUS_ERROR_NOT_INITIALIZED;
+    return status == MBIM_STATUS_ERROR_PIN_REQUIRED || status == MBIM_STATUS_ERROR_NOT_INITIALIZED;
 }
 
 enum class CardState { There, Starting, Missing };
@@ -286,15 +285,27 @@ void MbimPort::pinEntered(const Result &result)
     go(Step::ReadPin);
 }
 
+bool MbimPort::lacksCard(const Result &result)
+{
+    if (result.status == MBIM_STATUS_ERROR_SIM_NOT_INSERTED) {
+        tell(NoticeId::ModemNoSim);
+        cardIsGone(m_now);
+        return true;
+    }
+    if (!waitsForCard(result.status))
+        return false;
+    if (result.status != MBIM_STATUS_ERROR_PIN_REQUIRED || !isPinDeclined())
+        tell(NoticeId::ModemNotReady, result.error); // else the reason is told already
+    goTo(Stage::Pin, m_now + RetryPeriod); // it may be wanted by then
+    return true;
+}
+
 void MbimPort::supportRead(const Result &result)
 {
     const guint8 *support = nullptr;
     m_support = MbimSupport();
-    if (waitsForCard(result.status)) {
-        tell(NoticeId::ModemNotReady, result.error);
-        goTo(Stage::Pin, m_now + RetryPeriod); // it may be wanted by then
+    if (lacksCard(result))
         return;
-    }
     if (result.isDone() && mbim_message_stk_pac_response_parse(result.message, &support, nullptr))
         std::copy_n(support, MbimSupport::Types, m_support.of.begin());
     if (!m_support.isFree(SetUpMenuType))
@@ -318,10 +329,12 @@ void MbimPort::subscribed(const Result &)
 void MbimPort::tookOver(const Result &result)
 {
     if (!result.isDone()) {
+        m_taken = false;
+        if (lacksCard(result))
+            return;
         tell(result.status == MBIM_STATUS_ERROR_STK_BUSY ? NoticeId::ModemToolkitInUse
                                                          : NoticeId::ModemNotReady,
              result.error);
-        m_taken = false;
         m_stepAt = m_now + RetryPeriod;
         return;
     }
@@ -365,10 +378,13 @@ void MbimPort::takeCardState(MbimMessage *indication)
     if (!mbim_message_subscriber_ready_status_notification_parse(
             indication, &state, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr))
         return;
+    const bool missing = stateOf(state) == CardState::Missing;
+    // Between two steps, too: its PIN may be asked for.
+    const bool atRest = m_toolkit.isRunning() || (missing && !m_waiting && !isStartingAnew());
     if (stateOf(state) == CardState::There) {
         lookAgain(m_now);
-    } else if (isInUse() && m_toolkit.isRunning()) {
-        if (stateOf(state) == CardState::Missing)
+    } else if (isInUse() && atRest) {
+        if (missing)
             tell(NoticeId::ModemNoSim);
         cardIsGone(m_now);
     }

@@ -56,6 +56,7 @@ private:
     void switchedOn(const Result &result);
     void pinRead(const Result &result);
     void pinEntered(const Result &result);
+    bool lacksCard(const Result &result);
     void supportRead(const Result &result);
     void envelopesRead(const Result &result);
     void subscribed(const Result &result);
