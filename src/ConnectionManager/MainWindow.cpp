@@ -350,8 +350,10 @@ void MainWindow::createCommandMenu()
             m_cardMenu->addAction(action);
             continue;
         }
-        if (!ways || ways->title() != command.name)
+        if (!ways || ways->title() != command.name) {
             ways = m_cardMenu->addMenu(command.name);
+            m_commandActions->addAction(ways->menuAction());
+        }
         ways->addAction(action);
         m_actionTexts.append({action, command.wayId});
     }
