@@ -33,8 +33,9 @@ GlibLoop::Use::~Use()
 // What GLib starts from inside a callback belongs to the loop, too.
 void GlibLoop::run()
 {
+    constexpr int Most = 1000; // of what never stops
     const Use use(*this);
-    while (g_main_context_iteration(m_context, FALSE)) { }
+    for (int i = 0; i < Most && g_main_context_iteration(m_context, FALSE); ++i) { }
 }
 
 void GlibLoop::runOnce(Time end)

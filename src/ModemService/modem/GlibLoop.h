@@ -29,7 +29,7 @@ public:
         GMainContext *const m_context;
     };
 
-    /// Does what is to be done, without waiting.
+    /// Does what is to be done, without waiting, if not for ever.
     void run();
     /// The same, waiting until the time for the condition.
     template <class Condition> void runUntil(Time end, Condition isMet)

@@ -31,7 +31,7 @@ void ModemToolkit::run(Time now)
 
 void ModemToolkit::forget()
 {
-    m_running = m_open = m_overtaken = m_envelopeSent = false;
+    m_running = m_open = m_overtaken = m_endTold = m_envelopeSent = false;
     m_command.clear();
     m_response.reset();
     m_sent.reset();
@@ -83,6 +83,7 @@ void ModemToolkit::sessionEnded()
     if (isChosen() && !m_open)
         return; // the session that is over is one that the person has left
     m_open = false;
+    m_endTold = m_sent.has_value();
     m_events->sessionEnded();
 }
 
@@ -170,7 +171,8 @@ void ModemToolkit::responseAnswered(const Outcome &outcome, Time now)
     PortResponse sent = std::move(*std::exchange(m_sent, std::nullopt));
     m_reports.exchanged(terminalResponseOf(sent, outcome.taken, outcome.status));
     explicit_bzero(sent.data.data(), sent.data.size());
-    if (!std::exchange(m_overtaken, false) && !isChosen())
+    const bool endTold = std::exchange(m_endTold, false);
+    if (!std::exchange(m_overtaken, false) && !endTold && !isChosen())
         m_endAt = now + (outcome.status == NothingFollows ? ShortIdleTime : IdleTime);
 }
 

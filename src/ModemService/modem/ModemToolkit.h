@@ -84,6 +84,7 @@ private:
     std::optional<PortResponse> m_sent; // on its way
     Time m_sentAt;
     bool m_overtaken = false; // a newer command came while that was on its way
+    bool m_endTold = false; // the session's, while that was on its way
     std::optional<PortEnvelope> m_envelope; // to be sent, or on its way
     bool m_envelopeSent = false;
     BusyWait m_busy;
