@@ -154,7 +154,8 @@ private slots:
         for (const QByteArray &line : lines)
             QVERIFY2(!QJsonDocument::fromJson(line).object().isEmpty(), line);
         QVERIFY(!traced ||
-                read(trace).contains("\n../../src/STKPlugin/STKPlugin: UnSDKRegisterEvent exit\n"));
+                read(trace).contains("STKPlugin: UnSDKRegisterEvent exit\nStart of "
+                                     "../../src/STKPlugin/STKPlugin: OnDestroy: "));
     }
 
     void endsWalkthrough_data();

@@ -94,8 +94,10 @@ void PluginHost::unload()
     // pending.
     for (const QPointer<ExtendDialog> &window : pluginWindows())
         delete window.data();
-    if (m_ui)
+    if (m_ui) {
         m_ui->UnSDKRegisterEvent();
+        m_ui->OnDestroy();
+    }
     m_ui = nullptr;
     m_notify = nullptr;
     delete m_root.data();
