@@ -115,6 +115,11 @@ std::string programsWith(const std::string &device)
                 continue;
             std::string name;
             std::ifstream(process.path() / "comm") >> name;
+            constexpr size_t MostOfName = 15; // the rest the system cuts off
+            const std::string program =
+                fs::read_symlink(process.path() / "exe", denied).filename().string();
+            if (name.size() == MostOfName && program.compare(0, MostOfName, name) == 0)
+                name = program;
             names += (names.empty() ? "" : ", ") + name;
             break;
         }
