@@ -143,6 +143,24 @@ private slots:
                  "not the application's name");
     }
 
+    void modalWindowsOfOneParentLieOverEachOther()
+    {
+        QWidget parent;
+        ExtendDialog a(&parent, {}, 1), b(&parent, {}, 1), c(&parent, {}, 1);
+        parent.show();
+        QList<QWindow *> below{parent.windowHandle()};
+        for (ExtendDialog *frame : {&a, &b, &c}) {
+            frame->resize(200, 100);
+            frame->setWindowModality(Qt::WindowModal);
+            frame->show();
+            below.prepend(frame->windowHandle());
+        }
+        for (ExtendDialog *gone : {&b, &a, &c}) {
+            QCOMPARE(c.windowHandle()->transientParent(), below.takeAt(1));
+            gone->hide();
+        }
+    }
+
     void messageFrameFollowsItsBox()
     {
         ExtendDialog frame(nullptr, Qt::WindowCloseButtonHint, 4);

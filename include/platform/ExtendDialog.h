@@ -10,7 +10,8 @@ class QVBoxLayout;
 /* The host's framed dialog: one look for every window over the main window.
  *
  * Unlike a plain dialog it takes the button that has the focus when it is shown as its default
- * button, so that Return means what the focus says. */
+ * button, so that Return means what the focus says.  A modal one stays over the one that was modal
+ * before it, also where both have the same parent. */
 class HOSTUI_API ExtendDialog : public QDialog {
     Q_OBJECT
 

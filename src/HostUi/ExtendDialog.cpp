@@ -26,6 +26,56 @@ static void showTitleAsTyped(QWidget *window)
     if (window->windowHandle())
         window->windowHandle()->setTitle(title.isEmpty() ? QString(Blank) : title);
 }
+
+namespace {
+
+/* Keeps a window over the one that was modal before it, or over what that one was over once it is
+ * gone. */
+class Place : public QObject {
+public:
+    Place(QWidget *dialog, QWindow *behind)
+        : QObject(dialog)
+        , m_window(dialog->windowHandle())
+    {
+        putOver(behind);
+    }
+
+protected:
+    bool eventFilter(QObject *behind, QEvent *event)
+    {
+        if (event->type() == QEvent::Hide && m_window && m_window->transientParent() == behind)
+            putOver(m_window->transientParent()->transientParent());
+        return false;
+    }
+
+private:
+    void putOver(QWindow *behind)
+    {
+        m_window->setTransientParent(behind);
+        if (behind)
+            behind->installEventFilter(this);
+    }
+
+    const QPointer<QWindow> m_window;
+};
+
+} // namespace
+
+// Where two modal windows have one parent, Qt takes the parent for what blocks the older one, and
+// makes it active as soon as the newer one has the keyboard: keys are lost there, and a line in the
+// newer window drops its selection.
+static void placeOverModalWindow(QWidget *dialog)
+{
+    const QWidget *const modal = QApplication::activeModalWidget();
+    QWindow *const behind = modal ? modal->window()->windowHandle() : 0;
+    if (!behind || !dialog->isModal())
+        return;
+    dialog->winId(); // creates the window's handle
+    const QWindow *const window = dialog->windowHandle(), *const parent = window->transientParent();
+    if (parent && parent->isAncestorOf(behind, QWindow::IncludeTransients) &&
+        !window->isAncestorOf(behind, QWindow::IncludeTransients) && window != behind)
+        new Place(dialog, behind);
+}
 #else
 // The title bar cannot be reached and shows what is stored: the application's name in place of an
 // empty title, and a placeholder as typed only where it is doubled.
@@ -35,6 +85,8 @@ static QString storedTitle(const QString &title)
 }
 
 static void showTitleAsTyped(QWidget *) { }
+
+static void placeOverModalWindow(QWidget *) { }
 #endif
 
 namespace {
@@ -98,6 +150,8 @@ void ExtendDialog::setVisible(bool visible)
     if (visible && !isVisible())
         wanted = qobject_cast<QPushButton *>(focusWidget());
     const bool hadKeyboard = isActiveWindow(); // and not another program, which would lose it
+    if (visible && !isVisible() && isWindow())
+        placeOverModalWindow(this);
     QDialog::setVisible(visible);
     if (!visible && hadKeyboard)
         offerKeyboard();
