@@ -186,6 +186,9 @@ bool STKInputDlg::initUI(QWidget *parent)
     m_pExtendDlg = new (std::nothrow) STKInputExtendDlg(parent);
     if (TRACE_IS_NULL(m_pExtendDlg))
         return false;
+    // Without a handle of its own the line would have the keyboard grabbed for the window behind,
+    // and that takes the keys of every program.
+    m_pExtendDlg->winId();
     m_pMainWidget = new (std::nothrow) QWidget(m_pExtendDlg);
     m_pBtnOk = new (std::nothrow) QPushButton(m_pExtendDlg);
     m_pBtnCancel = new (std::nothrow) QPushButton(m_pExtendDlg);
