@@ -238,6 +238,14 @@ private slots:
         dialog->stkWaitforRespond(1);
         waitForEnd(dialog);
         QVERIFY(!isBusy());
+        // It also ends when the first one's thread is held up on its way out.
+        connect(
+            dialog->m_pStkThread, &STKThread::ChangeCursor, this, [] { QThread::msleep(200); },
+            Qt::DirectConnection);
+        for (int wait = 0; wait < 2; ++wait) {
+            dialog->stkWaitforRespond(1);
+            QTRY_VERIFY(!isBusy());
+        }
     }
 
     void closing_data()

@@ -13,6 +13,7 @@ STKThread::STKThread()
     : m_bStop(false)
     , m_pStkLogic(STKLogic::CreateInstance())
     , m_iTimeOut(0)
+    , m_bLeaving(false)
 {
     TRACE_FILE_FUNC("%s: %s: called");
 }
@@ -29,6 +30,11 @@ STKThread::~STKThread()
 void STKThread::SetTimeOut(int iTimeOut)
 {
     TRACE_TIME_FILE_FUNC_VALUE("%s: %s: %s: Called with TimeOut = %d", iTimeOut);
+    // One that is not gone yet would not start again, and would forget this time-out.
+    if (m_bLeaving.load(std::memory_order_relaxed)) {
+        wait();
+        m_bLeaving.store(false, std::memory_order_relaxed);
+    }
     m_iTimeOut.store(iTimeOut, std::memory_order_relaxed);
     TRACE_TIME_FILE_FUNC("%s: %s: %s: Exited");
 }
@@ -53,6 +59,7 @@ void STKThread::run()
     while (!m_bStop.load(std::memory_order_relaxed) && !m_pStkLogic->GetResponseVar() &&
            TimeStamp(QTime::currentTime()) - iStart < m_iTimeOut.load(std::memory_order_relaxed))
         msleep(POLL_INTERVAL_MS);
+    m_bLeaving.store(true, std::memory_order_relaxed);
     emit ChangeCursor();
     m_iTimeOut.store(0, std::memory_order_relaxed);
 }

@@ -38,6 +38,7 @@ protected:
 private:
     STKLogic *m_pStkLogic;
     std::atomic<int> m_iTimeOut;
+    std::atomic<bool> m_bLeaving; /* the end of the wait is told, or about to be */
 };
 
 #endif
