@@ -1,13 +1,7 @@
-# The modem of src/VirtualModem: what a terminal finds at its port.
-stk_gtest(NAME TestVirtualModem SOURCES TestVirtualModem.cpp LIBS StrictJson)
-target_compile_definitions(TestVirtualModem PRIVATE
-  CARDS="${PROJECT_SOURCE_DIR}/cards/conformance" VIRTUAL_MODEM="$<TARGET_FILE:VirtualModem>")
-add_dependencies(TestVirtualModem VirtualModem)
-
 # The ports to a modem, without one.
 stk_gtest(NAME TestModem SOURCES TestModem.cpp LIBS ModemServiceObjects)
 
-# The ports at the modem of src/VirtualModem.  
+# The ports at the modem of src/VirtualModem.
 add_executable(ModemEndToEnd ModemEndToEnd.cpp)
 target_link_libraries(ModemEndToEnd PRIVATE ReaderTools ModemServiceObjects GTest::gtest_main)
 target_compile_definitions(ModemEndToEnd PRIVATE VIRTUAL_MODEM="$<TARGET_FILE:VirtualModem>")
