@@ -322,6 +322,10 @@ TEST_F(AtPortTest, asksForThePinOnce)
         modem->run(*port, 20s);
         EXPECT_EQ(std::count(modem->heard.begin(), modem->heard.end(), "AT+CPIN=\"1234\""), 1);
         EXPECT_EQ(told.lines, row.told);
+        const bool isBlocked =
+            std::count(told.lines.begin(), told.lines.end(), "IDS_CM_NOTICE_PIN_BLOCKED");
+        port->tellMissingMenu();
+        EXPECT_EQ(told.lines.back() == "IDS_CM_NOTICE_NO_MENU_PIN_BLOCKED", isBlocked);
         port->close();
     }
 }

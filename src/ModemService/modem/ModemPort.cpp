@@ -52,7 +52,8 @@ void ModemPort::close()
     disconnect(std::exchange(m_taken, false));
     endPinRequest();
     m_toolkit.forget();
-    m_pinDeclined = m_restart = m_switchedOff = false;
+    m_withoutPin.reset();
+    m_restart = m_switchedOff = false;
 }
 
 void ModemPort::lose(Time now)
@@ -74,7 +75,7 @@ void ModemPort::cardIsThere(Time now)
 void ModemPort::cardIsGone(Time now)
 {
     endPinRequest();
-    m_pinDeclined = false; // another card has another PIN
+    m_withoutPin.reset(); // another card has another PIN
     m_toolkit.forget();
     m_place = Place::Awaited;
     goTo(Stage::Card, now + RetryPeriod);
@@ -92,7 +93,7 @@ void ModemPort::restart(Time now)
     if (m_place != Place::InUse)
         return;
     endPinRequest();
-    m_pinDeclined = false;
+    m_withoutPin.reset();
     m_toolkit.forget();
     m_trouble.clear(); // what is in the way then is worth telling again
     m_restart = true;
@@ -136,10 +137,17 @@ void ModemPort::endPinRequest()
 void ModemPort::goOnWithoutPin(NoticeId why)
 {
     tell(why);
-    m_pinDeclined = true;
+    m_withoutPin = why;
 }
 
 // ---- The toolkit at work ----
+
+void ModemPort::tellMissingMenu()
+{
+    tell(m_withoutPin == NoticeId::PinBlocked       ? NoticeId::NoMenuPinBlocked
+             : m_withoutPin == NoticeId::PinLeftOut ? NoticeId::NoMenuPinLeftOut
+                                                    : NoticeId::ModemNoMenu);
+}
 
 void ModemPort::respond(PortResponse response, Time)
 {

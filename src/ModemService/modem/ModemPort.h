@@ -27,7 +27,7 @@ public:
     bool isInSession() const override { return m_toolkit.isInSession(); }
     void setPollInterval(std::optional<std::chrono::milliseconds>, Time) override { }
     void answerPin(int request, const Pin &pin, Time now) override;
-    void tellMissingMenu() override { tell(NoticeId::ModemNoMenu); }
+    void tellMissingMenu() override;
     void restart(Time now) override;
     void lookAgain(Time now) override;
 
@@ -73,7 +73,7 @@ protected:
     const Pin &pin() const { return m_pin; }
     void endPinRequest();
     void goOnWithoutPin(NoticeId why);
-    bool isPinDeclined() const { return m_pinDeclined; }
+    bool isPinDeclined() const { return m_withoutPin.has_value(); }
 
     void tell(NoticeId id, const std::string &argument = {});
 
@@ -105,7 +105,7 @@ private:
     std::string m_trouble; // what was in the way, as told last
     std::optional<int> m_pinRequest;
     Pin m_pin;
-    bool m_pinDeclined = false;
+    std::optional<NoticeId> m_withoutPin; // why the card goes on so
 };
 
 #endif
