@@ -128,6 +128,7 @@ void MbimModem::forgetHost()
     m_card.detach();
     m_isOpen = false;
     m_hostControl.clear();
+    m_menu.reset();
     m_unsolicited.clear();
 }
 
@@ -194,6 +195,8 @@ void MbimModem::command(const mbim::Message &message)
         answer = dispatch(*command);
     if (m_faults.has(Fault::Early))
         tellUnsolicited();
+    if (command && command->service == Stk && command->cid == TerminalResponse && m_menu)
+        send(*std::exchange(m_menu, std::nullopt)); // so late that its answer is on its way
     done(message, answer);
     tellUnsolicited();
 }
@@ -476,6 +479,8 @@ std::optional<Bytes> MbimModem::proactiveCommand(const Bytes &command, uint8_t t
     case Host:
     case HostTookOver:
         notify(command, !isTold);
+        if (type == SetUpMenu && m_faults.has(Fault::Again))
+            m_menu = m_unsolicited.back();
         return isTold ? std::optional(Performed) : std::nullopt;
     case ModemTells:
         notify(command, false);

@@ -58,6 +58,7 @@ private:
     size_t m_longest = 4096; // message
     cat::Bytes m_hostControl; // PacHostControl
     std::vector<mbim::Message> m_unsolicited;
+    std::optional<mbim::Message> m_menu; // to be told once more
 };
 
 #endif

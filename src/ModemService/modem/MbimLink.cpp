@@ -30,6 +30,8 @@ struct MbimLink::Call {
     std::weak_ptr<MbimLink *> link;
     Done done;
     Message sent{nullptr, wiped};
+    Message answer{nullptr, mbim_message_unref};
+    ErrorHolder holder{};
 
     // It may be a PIN, or what a person has typed.
     static void wiped(MbimMessage *message)
@@ -115,31 +117,48 @@ void MbimLink::command(Message message, std::chrono::seconds patience, Done done
         return;
     const GlibLoop::Use use(m_loop);
     mbim_message_set_transaction_id(message.get(), mbim_device_get_next_transaction_id(m_device));
-    const auto call = new Call{m_self, std::move(done), {message.release(), Call::wiped}};
+    const auto call = new Call{m_self, std::move(done)};
+    call->sent.reset(message.release());
     mbim_device_command(m_device, call->sent.get(), static_cast<guint>(patience.count()),
                         m_cancellable, isAnswered, call);
 }
 
+// The library tells a notification when it is idle, but an answer at once: an answer waits for its
+// idle time, too, lest it overtakes what the modem has said before it.
 void MbimLink::isAnswered(GObject *source, GAsyncResult *result, gpointer data)
 {
-    ErrorHolder holder;
-    const Message answer(
-        mbim_device_command_finish(reinterpret_cast<MbimDevice *>(source), result, &holder.error),
-        mbim_message_unref);
+    Call *const call = static_cast<Call *>(data);
+    call->answer.reset(mbim_device_command_finish(reinterpret_cast<MbimDevice *>(source), result,
+                                                  &call->holder.error));
+    GSource *const idle = g_idle_source_new();
+    g_source_set_callback(
+        idle,
+        [](gpointer answered) {
+            tell(answered);
+            return G_SOURCE_REMOVE;
+        },
+        call, nullptr);
+    g_source_attach(idle, g_main_context_get_thread_default());
+    g_source_unref(idle);
+}
+
+void MbimLink::tell(gpointer data)
+{
     MbimLink *link = nullptr;
     const auto call = Call::taken(data, link);
     if (!call)
         return;
+    const MbimMessage *const answer = call->answer.get();
+    GError *&error = call->holder.error;
     if (answer)
-        mbim_message_response_get_result(answer.get(), MBIM_MESSAGE_TYPE_COMMAND_DONE,
-                                         &holder.error);
-    Result outcome{answer.get(), std::nullopt, ""};
-    if (answer && !holder.error)
+        mbim_message_response_get_result(answer, MBIM_MESSAGE_TYPE_COMMAND_DONE, &error);
+    Result outcome{answer, std::nullopt, ""};
+    if (answer && !error)
         outcome.status = MBIM_STATUS_ERROR_NONE;
-    if (holder.error) {
-        outcome.error = holder.error->message;
-        if (holder.error->domain == MBIM_STATUS_ERROR)
-            outcome.status = holder.error->code;
+    if (error) {
+        outcome.error = error->message;
+        if (error->domain == MBIM_STATUS_ERROR)
+            outcome.status = error->code;
     }
     call->done(outcome);
 }

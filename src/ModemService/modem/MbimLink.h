@@ -47,6 +47,7 @@ private:
     static void isMade(GObject *, GAsyncResult *result, gpointer data);
     static void isOpened(GObject *, GAsyncResult *result, gpointer data);
     static void isAnswered(GObject *, GAsyncResult *result, gpointer data);
+    static void tell(gpointer data);
     static void indicated(MbimDevice *, MbimMessage *message, gpointer self);
     static void removed(MbimDevice *, gpointer self);
 
