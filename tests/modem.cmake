@@ -7,7 +7,8 @@ target_link_libraries(ModemEndToEnd PRIVATE ReaderTools ModemServiceObjects GTes
 target_compile_definitions(ModemEndToEnd PRIVATE VIRTUAL_MODEM="$<TARGET_FILE:VirtualModem>")
 set_target_properties(ModemEndToEnd PROPERTIES AUTOMOC OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 add_dependencies(ModemEndToEnd VirtualModem)
-add_test(NAME ModemEndToEnd COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/beside 16 $<TARGET_FILE:ModemEndToEnd>)
+add_test(NAME ModemEndToEnd COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/apart
+  ${CMAKE_CURRENT_SOURCE_DIR}/beside 16 $<TARGET_FILE:ModemEndToEnd>)
 set_tests_properties(ModemEndToEnd PROPERTIES TIMEOUT 600 COST 120 ENVIRONMENT "${STK_TEST_ENVIRONMENT}")
 
 add_test(NAME ModemProxy COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/with-proxy ${CMAKE_CURRENT_SOURCE_DIR}/beside 3
@@ -23,8 +24,8 @@ foreach(card commands menus pin refresh session sim texts)
     if("${way}-${card}" MATCHES "^(at-pin|mbim-commands|mbim-session)$")
       continue()
     endif()
-    add_test(NAME Modem-${way}-${card} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/play
-      ${STK_BIN_DIR} ${PROJECT_SOURCE_DIR}/cards/conformance/${card}.json ${way})
+    add_test(NAME Modem-${way}-${card} COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/apart
+      ${CMAKE_CURRENT_SOURCE_DIR}/play ${STK_BIN_DIR} ${PROJECT_SOURCE_DIR}/cards/conformance/${card}.json ${way})
     set_tests_properties(Modem-${way}-${card} PROPERTIES ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300)
   endforeach()
 endforeach()
