@@ -1,10 +1,7 @@
 #include "AtPort.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
-
-#include <poll.h>
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -15,7 +12,6 @@ constexpr milliseconds ShortPatience = seconds(2), Patience = seconds(10),
                        CardPatience = seconds(40);
 constexpr int MostSilences = 2;
 constexpr int MostPinReadings = 5;
-constexpr size_t MostLines = 64; // of one answer
 
 // 3GPP TS 27.007 clause 9.2.1.
 enum MobileError {
@@ -27,7 +23,7 @@ enum MobileError {
     WrongPassword = 16
 };
 
-constexpr const char *CardState = "+CPIN";
+constexpr const char *CardState = "+CPIN", *AskCardState = "AT+CPIN?";
 constexpr uint16_t ToolkitBusy = 0x9300;
 
 // The card's status, where the modem tells it: "+CUSATE2: 144,0".
@@ -54,6 +50,7 @@ AtPort::AtPort(std::string device, cat::Bytes profile, PortReports &reports,
     : ModemPort(std::move(device), reports)
     , m_profile(std::move(profile))
     , m_dialect(dialect)
+    , m_channel([this](const std::string &line, Time now) { return takeUnasked(line, now); })
 {
 }
 
@@ -67,7 +64,7 @@ AtPort::~AtPort()
 void AtPort::openDevice(Time now)
 {
     using State = SerialPort::State;
-    const State before = std::exchange(m_found, m_serial.open(m_device));
+    const State before = std::exchange(m_found, m_channel.open(m_device));
     if (m_found == State::Open)
         return;
     if (m_found == State::InUse && before != m_found) { // it takes time to find out
@@ -91,13 +88,9 @@ void AtPort::start(Time now)
 
 void AtPort::disconnect(bool taken)
 {
-    if (taken && m_serial.isOpen())
+    if (taken && m_channel.isOpen())
         giveBack();
-    m_serial.close();
-    m_lines.clear();
-    if (m_exchange)
-        explicit_bzero(m_exchange->command.data(), m_exchange->command.size());
-    m_exchange.reset();
+    m_channel.close();
     m_early.clear();
     m_found = SerialPort::State::Open;
     m_silences = 0;
@@ -108,73 +101,32 @@ void AtPort::disconnect(bool taken)
 // What was written for this run only; the modem takes it at the next start of the card.
 void AtPort::giveBack()
 {
-    if (m_exchange && !isAnsweredInAMoment())
+    if (m_channel.isWaiting() && !m_channel.isAnsweredInAMoment())
         return;
-    if (m_serial.write(withDigits(m_dialect.profileWrite, "0,", {}) + '\r') &&
-        isAnsweredInAMoment())
-        m_serial.write(std::string("AT") + m_dialect.download + "=0\r");
-}
-
-bool AtPort::isAnsweredInAMoment()
-{
-    using Clock = std::chrono::steady_clock;
-    const Time end = Clock::now() + milliseconds(300);
-    for (Time now = Clock::now(); now < end; now = Clock::now()) {
-        while (const auto line = m_lines.next()) {
-            if (finalResult(*line))
-                return true;
-        }
-        const auto left = std::chrono::duration_cast<milliseconds>(end - now);
-        pollfd readable{m_serial.descriptor(), POLLIN, 0};
-        std::string bytes;
-        if (poll(&readable, 1, static_cast<int>(left.count()) + 1) == 1 && !m_serial.read(bytes))
-            return false;
-        m_lines.add(bytes);
-    }
-    return false;
+    if (m_channel.write(withDigits(m_dialect.profileWrite, "0,", {})) &&
+        m_channel.isAnsweredInAMoment())
+        m_channel.write(std::string("AT") + m_dialect.download + "=0");
 }
 
 // ---- Lines ----
 
-void AtPort::readLines(Time now)
-{
-    std::string bytes;
-    const bool there = m_serial.read(bytes);
-    m_lines.add(bytes);
-    while (const auto line = m_lines.next()) {
-        takeLine(*line, now);
-        if (!m_serial.isOpen())
-            return;
-    }
-    if (!there) {
-        tell(NoticeId::ModemGone);
-        lose(now);
-    }
-}
-
-void AtPort::takeLine(const std::string &line, Time now)
+bool AtPort::takeUnasked(const std::string &line, Time now)
 {
     if (const auto value = valueOf(line, m_dialect.command)) {
         takeCommand(*value, now);
-        return;
+        return true;
     }
     if (valueOf(line, m_dialect.end)) {
         if (isInUse())
             m_toolkit.sessionEnded();
-        return;
+        return true;
     }
     const auto cardState = valueOf(line, CardState);
-    if (cardState && !(m_exchange && m_exchange->done == &AtPort::pinRead)) {
+    if (cardState && !m_channel.isWaitingFor(AskCardState)) {
         takeCardState(*cardState, now);
-        return;
+        return true;
     }
-    if (!m_exchange || valueOf(line, m_dialect.state) || line == m_exchange->command)
-        return; // somebody else's, or the echo
-    m_exchange->answer.final = finalResult(line);
-    if (m_exchange->answer.final)
-        finish(now);
-    else if (m_exchange->answer.lines.size() < MostLines)
-        m_exchange->answer.lines.push_back(line);
+    return valueOf(line, m_dialect.state).has_value();
 }
 
 void AtPort::takeCommand(std::string_view value, Time now)
@@ -202,30 +154,21 @@ void AtPort::takeCardState(std::string_view state, Time now)
 
 void AtPort::say(std::string command, milliseconds patience, Handler done, Time now)
 {
-    m_exchange = Exchange{std::move(command), done, now + patience, {}};
-    m_exchange->command += '\r';
-    const bool written = m_serial.write(m_exchange->command);
-    m_exchange->command.pop_back();
-    if (!written) {
+    const auto answered = [this, done](const Answer &answer, Time at) {
+        if (answer.final) {
+            m_silences = 0;
+        } else if (++m_silences >= MostSilences) {
+            tell(NoticeId::ModemSilent);
+            lose(at);
+            return;
+        }
+        if (wantsAnswer())
+            (this->*done)(answer, at);
+    };
+    if (!m_channel.say(std::move(command), patience, answered, now)) {
         tell(NoticeId::ModemGone);
         lose(now);
     }
-}
-
-void AtPort::finish(Time now)
-{
-    Exchange exchange = std::move(*m_exchange);
-    m_exchange.reset();
-    explicit_bzero(exchange.command.data(), exchange.command.size()); // may be a PIN, or an answer
-    if (exchange.answer.final) {
-        m_silences = 0;
-    } else if (++m_silences >= MostSilences) {
-        tell(NoticeId::ModemSilent);
-        lose(now);
-        return;
-    }
-    if (wantsAnswer())
-        (this->*exchange.done)(exchange.answer, now);
 }
 
 // ---- The start ----
@@ -272,7 +215,7 @@ void AtPort::takeStep(Time now)
         m_switchedOff = false; // what comes from now on is the new start's
         return say("AT+CFUN=1", CardPatience, &AtPort::stepDone, now);
     case Step::ReadPin:
-        return say("AT+CPIN?", Patience, &AtPort::pinRead, now);
+        return say(AskCardState, Patience, &AtPort::pinRead, now);
     case Step::EnterPin: {
         std::string command;
         command.reserve(32); // no copy of the PIN is to stay behind
@@ -437,23 +380,20 @@ void AtPort::work(Time now)
 {
     if (!isOpen())
         return;
-    if (!m_serial.isOpen()) {
+    if (!m_channel.isOpen()) {
         if (now >= m_stepAt)
             openDevice(now);
         return;
     }
-    readLines(now);
-    if (!m_serial.isOpen())
-        return;
-    if (!m_exchange)
+    if (!m_channel.work(now)) {
+        tell(NoticeId::ModemGone);
+        lose(now);
+    } else if (m_channel.isOpen() && !m_channel.isWaiting()) {
         goOn(now);
-    else if (now >= m_exchange->deadline)
-        finish(now);
+    }
 }
 
 AtPort::Time AtPort::wakeUp() const
 {
-    if (m_exchange)
-        return m_exchange->deadline;
-    return nextTime();
+    return m_channel.isWaiting() ? m_channel.deadline() : nextTime();
 }

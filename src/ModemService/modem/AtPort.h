@@ -2,13 +2,11 @@
 #define ATPORT_H
 
 #include <chrono>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "AtLines.h"
+#include "AtChannel.h"
 #include "ModemPort.h"
-#include "SerialPort.h"
 
 /// The toolkit of a modem on an AT port (3GPP TS 27.007 clause 12).  What the terminal's profile
 /// claims comes here as unsolicited lines.
@@ -23,7 +21,7 @@ public:
     void start(Time now) override;
     void work(Time now) override;
     Time wakeUp() const override;
-    int descriptor() const override { return m_serial.descriptor(); }
+    int descriptor() const override { return m_channel.descriptor(); }
 
 private:
     // In this order.
@@ -41,20 +39,8 @@ private:
         Download,
         Activate
     };
-    struct Answer {
-        std::optional<AtFinal> final; // nothing: there was none in time
-        std::vector<std::string> lines;
-
-        bool isOk() const { return final && final->kind == AtFinal::Kind::Ok; }
-        int error() const { return final ? final->code.value_or(0) : 0; }
-    };
+    using Answer = AtChannel::Answer;
     using Handler = void (AtPort::*)(const Answer &, Time);
-    struct Exchange {
-        std::string command;
-        Handler done = nullptr;
-        Time deadline;
-        Answer answer;
-    };
 
     void enter(Stage stage) override;
     void takeStep(Time now) override;
@@ -63,14 +49,11 @@ private:
 
     void openDevice(Time now);
     void giveBack();
-    bool isAnsweredInAMoment();
 
-    void readLines(Time now);
-    void takeLine(const std::string &line, Time now);
+    bool takeUnasked(const std::string &line, Time now);
     void takeCommand(std::string_view value, Time now);
     void takeCardState(std::string_view state, Time now);
     void say(std::string command, std::chrono::milliseconds patience, Handler done, Time now);
-    void finish(Time now);
     std::string withDigits(const char *name, const char *before, const cat::Bytes &data) const;
     bool isRepeated(const Answer &answer);
 
@@ -84,11 +67,9 @@ private:
     const cat::Bytes m_profile;
     const AtDialect &m_dialect;
 
-    SerialPort m_serial;
+    AtChannel m_channel;
     SerialPort::State m_found = SerialPort::State::Open; // when it was last opened
-    AtLineReader m_lines;
     Step m_step = Step::Probe;
-    std::optional<Exchange> m_exchange;
     int m_silences = 0; // in a row
     int m_pinReadings = 0; // left, until a PIN that was taken must have had its effect
     bool m_pinWrong = false; // what was entered
