@@ -248,7 +248,7 @@ TEST_P(EachWay, asksForThePin)
     std::ofstream(m_folder + "-card.json")
         << R"({"kind": "usim", "pin": {"digits": "1234", "tries": 3}, "start": [[{"send":)"
            R"("D0 10 8103012500 82028182 85014D 8F020141", "expect": "8103012500 82028281 830100"}]]})";
-    plugIn(GetParam(), {}, m_folder + "-card.json");
+    plugIn(GetParam(), GetParam() == At ? "" : "latePin", m_folder + "-card.json");
     open();
     ASSERT_TRUE(noticed("goes on without its PIN"));
     EXPECT_FALSE(noticed("not ready", 1s)); // in place of the reason

@@ -159,7 +159,7 @@ public:
         else if (what != Nothing && what != Step && inOtherForm)
             m_toolkit.sendAgain();
         else if (what != Nothing && what != Step)
-            answered({taken, std::nullopt, {}}, busy, now);
+            answered({taken, std::nullopt, {}}, busy ? Reaction::Busy : Reaction::Definite, now);
         if (what == Response && (busy || inOtherForm) && !m_asked)
             m_asked = m_sent;
     }

@@ -313,11 +313,14 @@ MbimModem::Answer MbimModem::pin(const mbim::Command &command)
         else
             m_unsolicited.insert(m_unsolicited.begin(),
                                  indication(BasicConnect, ReadyStatus, readyInformation()));
+        m_lockedAnswers = status == Success && m_faults.has(Fault::LatePin) ? 2 : 0;
     }
+    const bool isLate = !command.isSet && m_lockedAnswers > 0;
+    m_lockedAnswers -= isLate;
     Writer writer;
     if (m_card.state() == State::PinBlocked)
         writer.number(Puk1).number(Locked).number(UsualPukTries);
-    else if (m_card.state() == State::PinWanted)
+    else if (m_card.state() == State::PinWanted || isLate)
         writer.number(Pin1).number(Locked).number(static_cast<uint32_t>(m_card.pinTries()));
     else
         writer.number(Pin1).number(Unlocked).number(Unknown);

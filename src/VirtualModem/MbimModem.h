@@ -59,6 +59,7 @@ private:
     cat::Bytes m_hostControl; // PacHostControl
     std::vector<mbim::Message> m_unsolicited;
     std::optional<mbim::Message> m_menu; // to be told once more
+    int m_lockedAnswers = 0; // left, to what asks for the PIN
 };
 
 #endif

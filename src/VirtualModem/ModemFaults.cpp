@@ -43,6 +43,7 @@ constexpr Row Rows[] = {
     {Fault::Padding, "padding", ModemFaults::Mbim, false},
     {Fault::Notified, "notified", ModemFaults::Mbim, false},
     {Fault::Decimal, "decimal", ModemFaults::Mbim, false},
+    {Fault::LatePin, "latePin", ModemFaults::Mbim, false},
 };
 
 // Zero for a text that is no number, or too great a one.

@@ -40,7 +40,8 @@ enum class Fault {
     Fragments, ///< of 64 bytes
     Padding, ///< zeros behind each proactive command
     Notified, ///< SET UP MENU is told and not to be answered
-    Decimal ///< types of commands are counted in decimal
+    Decimal, ///< types of commands are counted in decimal
+    LatePin ///< a right PIN shows its effect only after some questions
 };
 
 /// When a modem misbehaves, and how.

@@ -10,8 +10,6 @@ namespace {
 
 constexpr milliseconds ShortPatience = seconds(2), Patience = seconds(10),
                        CardPatience = seconds(40);
-constexpr int MostSilences = 2;
-constexpr int MostPinReadings = 5;
 
 // 3GPP TS 27.007 clause 9.2.1.
 enum MobileError {
@@ -93,7 +91,6 @@ void AtPort::disconnect(bool taken)
     m_channel.close();
     m_early.clear();
     m_found = SerialPort::State::Open;
-    m_silences = 0;
     m_quotes = true;
     m_quotesKnown = false;
 }
@@ -155,14 +152,9 @@ void AtPort::takeCardState(std::string_view state, Time now)
 void AtPort::say(std::string command, milliseconds patience, Handler done, Time now)
 {
     const auto answered = [this, done](const Answer &answer, Time at) {
-        if (answer.final) {
-            m_silences = 0;
-        } else if (++m_silences >= MostSilences) {
-            tell(NoticeId::ModemSilent);
+        if (!isWorthAsking(answer.final.has_value()))
             lose(at);
-            return;
-        }
-        if (wantsAnswer())
+        else if (wantsAnswer())
             (this->*done)(answer, at);
     };
     if (!m_channel.say(std::move(command), patience, answered, now)) {
@@ -175,10 +167,6 @@ void AtPort::say(std::string command, milliseconds patience, Handler done, Time 
 
 void AtPort::enter(Stage stage)
 {
-    if (stage != Stage::Pin) {
-        m_pinReadings = 0;
-        m_pinWrong = false;
-    }
     switch (stage) {
     case Stage::Modem:
         m_step = Step::Probe;
@@ -220,7 +208,7 @@ void AtPort::takeStep(Time now)
         std::string command;
         command.reserve(32); // no copy of the PIN is to stay behind
         command.append("AT+CPIN=\"").append(pin().digits(), pin().size()) += '"';
-        return say(std::move(command), CardPatience, &AtPort::pinEntered, now);
+        return say(std::move(command), CardPatience, &AtPort::pinSent, now);
     }
     case Step::AskInterface:
         return say(at + m_dialect.profileWrite + "=?", Patience, &AtPort::stepDone, now);
@@ -274,10 +262,7 @@ void AtPort::pinRead(const Answer &answer, Time now)
     } else if (!isInUse()) {
         cardIsThere(now);
     } else if (state == "SIM PIN" && !isPinDeclined()) {
-        if (m_pinReadings == 0)
-            return wantPin(0, m_pinWrong);
-        --m_pinReadings; // some take their time to believe the right one
-        m_stepAt = now + RetryPeriod;
+        wantPin(0, now);
     } else {
         if (state == "SIM PUK" || error == PukWanted)
             goOnWithoutPin(NoticeId::PinBlocked);
@@ -285,13 +270,11 @@ void AtPort::pinRead(const Answer &answer, Time now)
     }
 }
 
-void AtPort::pinEntered(const Answer &answer, Time now)
+void AtPort::pinSent(const Answer &answer, Time now)
 {
-    endPinRequest();
-    m_pinReadings = answer.isOk() ? MostPinReadings : 0;
-    m_pinWrong = answer.error() == WrongPassword;
-    if (answer.isOk() || m_pinWrong) {
-        goTo(Stage::Pin, now); // the last wrong one has blocked it
+    const bool wrong = answer.error() == WrongPassword;
+    if (answer.isOk() || wrong || !answer.final) {
+        pinEntered(wrong, now); // the last wrong one has blocked it
     } else {
         goOnWithoutPin(answer.error() == PukWanted ? NoticeId::PinBlocked
                                                    : NoticeId::ModemRefusesPin);
@@ -337,7 +320,7 @@ bool AtPort::isRepeated(const Answer &answer)
 
 void AtPort::responseDone(const Answer &answer, Time now)
 {
-    messageDone(answer, {answer.isOk(), std::nullopt, {}}, false, now);
+    messageDone(answer, {answer.isOk(), std::nullopt, {}}, Reaction::Definite, now);
 }
 
 void AtPort::envelopeDone(const Answer &answer, Time now)
@@ -360,16 +343,20 @@ void AtPort::envelopeDone(const Answer &answer, Time now)
         busy |= values.size() > 1 && (values[1] == "1" || values[1] == "2");
     }
     busy |= outcome.status == ToolkitBusy;
-    messageDone(answer, std::move(outcome), busy, now);
+    messageDone(answer, std::move(outcome), busy ? Reaction::Busy : Reaction::Definite, now);
 }
 
-void AtPort::messageDone(const Answer &answer, ModemToolkit::Outcome outcome, bool busy, Time now)
+void AtPort::messageDone(const Answer &answer, ModemToolkit::Outcome outcome, Reaction reaction,
+                         Time now)
 {
-    busy |= answer.error() == SimBusy;
-    if (!busy && isRepeated(answer))
+    if (!answer.final)
+        reaction = Reaction::Silent;
+    else if (answer.error() == SimBusy)
+        reaction = Reaction::Busy;
+    if (reaction == Reaction::Definite && isRepeated(answer))
         m_toolkit.sendAgain();
     else
-        answered(std::move(outcome), busy, now);
+        answered(std::move(outcome), reaction, now);
     if (answer.error() == NoSim)
         cardIsGone(now);
 }

@@ -59,10 +59,11 @@ private:
 
     void stepDone(const Answer &answer, Time now);
     void pinRead(const Answer &answer, Time now);
-    void pinEntered(const Answer &answer, Time now);
+    void pinSent(const Answer &answer, Time now);
     void responseDone(const Answer &answer, Time now);
     void envelopeDone(const Answer &answer, Time now);
-    void messageDone(const Answer &answer, ModemToolkit::Outcome outcome, bool busy, Time now);
+    void messageDone(const Answer &answer, ModemToolkit::Outcome outcome, Reaction reaction,
+                     Time now);
 
     const cat::Bytes m_profile;
     const AtDialect &m_dialect;
@@ -70,9 +71,6 @@ private:
     AtChannel m_channel;
     SerialPort::State m_found = SerialPort::State::Open; // when it was last opened
     Step m_step = Step::Probe;
-    int m_silences = 0; // in a row
-    int m_pinReadings = 0; // left, until a PIN that was taken must have had its effect
-    bool m_pinWrong = false; // what was entered
     bool m_quotes = true; // about hexadecimal digits
     bool m_quotesKnown = false; // the modem has taken them so
     cat::Bytes m_early; // a command that came before start(); some modems do not repeat it

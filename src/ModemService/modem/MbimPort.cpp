@@ -83,7 +83,7 @@ void MbimPort::disconnect(bool taken)
         m_link.drop();
     else
         m_link.close();
-    m_waiting = m_pinWrong = false;
+    m_waiting = false;
 }
 
 // ---- The start ----
@@ -128,17 +128,16 @@ void MbimPort::say(MbimLink::Message message, Handler done)
     m_waiting = true;
     const bool slow =
         m_step == Step::EnterPin || m_step == Step::SwitchOff || m_step == Step::SwitchOn;
-    m_link.command(std::move(message), slow ? CardPatience : Patience,
-                   [this, done](const Result &result) {
-                       m_waiting = false;
-                       if (!result.message && !result.isDone()) {
-                           tell(NoticeId::ModemSilent);
-                           m_lost = true;
-                           return;
-                       }
-                       if (wantsAnswer())
-                           (this->*done)(result);
-                   });
+    m_link.command(
+        std::move(message), slow ? CardPatience : Patience, [this, done](const Result &result) {
+            m_waiting = false;
+            const bool isAnswer = result.message || result.isDone();
+            m_lost |= !isWorthAsking(isAnswer);
+            // What was lost on the way is said once more, but never a PIN.
+            const bool isOver = isAnswer || m_toolkit.isRunning() || m_step == Step::EnterPin;
+            if (!m_lost && wantsAnswer() && isOver)
+                (this->*done)(result);
+        });
 }
 
 void MbimPort::takeStep(Time)
@@ -164,7 +163,7 @@ void MbimPort::takeStep(Time)
         MbimMessage *const message = mbim_message_pin_set_new(
             MBIM_PIN_TYPE_PIN1, MBIM_PIN_OPERATION_ENTER, digits.c_str(), "", nullptr);
         explicit_bzero(digits.data(), digits.size());
-        return say(message, &MbimPort::pinEntered);
+        return say(message, &MbimPort::pinSent);
     }
     case Step::ReadSupport:
         return say(mbim_message_stk_pac_query_new(nullptr), &MbimPort::supportRead);
@@ -264,25 +263,21 @@ void MbimPort::pinRead(const Result &result)
     MbimPinType type = MBIM_PIN_TYPE_UNKNOWN;
     MbimPinState state = MBIM_PIN_STATE_UNLOCKED;
     guint32 tries = 0;
-    go(Step::ReadSupport);
-    const bool wrong = std::exchange(m_pinWrong, false);
-    if (!result.isDone() || isPinDeclined() ||
-        !mbim_message_pin_response_parse(result.message, &type, &state, &tries, nullptr) ||
-        state != MBIM_PIN_STATE_LOCKED)
-        return;
+    const bool isLocked = result.isDone() && !isPinDeclined() &&
+        mbim_message_pin_response_parse(result.message, &type, &state, &tries, nullptr) &&
+        state == MBIM_PIN_STATE_LOCKED;
     constexpr guint32 Unknown = 0xffffffff;
-    if (type == MBIM_PIN_TYPE_PUK1 || (type == MBIM_PIN_TYPE_PIN1 && tries == 0))
+    if (isLocked && type == MBIM_PIN_TYPE_PIN1 && tries != 0)
+        return wantPin(tries == Unknown ? 0 : static_cast<int>(tries), m_now);
+    if (isLocked && (type == MBIM_PIN_TYPE_PIN1 || type == MBIM_PIN_TYPE_PUK1))
         goOnWithoutPin(NoticeId::PinBlocked);
-    else if (type == MBIM_PIN_TYPE_PIN1)
-        wantPin(tries == Unknown ? 0 : static_cast<int>(tries), wrong);
+    goTo(Stage::Toolkit, m_now);
 }
 
 // What the modem says to a wrong one is not the same everywhere: its state is read anew.
-void MbimPort::pinEntered(const Result &result)
+void MbimPort::pinSent(const Result &result)
 {
-    endPinRequest();
-    m_pinWrong = !result.isDone();
-    go(Step::ReadPin);
+    pinEntered(result.message && !result.isDone(), m_now);
 }
 
 bool MbimPort::lacksCard(const Result &result)
@@ -408,14 +403,19 @@ void MbimPort::responseSent(const Result &result)
     if (result.isDone())
         mbim_message_stk_terminal_response_response_parse(result.message, nullptr, nullptr, &status,
                                                           nullptr);
-    answered({result.isDone(), static_cast<uint16_t>(status), {}},
-             result.status == MBIM_STATUS_ERROR_STK_BUSY, m_now);
+    answered({result.isDone(), static_cast<uint16_t>(status), {}}, reactionIn(result), m_now);
 }
 
 void MbimPort::envelopeSent(const Result &result)
 {
-    answered({result.isDone(), std::nullopt, {}}, result.status == MBIM_STATUS_ERROR_STK_BUSY,
-             m_now);
+    answered({result.isDone(), std::nullopt, {}}, reactionIn(result), m_now);
+}
+
+MbimPort::Reaction MbimPort::reactionIn(const Result &result)
+{
+    if (result.status == MBIM_STATUS_ERROR_STK_BUSY)
+        return Reaction::Busy;
+    return result.message ? Reaction::Definite : Reaction::Silent;
 }
 
 // ---- Time ----

@@ -55,7 +55,7 @@ private:
     void switchedOff(const Result &result);
     void switchedOn(const Result &result);
     void pinRead(const Result &result);
-    void pinEntered(const Result &result);
+    void pinSent(const Result &result);
     bool lacksCard(const Result &result);
     void supportRead(const Result &result);
     void envelopesRead(const Result &result);
@@ -63,6 +63,7 @@ private:
     void tookOver(const Result &result);
     void responseSent(const Result &result);
     void envelopeSent(const Result &result);
+    static Reaction reactionIn(const Result &result);
 
     void notified(const MbimMessage &message);
     void takeCommand(MbimMessage *indication);
@@ -75,7 +76,6 @@ private:
     Time m_now; // as work() was told
     bool m_waiting = false; // for an answer
     bool m_lost = false;
-    bool m_pinWrong = false; // what was entered
     MbimSupport m_support;
 };
 

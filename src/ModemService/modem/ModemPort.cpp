@@ -3,6 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+constexpr int MostSilences = 2;
+constexpr int MostPinReadings = 5;
+
+} // namespace
+
 ModemPort::ModemPort(std::string device, PortReports &reports)
     : m_device(std::move(device))
     , m_toolkit(reports)
@@ -53,6 +60,7 @@ void ModemPort::close()
     endPinRequest();
     m_toolkit.forget();
     m_withoutPin.reset();
+    m_silences = 0;
     m_restart = m_switchedOff = false;
 }
 
@@ -102,8 +110,15 @@ void ModemPort::restart(Time now)
 
 // ---- The PIN ----
 
-void ModemPort::wantPin(int triesLeft, bool wrong)
+void ModemPort::wantPin(int triesLeft, Time now)
 {
+    if (m_pinReadings > 0) { // some take their time to believe the right one
+        --m_pinReadings;
+        m_stepAt = now + RetryPeriod;
+        enter(Stage::Pin);
+        return;
+    }
+    const bool wrong = m_pinWrong;
     goTo(Stage::EnterPin, Never);
     PinRequest request;
     request.card = m_device;
@@ -122,9 +137,16 @@ void ModemPort::answerPin(int request, const Pin &pin, Time now)
         m_stepAt = now;
         return;
     }
-    endPinRequest();
     goOnWithoutPin(NoticeId::PinLeftOut);
     goTo(Stage::Toolkit, now);
+}
+
+void ModemPort::pinEntered(bool wrong, Time now)
+{
+    endPinRequest();
+    goTo(Stage::Pin, now);
+    m_pinReadings = wrong ? 0 : MostPinReadings;
+    m_pinWrong = wrong;
 }
 
 void ModemPort::endPinRequest()
@@ -136,6 +158,7 @@ void ModemPort::endPinRequest()
 
 void ModemPort::goOnWithoutPin(NoticeId why)
 {
+    endPinRequest();
     tell(why);
     m_withoutPin = why;
 }
@@ -160,21 +183,35 @@ void ModemPort::sendEnvelope(PortEnvelope envelope, Time)
     m_toolkit.sendEnvelope(std::move(envelope));
 }
 
-void ModemPort::answered(ModemToolkit::Outcome outcome, bool busy, Time now)
+void ModemPort::answered(ModemToolkit::Outcome outcome, Reaction reaction, Time now)
 {
-    if (busy && m_toolkit.sendLater(now))
+    if (reaction == Reaction::Busy && m_toolkit.sendLater(now))
         return;
-    if (!outcome.taken && !m_toolkit.sending().empty())
-        tell(NoticeId::ModemRefuses, m_toolkit.sending());
-    else if (outcome.taken)
+    if (outcome.taken)
         m_trouble.clear();
+    else if (reaction == Reaction::Silent)
+        tell(NoticeId::ModemSilent);
+    else if (!m_toolkit.sending().empty())
+        tell(NoticeId::ModemRefuses, m_toolkit.sending());
     m_toolkit.answered(std::move(outcome), now);
+}
+
+// A single message may be lost on its way.
+bool ModemPort::isWorthAsking(bool hasAnswered)
+{
+    m_silences = hasAnswered ? 0 : m_silences + 1;
+    if (m_silences < MostSilences)
+        return true;
+    tell(NoticeId::ModemSilent);
+    return false;
 }
 
 // ---- Step by step ----
 
 void ModemPort::goTo(Stage stage, Time at)
 {
+    m_pinReadings = 0;
+    m_pinWrong = false;
     enter(stage);
     m_stepAt = at;
 }

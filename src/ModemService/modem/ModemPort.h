@@ -45,6 +45,13 @@ protected:
         Toolkit // to be taken
     };
 
+    /// What the modem made of a message.
+    enum class Reaction {
+        Definite, // took it, or refused it
+        Busy, // did not take it now, but will later
+        Silent
+    };
+
     ModemPort(std::string device, PortReports &reports);
 
     /// The step that the stage begins with is the next.
@@ -65,13 +72,16 @@ protected:
     void cardIsGone(Time now);
     /// The modem itself is gone, or answers no more.
     void lose(Time now);
-    /// Busy: the message was not taken now, but will be later.
-    void answered(ModemToolkit::Outcome outcome, bool busy, Time now);
+    void answered(ModemToolkit::Outcome outcome, Reaction reaction, Time now);
+    /// Whether the modem is to be asked anything more, having answered this time or not.
+    bool isWorthAsking(bool hasAnswered);
 
-    /// Zero tries: nobody tells.
-    void wantPin(int triesLeft, bool wrong);
+    /// The card is locked.  Asks the person, unless a PIN was taken that has yet to have its
+    /// effect.  Zero tries: nobody tells.
+    void wantPin(int triesLeft, Time now);
     const Pin &pin() const { return m_pin; }
-    void endPinRequest();
+    /// What was entered was wrong, or else was taken, as far as anybody knows: the card tells.
+    void pinEntered(bool wrong, Time now);
     void goOnWithoutPin(NoticeId why);
     bool isPinDeclined() const { return m_withoutPin.has_value(); }
 
@@ -99,11 +109,16 @@ private:
         InUse
     };
 
+    void endPinRequest();
+
     PortReports &m_reports;
     Place m_place = Place::Closed;
     bool m_restart = false; // once nothing is on its way
     std::string m_trouble; // what was in the way, as told last
+    int m_silences = 0; // in a row
     std::optional<int> m_pinRequest;
+    int m_pinReadings = 0; // left, until a PIN that was taken must have had its effect
+    bool m_pinWrong = false; // what was entered
     Pin m_pin;
     std::optional<NoticeId> m_withoutPin; // why the card goes on so
 };
