@@ -122,12 +122,13 @@ public:
     {
         lines.push_back((wantsAnswer ? "command " : "notice ") + std::to_string(command.size()));
         if (answers)
-            port->respond({{0x81, 0x03, 0x01, 0x21, 0x80}}, now);
+            port->respond({{0x81, 0x03, 0x01, 0x21, 0x80}, 2}, now);
     }
     void sessionEnded() override { lines.push_back("end"); }
     void cameToRest() override { lines.push_back("rest"); }
     void exchanged(const PortTraffic &) override { }
     void answeredByTerminal(const std::string &, const std::string &) override { }
+    void spoken(bool, const std::string &line) override { said += line + '\n'; }
     void noticed(const Notice &notice) override { lines.push_back(notice.id); }
     void pinWanted(const PinRequest &request) override
     {
@@ -138,6 +139,7 @@ public:
 
     ToolkitPort *port = nullptr;
     Strings lines;
+    std::string said;
     bool answers = true;
     int pin = 0;
 };
@@ -296,6 +298,8 @@ TEST_F(AtPortTest, asksForThePinOnce)
         std::string last = "READY", third = "SIM PIN"; // states
     } rows[] = {
         {"right", "\r\nOK\r\n", {"arrived", "PIN", "rest"}},
+        {"right, and echoed", "AT+CPIN=\"1234\"\r\r\nOK\r\n", {"arrived", "PIN", "rest"}},
+        {"right, and echoed in part", "\"1234\"\r\r\nOK\r\n", {"arrived", "PIN", "rest"}},
         {"right, and without effect", "\r\nOK\r\n", {"arrived", "PIN", "PIN"}, "SIM PIN"},
         {"taken without a word", "", {"arrived", "PIN", "rest"}},
         {"wrong", "\r\n+CME ERROR: 16\r\n", {"arrived", "PIN", "wrong PIN"}},
@@ -323,6 +327,8 @@ TEST_F(AtPortTest, asksForThePinOnce)
         modem->run(*port, 60s);
         EXPECT_EQ(std::count(modem->heard.begin(), modem->heard.end(), "AT+CPIN=\"1234\""), 1);
         EXPECT_EQ(told.lines, row.told);
+        EXPECT_NE(told.said.find("\nAT+CPIN=\"***\n"), std::string::npos);
+        EXPECT_EQ(told.said.find("1234"), std::string::npos) << told.said;
         const bool isBlocked =
             std::count(told.lines.begin(), told.lines.end(), "IDS_CM_NOTICE_PIN_BLOCKED");
         port->tellMissingMenu();
@@ -381,6 +387,7 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
         open(row.answers);
         modem->run(*port, 20s);
         told.lines.clear();
+        told.said.clear();
         modem->say(row.said);
         modem->run(*port, 30s);
         const auto isResponse = [](const std::string &line) {
@@ -388,6 +395,7 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
         };
         EXPECT_EQ(std::count_if(modem->heard.begin(), modem->heard.end(), isResponse),
                   row.responses);
+        EXPECT_EQ(told.said.find("810301***") != std::string::npos, row.responses > 0);
         EXPECT_EQ(told.lines, row.told);
         port->close();
     }

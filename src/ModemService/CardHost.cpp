@@ -113,6 +113,10 @@ public:
     {
         theSession().transcript().answeredByModem(command, result);
     }
+    void spoken(bool byModem, const std::string &line) override
+    {
+        theSession().transcript().spoken(byModem, line);
+    }
     void noticed(const Notice &notice) override
     {
         theSession().transcript().notice(notice);

@@ -1,5 +1,6 @@
 #include "AtChannel.h"
 
+#include <cctype>
 #include <cstring>
 #include <utility>
 
@@ -10,6 +11,18 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr size_t MostLines = 64; // of one answer
+constexpr const char *Blank = "***";
+
+// An echo repeats what was sent, and may come late, or in part.
+std::string withoutEcho(const std::string &line, bool holdsSecret)
+{
+    const size_t sign = line.find('=');
+    if (sign != std::string::npos)
+        return line.substr(0, sign + 1) + Blank;
+    const char first = line.front();
+    const bool mayBeSecret = std::isalnum(static_cast<unsigned char>(first)) || first == '"';
+    return holdsSecret && mayBeSecret && !finalResult(line) ? Blank : line;
+}
 
 } // namespace
 
@@ -27,13 +40,20 @@ void AtChannel::close()
     m_exchange.reset();
 }
 
-bool AtChannel::say(std::string command, milliseconds patience, Done done, Time now)
+bool AtChannel::say(std::string command, size_t secret, milliseconds patience, Done done, Time now)
 {
-    m_exchange = Exchange{std::move(command), std::move(done), now + patience, {}};
+    m_reports.spoken(false, command.substr(0, command.size() - secret) + (secret ? Blank : ""));
+    m_exchange = Exchange{std::move(command), secret, std::move(done), now + patience, {}};
     m_exchange->command += '\r';
     const bool written = m_serial.write(m_exchange->command);
     m_exchange->command.pop_back();
     return written;
+}
+
+bool AtChannel::write(const std::string &command)
+{
+    m_reports.spoken(false, command);
+    return m_serial.write(command + '\r');
 }
 
 bool AtChannel::work(Time now)
@@ -41,7 +61,7 @@ bool AtChannel::work(Time now)
     std::string bytes;
     const bool there = m_serial.read(bytes);
     m_lines.add(bytes);
-    while (const auto line = m_lines.next()) {
+    while (const auto line = nextLine()) {
         takeLine(*line, now);
         if (!isOpen())
             return true; // whoever heard the line has closed it
@@ -49,6 +69,14 @@ bool AtChannel::work(Time now)
     if (m_exchange && now >= m_exchange->deadline)
         finish(now);
     return there || !isOpen();
+}
+
+std::optional<std::string> AtChannel::nextLine()
+{
+    auto line = m_lines.next();
+    if (line)
+        m_reports.spoken(true, withoutEcho(*line, m_exchange && m_exchange->secret));
+    return line;
 }
 
 void AtChannel::takeLine(const std::string &line, Time now)
@@ -75,7 +103,7 @@ bool AtChannel::isAnsweredInAMoment()
     using Clock = std::chrono::steady_clock;
     const Time end = Clock::now() + milliseconds(300);
     for (Time now = Clock::now(); now < end; now = Clock::now()) {
-        while (const auto line = m_lines.next()) {
+        while (const auto line = nextLine()) {
             if (finalResult(*line))
                 return true;
         }

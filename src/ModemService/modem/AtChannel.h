@@ -9,6 +9,7 @@
 
 #include "AtLines.h"
 #include "SerialPort.h"
+#include "toolkit/PortReports.h"
 
 /// The conversation on an AT port: one command at a time, the lines of its answer, and what the
 /// modem says unasked.
@@ -27,8 +28,10 @@ public:
     /// Hears every line first; true where it belongs to no answer.
     using Unasked = std::function<bool(const std::string &line, Time)>;
 
-    explicit AtChannel(Unasked unasked)
+    /// Every line is told, too.
+    AtChannel(Unasked unasked, PortReports &reports)
         : m_unasked(std::move(unasked))
+        , m_reports(reports)
     {
     }
 
@@ -38,8 +41,10 @@ public:
     bool isOpen() const { return m_serial.isOpen(); }
     int descriptor() const { return m_serial.descriptor(); }
 
-    /// Once nothing is under way.  False: the device is gone.
-    bool say(std::string command, std::chrono::milliseconds patience, Done done, Time now);
+    /// Once nothing is under way.  So many characters at the end are `secret`.  False: the device
+    /// is gone.
+    bool say(std::string command, size_t secret, std::chrono::milliseconds patience, Done done,
+             Time now);
     bool isWaiting() const { return m_exchange.has_value(); }
     bool isWaitingFor(std::string_view command) const
     {
@@ -51,21 +56,24 @@ public:
     bool work(Time now);
 
     /// The last words, which nobody waits long for.
-    bool write(const std::string &command) { return m_serial.write(command + '\r'); }
+    bool write(const std::string &command);
     bool isAnsweredInAMoment();
 
 private:
     struct Exchange {
         std::string command;
+        size_t secret;
         Done done;
         Time deadline;
         Answer answer;
     };
 
+    std::optional<std::string> nextLine();
     void takeLine(const std::string &line, Time now);
     void finish(Time now);
 
     const Unasked m_unasked;
+    PortReports &m_reports;
     SerialPort m_serial;
     AtLineReader m_lines;
     std::optional<Exchange> m_exchange;

@@ -48,7 +48,8 @@ AtPort::AtPort(std::string device, cat::Bytes profile, PortReports &reports,
     : ModemPort(std::move(device), reports)
     , m_profile(std::move(profile))
     , m_dialect(dialect)
-    , m_channel([this](const std::string &line, Time now) { return takeUnasked(line, now); })
+    , m_channel([this](const std::string &line, Time now) { return takeUnasked(line, now); },
+                reports)
 {
 }
 
@@ -149,7 +150,8 @@ void AtPort::takeCardState(std::string_view state, Time now)
     }
 }
 
-void AtPort::say(std::string command, milliseconds patience, Handler done, Time now)
+// `secret`: so many characters at the end must not be written down.
+void AtPort::say(std::string command, milliseconds patience, Handler done, Time now, size_t secret)
 {
     const auto answered = [this, done](const Answer &answer, Time at) {
         if (!isWorthAsking(answer.final.has_value()))
@@ -157,7 +159,7 @@ void AtPort::say(std::string command, milliseconds patience, Handler done, Time 
         else if (wantsAnswer())
             (this->*done)(answer, at);
     };
-    if (!m_channel.say(std::move(command), patience, answered, now)) {
+    if (!m_channel.say(std::move(command), secret, patience, answered, now)) {
         tell(NoticeId::ModemGone);
         lose(now);
     }
@@ -208,7 +210,7 @@ void AtPort::takeStep(Time now)
         std::string command;
         command.reserve(32); // no copy of the PIN is to stay behind
         command.append("AT+CPIN=\"").append(pin().digits(), pin().size()) += '"';
-        return say(std::move(command), CardPatience, &AtPort::pinSent, now);
+        return say(std::move(command), CardPatience, &AtPort::pinSent, now, pin().size() + 1);
     }
     case Step::AskInterface:
         return say(at + m_dialect.profileWrite + "=?", Patience, &AtPort::stepDone, now);
@@ -286,10 +288,10 @@ void AtPort::pinSent(const Answer &answer, Time now)
 
 void AtPort::send(const ModemToolkit::Message &message, Time now)
 {
-    if (message.kind == ModemToolkit::Message::Kind::Response)
-        say(withDigits(m_dialect.response, "", message.data), Patience, &AtPort::responseDone, now);
-    else
-        say(withDigits(m_dialect.envelope, "", message.data), Patience, &AtPort::envelopeDone, now);
+    const bool isResponse = message.kind == ModemToolkit::Message::Kind::Response;
+    say(withDigits(isResponse ? m_dialect.response : m_dialect.envelope, "", message.data),
+        Patience, isResponse ? &AtPort::responseDone : &AtPort::envelopeDone, now,
+        message.secret ? 2 * message.secret + m_quotes : 0);
 }
 
 std::string AtPort::withDigits(const char *name, const char *before, const cat::Bytes &data) const

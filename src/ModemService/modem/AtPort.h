@@ -53,7 +53,8 @@ private:
     bool takeUnasked(const std::string &line, Time now);
     void takeCommand(std::string_view value, Time now);
     void takeCardState(std::string_view state, Time now);
-    void say(std::string command, std::chrono::milliseconds patience, Handler done, Time now);
+    void say(std::string command, std::chrono::milliseconds patience, Handler done, Time now,
+             size_t secret = 0);
     std::string withDigits(const char *name, const char *before, const cat::Bytes &data) const;
     bool isRepeated(const Answer &answer);
 

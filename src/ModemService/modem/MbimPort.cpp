@@ -1,17 +1,19 @@
 #include "MbimPort.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
+#include "MbimMessages.h"
 #include "ModemMonitor.h"
 
+using MbimMessages::CardState;
+using MbimMessages::PinState;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 namespace {
 
-constexpr seconds Patience{10}, CardPatience{40};
+constexpr seconds ShortPatience{3}, Patience{10}, CardPatience{40};
 constexpr milliseconds LongRetryPeriod = seconds(30);
 constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
 
@@ -19,23 +21,6 @@ constexpr uint8_t SetUpMenuType = 0x25; // ETSI TS 102 223 clause 9.4
 bool waitsForCard(std::optional<int> status)
 {
     return status == MBIM_STATUS_ERROR_PIN_REQUIRED || status == MBIM_STATUS_ERROR_NOT_INITIALIZED;
-}
-
-enum class CardState { There, Starting, Missing };
-
-CardState stateOf(MbimSubscriberReadyState state)
-{
-    switch (state) {
-    case MBIM_SUBSCRIBER_READY_STATE_SIM_NOT_INSERTED:
-    case MBIM_SUBSCRIBER_READY_STATE_BAD_SIM:
-    case MBIM_SUBSCRIBER_READY_STATE_FAILURE:
-    case MBIM_SUBSCRIBER_READY_STATE_NO_ESIM_PROFILE:
-        return CardState::Missing;
-    case MBIM_SUBSCRIBER_READY_STATE_NOT_INITIALIZED:
-        return CardState::Starting;
-    default:
-        return CardState::There;
-    }
 }
 
 // Empty where there is none.
@@ -74,6 +59,7 @@ void MbimPort::disconnect(bool taken)
     if (taken && !m_lost) {
         const uint8_t nothing[32] = {};
         bool done = false;
+        m_reports.spoken(false, "stk pac set, the toolkit being given back");
         m_link.command({mbim_message_stk_pac_set_new(nothing, nullptr), mbim_message_unref},
                        Patience, [&done](const Result &) { done = true; });
         const GlibLoop::Use use(m_link.loop());
@@ -128,16 +114,22 @@ void MbimPort::say(MbimLink::Message message, Handler done)
     m_waiting = true;
     const bool slow =
         m_step == Step::EnterPin || m_step == Step::SwitchOff || m_step == Step::SwitchOn;
-    m_link.command(
-        std::move(message), slow ? CardPatience : Patience, [this, done](const Result &result) {
-            m_waiting = false;
-            const bool isAnswer = result.message || result.isDone();
-            m_lost |= !isWorthAsking(isAnswer);
-            // What was lost on the way is said once more, but never a PIN.
-            const bool isOver = isAnswer || m_toolkit.isRunning() || m_step == Step::EnterPin;
-            if (!m_lost && wantsAnswer() && isOver)
-                (this->*done)(result);
-        });
+    const seconds patience = isInDoubt() ? ShortPatience : slow ? CardPatience : Patience;
+    m_reports.spoken(false, MbimMessages::nameOf(*message));
+    m_link.command(std::move(message), patience,
+                   [this, done](const Result &result) { heard(result, done); });
+}
+
+void MbimPort::heard(const Result &result, Handler done)
+{
+    m_reports.spoken(true, MbimMessages::inWords(result));
+    m_waiting = false;
+    const bool isAnswer = result.message || result.isDone();
+    m_lost |= !isWorthAsking(isAnswer);
+    // What was lost on the way is said once more, but never a PIN.
+    const bool isOver = isAnswer || m_toolkit.isRunning() || m_step == Step::EnterPin;
+    if (done && isOver && !m_lost && wantsAnswer())
+        (this->*done)(result);
 }
 
 void MbimPort::takeStep(Time)
@@ -158,26 +150,14 @@ void MbimPort::takeStep(Time)
                    &MbimPort::switchedOn);
     case Step::ReadPin:
         return say(mbim_message_pin_query_new(nullptr), &MbimPort::pinRead);
-    case Step::EnterPin: {
-        std::string digits(pin().digits(), pin().size());
-        MbimMessage *const message = mbim_message_pin_set_new(
-            MBIM_PIN_TYPE_PIN1, MBIM_PIN_OPERATION_ENTER, digits.c_str(), "", nullptr);
-        explicit_bzero(digits.data(), digits.size());
-        return say(message, &MbimPort::pinSent);
-    }
+    case Step::EnterPin:
+        return say(MbimMessages::enterPin(pin()), &MbimPort::pinSent);
     case Step::ReadSupport:
         return say(mbim_message_stk_pac_query_new(nullptr), &MbimPort::supportRead);
     case Step::ReadEnvelopes:
         return say(mbim_message_stk_envelope_query_new(nullptr), &MbimPort::envelopesRead);
-    case Step::Subscribe: {
-        guint32 toolkit[] = {MBIM_CID_STK_PAC};
-        guint32 card[] = {MBIM_CID_BASIC_CONNECT_SUBSCRIBER_READY_STATUS};
-        MbimEventEntry entries[] = {{*mbim_uuid_from_service(MBIM_SERVICE_STK), 1, toolkit},
-                                    {*mbim_uuid_from_service(MBIM_SERVICE_BASIC_CONNECT), 1, card}};
-        const MbimEventEntry *const list[] = {&entries[0], &entries[1], nullptr};
-        return say(mbim_message_device_service_subscribe_list_set_new(2, list, nullptr),
-                   &MbimPort::subscribed);
-    }
+    case Step::Subscribe:
+        return say(MbimMessages::subscribe(), &MbimPort::subscribed);
     case Step::TakeOver:
         m_taken = true;
         return say(mbim_message_stk_pac_set_new(hostControl(m_types, m_support).data(), nullptr),
@@ -196,7 +176,9 @@ void MbimPort::openDevice()
         return;
     }
     m_waiting = true;
+    m_reports.spoken(false, "open");
     m_link.open(m_device, [this](const Result &result) {
+        m_reports.spoken(true, MbimMessages::inWords(result));
         m_waiting = false;
         opened(result);
     });
@@ -212,37 +194,26 @@ void MbimPort::opened(const Result &result)
 
 void MbimPort::servicesRead(const Result &result)
 {
-    MbimDeviceServiceElementArray *services = nullptr;
-    guint32 count = 0;
-    bool toolkit = false;
-    const bool readable = result.isDone() &&
-        mbim_message_device_services_response_parse(result.message, &count, nullptr, &services,
-                                                    nullptr);
-    if (readable) {
-        for (guint32 i = 0; i < count; ++i)
-            toolkit |= mbim_uuid_to_service(&services[i]->device_service_id) == MBIM_SERVICE_STK;
-        mbim_device_service_element_array_free(services);
-    }
-    if (toolkit)
+    const auto offers =
+        result.isDone() ? MbimMessages::offersToolkit(*result.message) : std::nullopt;
+    if (offers == true)
         return go(Step::ReadCard);
     tell(NoticeId::ModemNoToolkit);
     m_stepAt = m_now + LongRetryPeriod;
-    m_lost = !readable;
-    if (readable)
+    m_lost = !offers;
+    if (offers)
         m_events->departed();
 }
 
 void MbimPort::cardRead(const Result &result)
 {
-    MbimSubscriberReadyState state = MBIM_SUBSCRIBER_READY_STATE_INITIALIZED;
-    if (result.isDone())
-        mbim_message_subscriber_ready_status_response_parse(
-            result.message, &state, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    if (stateOf(state) == CardState::There) {
+    const CardState state =
+        result.isDone() ? MbimMessages::cardStateIn(*result.message) : CardState::There;
+    if (state == CardState::There) {
         cardIsThere(m_now);
         return;
     }
-    if (stateOf(state) == CardState::Missing)
+    if (state == CardState::Missing)
         tell(NoticeId::ModemNoSim);
     m_stepAt = m_now + RetryPeriod;
     m_events->departed();
@@ -260,16 +231,12 @@ void MbimPort::switchedOn(const Result &)
 
 void MbimPort::pinRead(const Result &result)
 {
-    MbimPinType type = MBIM_PIN_TYPE_UNKNOWN;
-    MbimPinState state = MBIM_PIN_STATE_UNLOCKED;
-    guint32 tries = 0;
-    const bool isLocked = result.isDone() && !isPinDeclined() &&
-        mbim_message_pin_response_parse(result.message, &type, &state, &tries, nullptr) &&
-        state == MBIM_PIN_STATE_LOCKED;
-    constexpr guint32 Unknown = 0xffffffff;
-    if (isLocked && type == MBIM_PIN_TYPE_PIN1 && tries != 0)
-        return wantPin(tries == Unknown ? 0 : static_cast<int>(tries), m_now);
-    if (isLocked && (type == MBIM_PIN_TYPE_PIN1 || type == MBIM_PIN_TYPE_PUK1))
+    const PinState state = result.isDone() && !isPinDeclined()
+        ? MbimMessages::pinStateIn(*result.message)
+        : PinState();
+    if (state.lock == PinState::Wanted)
+        return wantPin(state.triesLeft, m_now);
+    if (state.lock == PinState::Blocked)
         goOnWithoutPin(NoticeId::PinBlocked);
     goTo(Stage::Toolkit, m_now);
 }
@@ -297,12 +264,10 @@ bool MbimPort::lacksCard(const Result &result)
 
 void MbimPort::supportRead(const Result &result)
 {
-    const guint8 *support = nullptr;
-    m_support = MbimSupport();
     if (lacksCard(result))
         return;
-    if (result.isDone() && mbim_message_stk_pac_response_parse(result.message, &support, nullptr))
-        std::copy_n(support, MbimSupport::Types, m_support.of.begin());
+    const auto support = result.isDone() ? MbimMessages::supportIn(*result.message) : std::nullopt;
+    m_support = support.value_or(MbimSupport());
     if (!m_support.isFree(SetUpMenuType))
         tell(NoticeId::ModemKeepsMenu);
     else if (m_support.isDecimal())
@@ -333,9 +298,7 @@ void MbimPort::tookOver(const Result &result)
         m_stepAt = m_now + RetryPeriod;
         return;
     }
-    const guint8 *support = nullptr;
-    if (mbim_message_stk_pac_response_parse(result.message, &support, nullptr))
-        std::copy_n(support, MbimSupport::Types, m_support.of.begin());
+    m_support = MbimMessages::supportIn(*result.message).value_or(m_support);
     if (!m_support.isHosts(SetUpMenuType))
         tell(NoticeId::ModemKeepsMenu);
     m_toolkit.run(m_now);
@@ -345,40 +308,34 @@ void MbimPort::tookOver(const Result &result)
 
 void MbimPort::notified(const MbimMessage &message)
 {
-    MbimMessage *const indication = const_cast<MbimMessage *>(&message);
-    const auto service = mbim_message_indicate_status_get_service(indication);
-    const guint32 command = mbim_message_indicate_status_get_cid(indication);
+    m_reports.spoken(true, MbimMessages::nameOf(message) + " notification");
+    const auto service = mbim_message_indicate_status_get_service(&message);
+    const guint32 command = mbim_message_indicate_status_get_cid(&message);
     if (service == MBIM_SERVICE_STK && command == MBIM_CID_STK_PAC)
-        takeCommand(indication);
+        takeCommand(message);
     else if (service == MBIM_SERVICE_BASIC_CONNECT &&
              command == MBIM_CID_BASIC_CONNECT_SUBSCRIBER_READY_STATUS)
-        takeCardState(indication);
+        takeCardState(message);
 }
 
-void MbimPort::takeCommand(MbimMessage *indication)
+void MbimPort::takeCommand(const MbimMessage &notification)
 {
-    MbimStkPacType type = MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND;
-    guint32 size = 0;
-    const guint8 *data = nullptr;
-    if (!mbim_message_stk_pac_notification_parse(indication, &type, &size, &data, nullptr))
+    const auto notified = MbimMessages::commandNotified(notification);
+    if (!notified)
         tell(NoticeId::ModemUnreadable);
     else if (isInUse() && !isStartingAnew()) // else the card sends it again
-        m_toolkit.commandArrived(commandIn({data, size}),
-                                 type == MBIM_STK_PAC_TYPE_PROACTIVE_COMMAND, m_now);
+        m_toolkit.commandArrived(notified->command, notified->wantsAnswer, m_now);
 }
 
-void MbimPort::takeCardState(MbimMessage *indication)
+void MbimPort::takeCardState(const MbimMessage &notification)
 {
-    MbimSubscriberReadyState state = MBIM_SUBSCRIBER_READY_STATE_INITIALIZED;
-    if (!mbim_message_subscriber_ready_status_notification_parse(
-            indication, &state, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr))
-        return;
-    const bool missing = stateOf(state) == CardState::Missing;
+    const auto state = MbimMessages::cardStateNotified(notification);
+    const bool missing = state == CardState::Missing;
     // Between two steps, too: its PIN may be asked for.
     const bool atRest = m_toolkit.isRunning() || (missing && !m_waiting && !isStartingAnew());
-    if (stateOf(state) == CardState::There) {
+    if (state == CardState::There) {
         lookAgain(m_now);
-    } else if (isInUse() && atRest) {
+    } else if (state && isInUse() && atRest) {
         if (missing)
             tell(NoticeId::ModemNoSim);
         cardIsGone(m_now);
@@ -387,23 +344,16 @@ void MbimPort::takeCardState(MbimMessage *indication)
 
 void MbimPort::send(const ModemToolkit::Message &message, Time)
 {
-    const cat::Bytes &data = message.data;
-    const guint32 size = static_cast<guint32>(data.size());
     if (message.kind == ModemToolkit::Message::Kind::Response)
-        say(mbim_message_stk_terminal_response_set_new(size, data.data(), nullptr),
-            &MbimPort::responseSent);
-    else // the library's own message would pad the envelope within its announced length
-        say(MbimLink::raw(MBIM_SERVICE_STK, MBIM_CID_STK_ENVELOPE, data.data(), size),
-            &MbimPort::envelopeSent);
+        say(MbimMessages::terminalResponse(message.data), &MbimPort::responseSent);
+    else
+        say(MbimMessages::envelope(message.data), &MbimPort::envelopeSent);
 }
 
 void MbimPort::responseSent(const Result &result)
 {
-    guint32 status = 0;
-    if (result.isDone())
-        mbim_message_stk_terminal_response_response_parse(result.message, nullptr, nullptr, &status,
-                                                          nullptr);
-    answered({result.isDone(), static_cast<uint16_t>(status), {}}, reactionIn(result), m_now);
+    const uint16_t status = result.isDone() ? MbimMessages::statusIn(*result.message) : 0;
+    answered({result.isDone(), status, {}}, reactionIn(result), m_now);
 }
 
 void MbimPort::envelopeSent(const Result &result)
@@ -428,6 +378,8 @@ void MbimPort::work(Time now)
     m_link.loop().run();
     if (m_lost)
         lose(now);
+    else if (!m_waiting && isInDoubt()) // one end may have lost its place in the other's bytes
+        say(mbim_message_device_services_query_new(nullptr), nullptr);
     else if (!m_waiting)
         goOn(now);
 }
@@ -437,7 +389,7 @@ MbimPort::Time MbimPort::wakeUp() const
     if (!isOpen())
         return Never;
     const Time library = m_link.loop().prepare();
-    if (m_lost)
+    if (m_lost || (isInDoubt() && !m_waiting))
         return Time{};
     return m_waiting ? library : std::min(library, nextTime());
 }

@@ -48,6 +48,7 @@ private:
     void openDevice();
     void say(MbimMessage *message, Handler done);
     void say(MbimLink::Message message, Handler done);
+    void heard(const Result &result, Handler done);
     void go(Step step);
     void opened(const Result &result);
     void servicesRead(const Result &result);
@@ -66,8 +67,8 @@ private:
     static Reaction reactionIn(const Result &result);
 
     void notified(const MbimMessage &message);
-    void takeCommand(MbimMessage *indication);
-    void takeCardState(MbimMessage *indication);
+    void takeCommand(const MbimMessage &notification);
+    void takeCardState(const MbimMessage &notification);
 
     const std::string m_wanted; // empty: the first
     const std::vector<uint8_t> m_types;

@@ -11,9 +11,9 @@ constexpr int MostPinReadings = 5;
 } // namespace
 
 ModemPort::ModemPort(std::string device, PortReports &reports)
-    : m_device(std::move(device))
+    : m_reports(reports)
+    , m_device(std::move(device))
     , m_toolkit(reports)
-    , m_reports(reports)
 {
 }
 

@@ -75,6 +75,8 @@ protected:
     void answered(ModemToolkit::Outcome outcome, Reaction reaction, Time now);
     /// Whether the modem is to be asked anything more, having answered this time or not.
     bool isWorthAsking(bool hasAnswered);
+    /// It did not answer the last time.
+    bool isInDoubt() const { return m_silences > 0; }
 
     /// The card is locked.  Asks the person, unless a PIN was taken that has yet to have its
     /// effect.  Zero tries: nobody tells.
@@ -94,6 +96,7 @@ protected:
     /// What the modem still tells of the card that is to start anew is over.
     bool isStartingAnew() const { return m_restart || m_switchedOff; }
 
+    PortReports &m_reports;
     std::string m_device;
     PortEvents *m_events = nullptr;
     ModemToolkit m_toolkit;
@@ -111,7 +114,6 @@ private:
 
     void endPinRequest();
 
-    PortReports &m_reports;
     Place m_place = Place::Closed;
     bool m_restart = false; // once nothing is on its way
     std::string m_trouble; // what was in the way, as told last

@@ -127,7 +127,7 @@ std::optional<ModemToolkit::Message> ModemToolkit::next(Time now)
     if (m_response) {
         m_sent = std::exchange(m_response, std::nullopt);
         m_sentAt = now;
-        return Message{Message::Kind::Response, m_sent->data};
+        return Message{Message::Kind::Response, m_sent->data, m_sent->secret};
     }
     if (!m_envelope || m_open)
         return std::nullopt;

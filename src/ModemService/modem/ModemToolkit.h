@@ -20,6 +20,7 @@ public:
         enum class Kind { Response, Envelope };
         Kind kind;
         const cat::Bytes &data; ///< until it was answered
+        size_t secret = 0; ///< so many bytes at the end must not be written down
     };
     /// What came of a message.
     struct Outcome {

@@ -24,6 +24,8 @@ constexpr const char *FromCard = "card → terminal";
 constexpr const char *ToCard = "terminal → card";
 constexpr const char *OfModem = "modem          ";
 constexpr const char *Wire = "APDU           ";
+constexpr const char *FromModem = "modem → host   ";
+constexpr const char *ToModem = "host → modem   ";
 
 std::string number(int64_t value)
 {
@@ -351,6 +353,15 @@ void Transcript::apdu(cat::ByteView command, cat::ByteView response)
             {{"event", "apdu"},
              {"command", cat::toHex(command)},
              {"response", cat::toHex(response)}}});
+}
+
+void Transcript::spoken(bool byModem, const std::string &line)
+{
+    if (!hasListeners())
+        return;
+    append({byModem ? FromModem : ToModem,
+            oneLine(line),
+            {{"event", "spoken"}, {"by", byModem ? "modem" : "host"}, {"line", line}}});
 }
 
 void Transcript::append(const Line &line)

@@ -48,6 +48,8 @@ public:
     void answeredByModem(const std::string &command, const std::string &result);
     /// One command to the card, and its answer with the status words.
     void apdu(cat::ByteView command, cat::ByteView response);
+    /// What was said with a modem in its own language.
+    void spoken(bool byModem, const std::string &line);
 
     /// Tells the listeners what was written.  When it returns, everything that was written before
     /// the call has been told, by this thread or another; called from a listener it returns at

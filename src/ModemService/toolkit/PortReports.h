@@ -67,6 +67,9 @@ public:
     /// The terminal carried out a proactive command by itself, or refused it: the command's name
     /// with its details, and the result, in words.
     virtual void answeredByTerminal(const std::string &command, const std::string &result) = 0;
+    /// One line of what is said with a modem in its own language: an AT line, or the name of an
+    /// MBIM message and what came of it.  What must not be written down is blanked out.
+    virtual void spoken(bool /*byModem*/, const std::string & /*line*/) { }
     virtual void noticed(const Notice &notice) = 0;
     virtual void pinWanted(const PinRequest &request) = 0;
     /// The request before is over.
