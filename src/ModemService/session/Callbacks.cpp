@@ -1,8 +1,12 @@
 #include "Callbacks.h"
 
 #include <algorithm>
+#include <fstream>
+#include <string>
 #include <type_traits>
 #include <utility>
+
+#include <unistd.h>
 
 #include "ServiceStatus.h"
 
@@ -12,13 +16,25 @@ static_assert(std::is_same_v<Callbacks::Callback, MOVA_STKCallback> &&
 namespace {
 
 // A terminal begins to wait for the card's next word when the call that answered has returned, and
-// takes what came before for old.  A card may be quicker than that: so much time the terminal gets.
+// takes what came before for old.  A card may be quicker than that: so much time the terminal gets,
+// and once more as long as its thread is still at work or, on a busy machine, waits for a
+// processor.
 constexpr std::chrono::milliseconds HoldBack{20};
 // Whoever answers without a pause does not keep the card's word from others for ever.
 constexpr std::chrono::milliseconds LongestHoldBack = 10 * HoldBack;
 // A terminal that waits for the card's next word sees within 100 ms that there is one, and closes
 // nothing until then.  So much time it gets before the card or the modem is told to be gone.
 constexpr std::chrono::milliseconds BeforeGone = LongestHoldBack;
+
+// Whether a thread of this process runs or waits for a processor, and does not sleep (proc(5)).
+bool isRunning(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string line;
+    std::getline(file, line);
+    const size_t name = line.rfind(')'); // which may have any characters
+    return name != std::string::npos && line.compare(name, 3, ") R") == 0;
+}
 
 } // namespace
 
@@ -79,6 +95,7 @@ Callbacks::Answering::~Answering()
         return;
     Lock lock(m_callbacks.m_mutex);
     --m_callbacks.m_answering;
+    m_callbacks.m_answerer = gettid();
     m_callbacks.m_heldUntil = std::max(m_callbacks.m_heldUntil, Clock::now() + HoldBack);
     m_callbacks.m_changed.notify_all();
 }
@@ -100,10 +117,16 @@ void Callbacks::holdBack(Lock &lock)
 {
     Clock::time_point now = Clock::now();
     m_longest = now + LongestHoldBack;
-    while (m_callbacks[Command] && now < m_longest && (m_answering != 0 || now < m_heldUntil)) {
+    while (m_callbacks[Command] && now < m_longest) {
+        if (m_answering == 0 && now >= m_heldUntil) {
+            if (m_answerer == 0 || !isRunning(m_answerer))
+                break;
+            m_heldUntil = now + HoldBack;
+        }
         m_changed.wait_until(lock, m_answering != 0 ? m_longest : std::min(m_longest, m_heldUntil));
         now = Clock::now();
     }
+    m_answerer = 0;
 }
 
 void Callbacks::callCommand(MOVA_STKNotifyData data, bool isCommand)

@@ -10,6 +10,8 @@
 #include <optional>
 #include <thread>
 
+#include <sys/types.h>
+
 #include "platform/ModemService.h"
 
 /// The terminal's two callbacks: which are registered, and when each may be called.
@@ -57,7 +59,8 @@ public:
 
     // On the thread that calls.
 
-    /// Waits until no call answers, and none has returned just now.
+    /// Waits until no call answers, and none has returned just now, longer while its thread still
+    /// runs.
     void holdBack();
     /// `isCommand`: a proactive command, and no word about the session.
     void callCommand(MOVA_STKNotifyData data, bool isCommand);
@@ -78,6 +81,7 @@ private:
     std::optional<Kind> m_running; // the one that is being called
     std::thread::id m_caller; // the thread inside a callback
     int m_answering = 0; // calls under way that answer, from outside
+    pid_t m_answerer = 0; // thread of the last one that returned, until something was held back
     Clock::time_point m_heldUntil; // since the last one returned
     Clock::time_point m_longest; // how long anything is held back now
     Clock::time_point m_toldAt; // when the command callback has last returned
