@@ -22,8 +22,6 @@ foreach(card by-itself demo every-command)
   set_tests_properties(EndToEnd-${card} PROPERTIES
     ENVIRONMENT "${STK_TEST_ENVIRONMENT}" TIMEOUT 300 COST 90) # long, so it starts early
 endforeach()
-# Its card answers within 60 ms, and the toolkit has to be ready for that by then.
-set_tests_properties(EndToEnd-every-command PROPERTIES PROCESSORS 4)
 target_compile_definitions(EndToEnd PRIVATE ${host_definitions})
 add_dependencies(EndToEnd ConnectionManager STKPlugin tones)
 
