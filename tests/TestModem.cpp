@@ -1,6 +1,7 @@
 // What stands between a modem and the terminal: lines, support bytes, and the AT port against a
 // modem that is a table.
 #include <deque>
+#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@
 
 #include "modem/AtLines.h"
 #include "modem/AtPort.h"
-#include "modem/MbimSupport.h"
+#include "modem/MbimPort.h"
 #include "toolkit/Notices.h"
 
 using Strings = std::vector<std::string>;
@@ -286,6 +287,32 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
             EXPECT_TRUE(hasHeard(command)) << command;
         port->close();
         modem->heard.clear();
+    }
+}
+
+TEST(ModemPorts, sayWhatIsNoDevice)
+{
+    const std::string file = testing::TempDir() + "no-device";
+    std::ofstream(file) << "AT";
+    const struct {
+        const char *way;
+        std::string device;
+        const char *notice;
+    } rows[] = {{"at", "/tmp", "FOLDER"},
+                {"at", file, "FILE"},
+                {"at", "/dev/null", "NONE"},
+                {"mbim", "/dev/tty", "SERIAL"},
+                {"mbim", "/tmp", "FOLDER"}};
+    for (const auto &row : rows) {
+        Told told;
+        AtPort at(row.device, {}, told);
+        MbimPort mbim(row.device, {}, told);
+        ToolkitPort &port = row.way == std::string("at") ? static_cast<ToolkitPort &>(at) : mbim;
+        port.open(told, AtPort::Time(1h));
+        port.work(AtPort::Time(1h));
+        EXPECT_EQ(told.lines,
+                  (Strings{std::string("IDS_CM_NOTICE_MODEM_IS_") + row.notice, "departed"}))
+            << row.device;
     }
 }
 

@@ -518,6 +518,14 @@
         <translation>%1: لا يوجد جهاز كهذا</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FOLDER</source>
+        <translation>%1: هذا مجلد وليس جهازاً</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FILE</source>
+        <translation>%1: هذا ملف وليس جهازاً</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
         <translation>لا يوجد مودم MBIM متصل</translation>
     </message>
@@ -528,6 +536,10 @@
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
         <translation>%1: هذا ليس منفذاً تسلسلياً</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
+        <translation>%1: هذا منفذ تسلسلي وليس جهاز MBIM؛ بأوامر AT يكون at:%1</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

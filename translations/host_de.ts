@@ -518,6 +518,14 @@
         <translation>%1: Dieses Gerät gibt es nicht</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FOLDER</source>
+        <translation>%1: Das ist ein Ordner, kein Gerät</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FILE</source>
+        <translation>%1: Das ist eine Datei, kein Gerät</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
         <translation>Es ist kein MBIM-Modem angeschlossen</translation>
     </message>
@@ -528,6 +536,10 @@
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
         <translation>%1: Das ist keine serielle Schnittstelle</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
+        <translation>%1: Das ist eine serielle Schnittstelle, kein MBIM-Gerät; mit AT-Befehlen ist es at:%1</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

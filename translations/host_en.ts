@@ -518,6 +518,14 @@
         <translation>%1: there is no such device</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FOLDER</source>
+        <translation>%1: this is a folder, no device</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FILE</source>
+        <translation>%1: this is a file, no device</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
         <translation>no MBIM modem is connected</translation>
     </message>
@@ -528,6 +536,10 @@
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
         <translation>%1: this is no serial port</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
+        <translation>%1: this is a serial port, no MBIM device; with AT commands it is at:%1</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

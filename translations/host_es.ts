@@ -518,6 +518,14 @@
         <translation>%1: no existe tal dispositivo</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FOLDER</source>
+        <translation>%1: es una carpeta, no un dispositivo</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FILE</source>
+        <translation>%1: es un archivo, no un dispositivo</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
         <translation>No hay ningún módem MBIM conectado</translation>
     </message>
@@ -528,6 +536,10 @@
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
         <translation>%1: no es un puerto serie</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
+        <translation>%1: es un puerto serie, no un dispositivo MBIM; con comandos AT es at:%1</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -518,6 +518,14 @@
         <translation>%1 : ce périphérique n’existe pas</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FOLDER</source>
+        <translation>%1 : c’est un dossier, pas un périphérique</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_FILE</source>
+        <translation>%1 : c’est un fichier, pas un périphérique</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_NO_MBIM_MODEM</source>
         <translation>Aucun modem MBIM n’est connecté</translation>
     </message>
@@ -528,6 +536,10 @@
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_NONE</source>
         <translation>%1 : ce n’est pas un port série</translation>
+    </message>
+    <message>
+        <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
+        <translation>%1 : c’est un port série, pas un périphérique MBIM ; avec des commandes AT, c’est at:%1</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -63,6 +63,8 @@ AtPort::~AtPort()
 void AtPort::openDevice(Time now)
 {
     using State = SerialPort::State;
+    if (!isDevice(true, now))
+        return;
     const State before = std::exchange(m_found, m_channel.open(m_device));
     if (m_found == State::Open)
         return;

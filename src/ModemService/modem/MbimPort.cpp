@@ -175,6 +175,8 @@ void MbimPort::openDevice()
         m_events->departed();
         return;
     }
+    if (!isDevice(false, m_now))
+        return;
     m_waiting = true;
     m_reports.spoken(false, "open");
     m_link.open(m_device, [this](const Result &result) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "DeviceFile.h"
+
 namespace {
 
 constexpr int MostSilences = 2;
@@ -71,6 +73,20 @@ void ModemPort::lose(Time now)
     m_place = Place::Awaited;
     goTo(Stage::Modem, now + RetryPeriod);
     m_events->departed();
+}
+
+bool ModemPort::isDevice(bool maySerial, Time now)
+{
+    const DeviceFile file = deviceFileAt(m_device);
+    if (file == DeviceFile::Other || (file == DeviceFile::Serial && maySerial))
+        return true;
+    tell(file == DeviceFile::Folder         ? NoticeId::ModemIsFolder
+             : file == DeviceFile::NoDevice ? NoticeId::ModemIsFile
+             : file == DeviceFile::Serial   ? NoticeId::ModemIsSerial
+                                            : NoticeId::ModemMissing);
+    m_stepAt = now + RetryPeriod;
+    m_events->departed();
+    return false;
 }
 
 void ModemPort::cardIsThere(Time now)

@@ -68,6 +68,8 @@ protected:
     /// When goOn() is to be called.
     Time nextTime() const;
 
+    /// Whether the modem's device can be one; if not, says why.
+    bool isDevice(bool maySerial, Time now);
     void cardIsThere(Time now);
     void cardIsGone(Time now);
     /// The modem itself is gone, or answers no more.

@@ -37,9 +37,12 @@ enum class NoticeId {
     NoMenuPinUnchecked, ///< and the status words
     CaptureFailed, ///< the file and the reason
     ModemMissing,
+    ModemIsFolder,
+    ModemIsFile,
     NoMbimModem, ///< no arguments
     ModemDenied,
     ModemIsNone,
+    ModemIsSerial,
     ModemInUse,
     ModemInUseBy, ///< and the programs
     ModemGone,
