@@ -261,6 +261,8 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
          {{"AT", {error}},
           {"AT+CMEE", {error}},
           {"AT+CUSATW", {error}},
+          {"AT+CUSATR", {error}},
+          {"AT+CUSATD", {error}},
           {"AT+CUSATA", {"\r\n+CME ERROR: 4\r\n"}}},
          {"arrived", "rest"}},
         {"echoes, and the card talks in between",
@@ -281,6 +283,8 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
         open(row.answers);
         modem->run(*port, 30s);
         EXPECT_EQ(told.lines, row.told);
+        port->tellMissingMenu();
+        EXPECT_EQ(told.lines.back() == "IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT", &row == &rows[1]);
         Strings heard = modem->heard;
         heard.erase(std::unique(heard.begin(), heard.end()), heard.end());
         for (const std::string &command : all)

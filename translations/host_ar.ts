@@ -586,6 +586,10 @@
         <translation>%1: لا يقدم هذا المودم خدمات SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1: يرفض المودم أوامر خدمات SIM؛ قد يقبلها منفذ آخر من منافذه، أو أنه لا يقدم خدمات SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1: يحتفظ هذا المودم بقائمة خدمات SIM لنفسه</translation>
     </message>

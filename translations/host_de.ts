@@ -586,6 +586,10 @@
         <translation>%1: Dieses Modem bietet keine SIM-Dienste an</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1: Das Modem lehnt die Befehle der SIM-Dienste ab; ein anderer seiner Anschlüsse nimmt sie vielleicht an, oder es bietet keine SIM-Dienste an</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1: Dieses Modem behält das Menü der SIM-Dienste für sich</translation>
     </message>

@@ -586,6 +586,10 @@
         <translation>%1: this modem offers no toolkit</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1: the modem refuses the toolkit's commands; another of its ports may take them, or it offers no toolkit</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1: this modem keeps the toolkit's menu to itself</translation>
     </message>

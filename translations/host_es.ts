@@ -586,6 +586,10 @@
         <translation>%1: este módem no ofrece servicios SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1: el módem rechaza los comandos de servicios SIM; quizá los acepte otro de sus puertos, o no ofrece servicios SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1: este módem se reserva el menú de servicios SIM</translation>
     </message>

@@ -586,6 +586,10 @@
         <translation>%1 : ce modem n’offre pas de services SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1 : le modem refuse les commandes des services SIM ; un autre de ses ports les accepte peut-être, ou il n’offre pas de services SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1 : ce modem garde pour lui le menu des services SIM</translation>
     </message>

@@ -586,6 +586,10 @@
         <translation>%1：此调制解调器不提供 SIM 卡应用</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT</source>
+        <translation>%1：调制解调器拒绝 SIM 卡应用命令；可能要用它的另一个端口，或者它不提供 SIM 卡应用</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_KEEPS_MENU</source>
         <translation>%1：此调制解调器自行保留 SIM 卡应用菜单</translation>
     </message>

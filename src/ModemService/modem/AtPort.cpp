@@ -35,6 +35,13 @@ std::optional<uint16_t> statusOf(const std::vector<std::string> &values)
     return static_cast<uint16_t>((*sw1 & 0xff) << 8 | (*sw2 & 0xff));
 }
 
+// Of the command as such; what the card lacks may come.
+bool isRefusal(const AtChannel::Answer &answer)
+{
+    const bool isCards = answer.error() >= NoSim && answer.error() <= WrongPassword;
+    return answer.final && !answer.isOk() && !isCards;
+}
+
 // What "+CPIN" says of a card that cannot be used; no standard has these words.
 bool isMissing(std::string_view cardState)
 {
@@ -131,6 +138,7 @@ bool AtPort::takeUnasked(const std::string &line, Time now)
 
 void AtPort::takeCommand(std::string_view value, Time now)
 {
+    m_refusesToolkit = false;
     const auto bytes = bytesOf(parameters(value).front());
     if (!bytes || bytes->empty())
         tell(NoticeId::ModemUnreadable);
@@ -187,6 +195,7 @@ void AtPort::enter(Stage stage)
         break;
     case Stage::Toolkit:
         m_step = Step::AskInterface;
+        m_refusesToolkit = true; // until it takes anything
         break;
     }
 }
@@ -239,6 +248,8 @@ void AtPort::stepDone(const Answer &answer, Time now)
         m_stepAt = now + RetryPeriod;
         return;
     }
+    if (m_step >= Step::AskInterface)
+        m_refusesToolkit &= isRefusal(answer);
     if (m_step == Step::WriteProfile && isRepeated(answer))
         return;
     if (m_step == Step::Activate)

@@ -63,7 +63,7 @@ void ModemPort::close()
     m_toolkit.forget();
     m_withoutPin.reset();
     m_silences = 0;
-    m_restart = m_switchedOff = false;
+    m_restart = m_switchedOff = m_refusesToolkit = false;
 }
 
 void ModemPort::lose(Time now)
@@ -185,6 +185,7 @@ void ModemPort::tellMissingMenu()
 {
     tell(m_withoutPin == NoticeId::PinBlocked       ? NoticeId::NoMenuPinBlocked
              : m_withoutPin == NoticeId::PinLeftOut ? NoticeId::NoMenuPinLeftOut
+             : m_refusesToolkit                     ? NoticeId::ModemRefusesToolkit
                                                     : NoticeId::ModemNoMenu);
 }
 

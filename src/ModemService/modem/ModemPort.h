@@ -105,6 +105,7 @@ protected:
     Time m_stepAt; // when the step is to be taken
     bool m_taken = false; // the toolkit, as far as anybody knows
     bool m_switchedOff = false; // the card, or about to be
+    bool m_refusesToolkit = false; // the modem, whatever it was asked for it
 
 private:
     enum class Place {

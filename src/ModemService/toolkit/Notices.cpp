@@ -83,6 +83,9 @@ constexpr NoticeRow NoticeRows[] = {
      "%1: the modem could not be opened: %2"},
     {NoticeId::ModemNoToolkit, true, "IDS_CM_NOTICE_MODEM_NO_TOOLKIT",
      "%1: this modem offers no toolkit"},
+    {NoticeId::ModemRefusesToolkit, true, "IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT",
+     "%1: the modem refuses the toolkit's commands; another of its ports may take them, or it "
+     "offers no toolkit"},
     {NoticeId::ModemKeepsMenu, true, "IDS_CM_NOTICE_MODEM_KEEPS_MENU",
      "%1: this modem keeps the toolkit's menu to itself"},
     {NoticeId::ModemCountsDecimally, false, "IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY",

@@ -54,6 +54,7 @@ enum class NoticeId {
     ModemNoMenu,
     ModemNotOpened, ///< and the reason
     ModemNoToolkit,
+    ModemRefusesToolkit,
     ModemKeepsMenu,
     ModemCountsDecimally,
     ModemToolkitInUse,
