@@ -94,6 +94,9 @@ TEST(MbimSupport, tellsWhoHasAType)
         support.of[25] = row.atDigits;
         EXPECT_EQ(hostControl(types, support)[row.byte], row.bits) << row.what;
     }
+    MbimSupport support;
+    support.of[0x21] = 6;
+    EXPECT_EQ(keptByModem({0x21, 0x25, 0x13, 0x23, 0x24}, support), "GET INPUT, SELECT ITEM");
     const cat::Bytes padded{0xd0, 0x02, 0x81, 0x00, 0x00, 0x00}, longer(3 + 0x90 + 5, 0xd0);
     EXPECT_EQ(commandIn(padded).size(), 4u);
     cat::Bytes two = longer;

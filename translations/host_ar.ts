@@ -594,6 +594,10 @@
         <translation>%1: يحتفظ هذا المودم بقائمة خدمات SIM لنفسه</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1: يحتفظ هذا المودم لنفسه بما يلي: %2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1: يعدّ هذا المودم أنواع الأوامر بالنظام العشري</translation>
     </message>

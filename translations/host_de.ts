@@ -594,6 +594,10 @@
         <translation>%1: Dieses Modem behält das Menü der SIM-Dienste für sich</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1: Dieses Modem behält für sich: %2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1: Dieses Modem zählt die Arten der Befehle dezimal</translation>
     </message>

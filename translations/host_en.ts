@@ -594,6 +594,10 @@
         <translation>%1: this modem keeps the toolkit's menu to itself</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1: this modem keeps to itself: %2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1: this modem counts the types of commands in decimal</translation>
     </message>

@@ -594,6 +594,10 @@
         <translation>%1: este módem se reserva el menú de servicios SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1: este módem se reserva: %2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1: este módem cuenta los tipos de órdenes en decimal</translation>
     </message>

@@ -594,6 +594,10 @@
         <translation>%1 : ce modem garde pour lui le menu des services SIM</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1 : ce modem garde pour lui : %2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1 : ce modem compte les types de commandes en décimal</translation>
     </message>

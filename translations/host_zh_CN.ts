@@ -594,6 +594,10 @@
         <translation>%1：此调制解调器自行保留 SIM 卡应用菜单</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS</source>
+        <translation>%1：此调制解调器自行保留：%2</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY</source>
         <translation>%1：此调制解调器以十进制计数命令类型</translation>
     </message>

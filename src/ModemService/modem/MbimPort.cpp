@@ -301,6 +301,9 @@ void MbimPort::tookOver(const Result &result)
         return;
     }
     m_support = MbimMessages::supportIn(*result.message).value_or(m_support);
+    const std::string kept = keptByModem(m_types, m_support);
+    if (!kept.empty())
+        tell(NoticeId::ModemKeepsCommands, kept);
     if (!m_support.isHosts(SetUpMenuType))
         tell(NoticeId::ModemKeepsMenu);
     m_toolkit.run(m_now);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "cat/CommandTable.h"
+
 namespace {
 
 // ETSI TS 102 223 clause 9.4; SEND SS and SEND USSD stand between the first two.
@@ -22,6 +24,12 @@ enum : uint8_t {
 bool isOneOf(uint8_t value, std::initializer_list<uint8_t> values)
 {
     return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+// Nobody but the modem has a network: it may tell, for people to see.
+bool isNetworks(uint8_t type)
+{
+    return type >= SetUpCallType && type <= SendShortMessageType;
 }
 
 } // namespace
@@ -54,12 +62,20 @@ std::array<uint8_t, 32> hostControl(const std::vector<uint8_t> &types, const Mbi
     std::array<uint8_t, 32> control{};
     for (const uint8_t type : types) {
         const size_t position = support.position(type);
-        // Nobody but the modem has a network: it may tell, for people to see.
-        const bool networks = type >= SetUpCallType && type <= SendShortMessageType;
-        if (networks ? support.of[position] == ModemCanNotify : support.isFree(type))
+        if (isNetworks(type) ? support.of[position] == ModemCanNotify : support.isFree(type))
             control[position / 8] |= static_cast<uint8_t>(1 << position % 8);
     }
     return control;
+}
+
+std::string keptByModem(const std::vector<uint8_t> &types, const MbimSupport &support)
+{
+    std::string names;
+    for (const uint8_t type : types) {
+        if (type != SetUpMenuType && !isNetworks(type) && !support.isHosts(type))
+            names += (names.empty() ? "" : ", ") + std::string(cat::findCommand(type)->name);
+    }
+    return names;
 }
 
 cat::ByteView commandIn(cat::ByteView bytes)

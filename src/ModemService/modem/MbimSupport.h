@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "cat/Bytes.h"
@@ -25,6 +26,10 @@ struct MbimSupport {
 
 /// A bit for each of the types that the modem leaves to the host (PacHostControl).
 std::array<uint8_t, 32> hostControl(const std::vector<uint8_t> &types, const MbimSupport &support);
+
+/// The names of those of the types that the host could carry out and does not have, SET UP MENU
+/// aside; empty: it has all.
+std::string keptByModem(const std::vector<uint8_t> &types, const MbimSupport &support);
 
 /// The proactive command at the beginning of what a modem sent; padding may follow it.
 cat::ByteView commandIn(cat::ByteView bytes);

@@ -88,6 +88,8 @@ constexpr NoticeRow NoticeRows[] = {
      "offers no toolkit"},
     {NoticeId::ModemKeepsMenu, true, "IDS_CM_NOTICE_MODEM_KEEPS_MENU",
      "%1: this modem keeps the toolkit's menu to itself"},
+    {NoticeId::ModemKeepsCommands, false, "IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS",
+     "%1: this modem keeps to itself: %2"},
     {NoticeId::ModemCountsDecimally, false, "IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY",
      "%1: this modem counts the types of commands in decimal"},
     {NoticeId::ModemToolkitInUse, true, "IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE",

@@ -56,6 +56,7 @@ enum class NoticeId {
     ModemNoToolkit,
     ModemRefusesToolkit,
     ModemKeepsMenu,
+    ModemKeepsCommands, ///< and their names
     ModemCountsDecimally,
     ModemToolkitInUse,
     ModemNotReady ///< and what it says
