@@ -362,6 +362,22 @@
         <translation>في انتظار البطاقة</translation>
     </message>
     <message>
+        <source>IDS_CM_STATE_WAITING_MODEM</source>
+        <translation>في انتظار المودم</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_PIN</source>
+        <translation>في انتظار رمز PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_TOOLKIT</source>
+        <translation>في انتظار خدمات SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_TOOLKIT</source>
+        <translation>لا توجد خدمات SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_URL_NO_BROWSER</source>
         <translation>طلبت البطاقة %1، لكن تعذّر تشغيل أي متصفح.</translation>
     </message>
@@ -539,7 +555,7 @@
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
-        <translation>%1: هذا منفذ تسلسلي وليس جهاز MBIM؛ بأوامر AT يكون at:%1</translation>
+        <translation>%1: هذا منفذ تسلسلي وليس جهاز MBIM؛ بأوامر AT يكون %2</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -362,6 +362,22 @@
         <translation>Warten auf die Karte</translation>
     </message>
     <message>
+        <source>IDS_CM_STATE_WAITING_MODEM</source>
+        <translation>Warten auf das Modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_PIN</source>
+        <translation>Warten auf die PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_TOOLKIT</source>
+        <translation>Warten auf die SIM-Dienste</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_TOOLKIT</source>
+        <translation>Keine SIM-Dienste</translation>
+    </message>
+    <message>
         <source>IDS_CM_URL_NO_BROWSER</source>
         <translation>Die Karte wollte %1 öffnen, aber kein Browser ließ sich starten.</translation>
     </message>
@@ -539,7 +555,7 @@
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
-        <translation>%1: Das ist eine serielle Schnittstelle, kein MBIM-Gerät; mit AT-Befehlen ist es at:%1</translation>
+        <translation>%1: Das ist eine serielle Schnittstelle, kein MBIM-Gerät; mit AT-Befehlen ist es %2</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -362,6 +362,22 @@
         <translation>Waiting for the card</translation>
     </message>
     <message>
+        <source>IDS_CM_STATE_WAITING_MODEM</source>
+        <translation>Waiting for the modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_PIN</source>
+        <translation>Waiting for the PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_TOOLKIT</source>
+        <translation>Waiting for the SIM toolkit</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_TOOLKIT</source>
+        <translation>No SIM toolkit</translation>
+    </message>
+    <message>
         <source>IDS_CM_URL_NO_BROWSER</source>
         <translation>The card asked for %1, but no browser could be started.</translation>
     </message>
@@ -539,7 +555,7 @@
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
-        <translation>%1: this is a serial port, no MBIM device; with AT commands it is at:%1</translation>
+        <translation>%1: this is a serial port, no MBIM device; with AT commands it is %2</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -362,6 +362,22 @@
         <translation>Esperando la tarjeta</translation>
     </message>
     <message>
+        <source>IDS_CM_STATE_WAITING_MODEM</source>
+        <translation>Esperando el módem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_PIN</source>
+        <translation>Esperando el PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_TOOLKIT</source>
+        <translation>Esperando los servicios SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_TOOLKIT</source>
+        <translation>Sin servicios SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_URL_NO_BROWSER</source>
         <translation>La tarjeta pidió %1, pero no se pudo iniciar ningún navegador.</translation>
     </message>
@@ -539,7 +555,7 @@
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
-        <translation>%1: es un puerto serie, no un dispositivo MBIM; con comandos AT es at:%1</translation>
+        <translation>%1: es un puerto serie, no un dispositivo MBIM; con comandos AT es %2</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -362,6 +362,22 @@
         <translation>En attente de la carte</translation>
     </message>
     <message>
+        <source>IDS_CM_STATE_WAITING_MODEM</source>
+        <translation>En attente du modem</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_PIN</source>
+        <translation>En attente du code PIN</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_WAITING_TOOLKIT</source>
+        <translation>En attente des services SIM</translation>
+    </message>
+    <message>
+        <source>IDS_CM_STATE_NO_TOOLKIT</source>
+        <translation>Pas de services SIM</translation>
+    </message>
+    <message>
         <source>IDS_CM_URL_NO_BROWSER</source>
         <translation>La carte a demandé %1, mais aucun navigateur n’a pu être lancé.</translation>
     </message>
@@ -539,7 +555,7 @@
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IS_SERIAL</source>
-        <translation>%1 : c’est un port série, pas un périphérique MBIM ; avec des commandes AT, c’est at:%1</translation>
+        <translation>%1 : c’est un port série, pas un périphérique MBIM ; avec des commandes AT, c’est %2</translation>
     </message>
     <message>
         <source>IDS_CM_NOTICE_MODEM_IN_USE</source>

@@ -15,6 +15,7 @@
 #include <QStatusBar>
 
 #include "CardCommands.h"
+#include "Headline.h"
 #include "Languages.h"
 #include "Messages.h"
 #include "ModemIcon.h"
@@ -40,21 +41,6 @@ namespace {
 constexpr int RefreshInterval = 200; // ms
 constexpr int StateIconSize = 64;
 constexpr int UncodableShown = 30'000; // ms; then the entry has long been corrected
-
-const char *stateId(ModemState state)
-{
-    switch (state) {
-    case ModemState::Removed:
-        return "IDS_CM_STATE_REMOVED";
-    case ModemState::Ready:
-        return "IDS_CM_STATE_READY";
-    case ModemState::Busy:
-        return "IDS_CM_STATE_BUSY";
-    case ModemState::NoCard:
-        break;
-    }
-    return "IDS_CM_STATE_NO_CARD";
-}
 
 const char *refusalId(HostUi::UrlRefusal reason)
 {
@@ -477,23 +463,27 @@ void MainWindow::refreshTexts()
 {
     const ModemState before = std::exchange(m_state, CardHost::state());
     const bool toolkit = hasToolkit(m_state);
-    if (toolkit && before == ModemState::Removed && m_notice && m_notice->problem)
+    const bool hadMenu = std::exchange(m_hasMenu, CardHost::hasMenu());
+    const CardHost::Notice *problem =
+        m_source && m_notice && m_notice->problem ? &*m_notice : nullptr;
+    const bool isBack = toolkit && before == ModemState::Removed;
+    if (problem && (isBack || (m_hasMenu && !hadMenu && isOverWithMenu(*problem)))) {
         showError({}); // it is in the way no more
+        problem = nullptr;
+    }
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
-    const bool waits = m_source && m_state == ModemState::Removed && !m_errorLabel->isHidden();
-    m_stateLabel->setText(text(waits ? "IDS_CM_STATE_WAITING" : stateId(m_state)));
+    m_stateLabel->setText(text(headlineId(m_state, problem, pinDialog())));
     if (m_source)
         m_source->setAnswering(toolkit);
     m_cardLabel->setText(cardLine());
-    m_hasMenu = CardHost::hasMenu();
     m_toolkit->setEnabled(toolkit && m_hasMenu);
     m_toolkitButton->follow(toolkit, m_hasMenu);
-    m_remove->setEnabled(toolkit);
-    m_insert->setEnabled(m_state == ModemState::Removed);
+    const bool inModem = m_source == m_modems; // nobody plays its network
+    m_remove->setEnabled(toolkit && !inModem);
+    m_insert->setEnabled(m_state == ModemState::Removed && !inModem);
     m_commandActions->setEnabled(toolkit && !m_source); // a real card sends what it likes
-    m_endSession->setEnabled(toolkit);
-    m_timeOutSession->setEnabled(toolkit);
-    const bool inModem = m_source == m_modems;
+    m_endSession->setEnabled(toolkit && !inModem);
+    m_timeOutSession->setEnabled(toolkit && !inModem);
     m_restart->setText(text(inModem ? "IDS_CM_RESTART_MODEM" : "IDS_CM_RESTART"));
     m_restart->setEnabled(toolkit && m_source);
 }
@@ -551,6 +541,7 @@ void MainWindow::tellNotice()
 void MainWindow::askPin(const std::optional<CardHost::PinRequest> &request)
 {
     m_pinDialog.reset();
+    refreshTexts();
     if (!request)
         return;
     if (m_declinesPins) {
@@ -561,6 +552,7 @@ void MainWindow::askPin(const std::optional<CardHost::PinRequest> &request)
     }
     m_pinDialog = std::make_unique<PinDialog>(*request, this);
     m_pinDialog->open();
+    refreshTexts();
 }
 
 void MainWindow::showError(const QString &line)

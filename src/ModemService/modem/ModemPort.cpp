@@ -80,10 +80,19 @@ bool ModemPort::isDevice(bool maySerial, Time now)
     const DeviceFile file = deviceFileAt(m_device);
     if (file == DeviceFile::Other || (file == DeviceFile::Serial && maySerial))
         return true;
-    tell(file == DeviceFile::Folder         ? NoticeId::ModemIsFolder
-             : file == DeviceFile::NoDevice ? NoticeId::ModemIsFile
-             : file == DeviceFile::Serial   ? NoticeId::ModemIsSerial
-                                            : NoticeId::ModemMissing);
+    switch (file) {
+    case DeviceFile::Folder:
+        tell(NoticeId::ModemIsFolder);
+        break;
+    case DeviceFile::NoDevice:
+        tell(NoticeId::ModemIsFile);
+        break;
+    case DeviceFile::Serial:
+        tell(NoticeId::ModemIsSerial, "at:" + m_device);
+        break;
+    default:
+        tell(NoticeId::ModemMissing);
+    }
     m_stepAt = now + RetryPeriod;
     m_events->departed();
     return false;

@@ -9,7 +9,11 @@ struct NoticeRow {
     bool problem;
     const char *name; // of the text in the host's catalogues
     const char *english;
+    Notice::Awaited awaited = Notice::Awaited::Card;
 };
+
+constexpr auto Modem = Notice::Awaited::Modem, Toolkit = Notice::Awaited::Toolkit,
+               Nothing = Notice::Awaited::Nothing;
 
 constexpr NoticeRow NoticeRows[] = {
     {NoticeId::NoDaemon, true, "IDS_CM_NOTICE_NO_DAEMON",
@@ -54,22 +58,27 @@ constexpr NoticeRow NoticeRows[] = {
      "%1: this card has no toolkit menu: its PIN could not be checked: the card answers %2"},
     {NoticeId::CaptureFailed, true, "IDS_CM_NOTICE_CAPTURE_FAILED",
      "%1: cannot write the capture: %2"},
-    {NoticeId::ModemMissing, true, "IDS_CM_NOTICE_MODEM_MISSING", "%1: there is no such device"},
+    {NoticeId::ModemMissing, true, "IDS_CM_NOTICE_MODEM_MISSING", "%1: there is no such device",
+     Modem},
     {NoticeId::ModemIsFolder, true, "IDS_CM_NOTICE_MODEM_IS_FOLDER",
-     "%1: this is a folder, no device"},
-    {NoticeId::ModemIsFile, true, "IDS_CM_NOTICE_MODEM_IS_FILE", "%1: this is a file, no device"},
-    {NoticeId::NoMbimModem, true, "IDS_CM_NOTICE_NO_MBIM_MODEM", "no MBIM modem is connected"},
+     "%1: this is a folder, no device", Modem},
+    {NoticeId::ModemIsFile, true, "IDS_CM_NOTICE_MODEM_IS_FILE", "%1: this is a file, no device",
+     Modem},
+    {NoticeId::NoMbimModem, true, "IDS_CM_NOTICE_NO_MBIM_MODEM", "no MBIM modem is connected",
+     Modem},
     {NoticeId::ModemDenied, true, "IDS_CM_NOTICE_MODEM_DENIED",
-     "%1: this user may not use the device (is the user in the group dialout?)"},
-    {NoticeId::ModemIsNone, true, "IDS_CM_NOTICE_MODEM_IS_NONE", "%1: this is no serial port"},
+     "%1: this user may not use the device (is the user in the group dialout?)", Modem},
+    {NoticeId::ModemIsNone, true, "IDS_CM_NOTICE_MODEM_IS_NONE", "%1: this is no serial port",
+     Modem},
     {NoticeId::ModemIsSerial, true, "IDS_CM_NOTICE_MODEM_IS_SERIAL",
-     "%1: this is a serial port, no MBIM device; with AT commands it is at:%1"},
+     "%1: this is a serial port, no MBIM device; with AT commands it is %2", Modem},
     {NoticeId::ModemInUse, true, "IDS_CM_NOTICE_MODEM_IN_USE",
-     "%1: another program keeps the device for itself (a modem manager?)"},
+     "%1: another program keeps the device for itself (a modem manager?)", Modem},
     {NoticeId::ModemInUseBy, true, "IDS_CM_NOTICE_MODEM_IN_USE_BY",
-     "%1: another program keeps the device for itself: %2"},
-    {NoticeId::ModemGone, true, "IDS_CM_NOTICE_MODEM_GONE", "%1: the modem is gone"},
-    {NoticeId::ModemSilent, true, "IDS_CM_NOTICE_MODEM_SILENT", "%1: the modem does not answer"},
+     "%1: another program keeps the device for itself: %2", Modem},
+    {NoticeId::ModemGone, true, "IDS_CM_NOTICE_MODEM_GONE", "%1: the modem is gone", Modem},
+    {NoticeId::ModemSilent, true, "IDS_CM_NOTICE_MODEM_SILENT", "%1: the modem does not answer",
+     Modem},
     {NoticeId::ModemUnreadable, true, "IDS_CM_NOTICE_MODEM_UNREADABLE",
      "%1: the modem sent a command that cannot be read"},
     {NoticeId::ModemNoSim, true, "IDS_CM_NOTICE_MODEM_NO_SIM",
@@ -80,12 +89,13 @@ constexpr NoticeRow NoticeRows[] = {
     {NoticeId::ModemNoMenu, true, "IDS_CM_NOTICE_MODEM_NO_MENU",
      "%1: no toolkit menu has come; the card sends it when it starts: Card, Start anew"},
     {NoticeId::ModemNotOpened, true, "IDS_CM_NOTICE_MODEM_NOT_OPENED",
-     "%1: the modem could not be opened: %2"},
+     "%1: the modem could not be opened: %2", Modem},
     {NoticeId::ModemNoToolkit, true, "IDS_CM_NOTICE_MODEM_NO_TOOLKIT",
-     "%1: this modem offers no toolkit"},
+     "%1: this modem offers no toolkit", Nothing},
     {NoticeId::ModemRefusesToolkit, true, "IDS_CM_NOTICE_MODEM_REFUSES_TOOLKIT",
      "%1: the modem refuses the toolkit's commands; another of its ports may take them, or it "
-     "offers no toolkit"},
+     "offers no toolkit",
+     Nothing},
     {NoticeId::ModemKeepsMenu, true, "IDS_CM_NOTICE_MODEM_KEEPS_MENU",
      "%1: this modem keeps the toolkit's menu to itself"},
     {NoticeId::ModemKeepsCommands, false, "IDS_CM_NOTICE_MODEM_KEEPS_COMMANDS",
@@ -93,9 +103,9 @@ constexpr NoticeRow NoticeRows[] = {
     {NoticeId::ModemCountsDecimally, false, "IDS_CM_NOTICE_MODEM_COUNTS_DECIMALLY",
      "%1: this modem counts the types of commands in decimal"},
     {NoticeId::ModemToolkitInUse, true, "IDS_CM_NOTICE_MODEM_TOOLKIT_IN_USE",
-     "%1: another program has the modem's toolkit"},
+     "%1: another program has the modem's toolkit", Toolkit},
     {NoticeId::ModemNotReady, true, "IDS_CM_NOTICE_MODEM_NOT_READY",
-     "%1: the modem is not ready: %2"},
+     "%1: the modem is not ready: %2", Toolkit},
 };
 
 constexpr bool isInOrder()
@@ -130,7 +140,7 @@ std::string filledIn(const std::string &text, const std::vector<std::string> &ar
 Notice noticeOf(NoticeId id, std::vector<std::string> arguments, const std::string &remark)
 {
     const NoticeRow &row = NoticeRows[static_cast<size_t>(id)];
-    Notice notice{row.name, arguments, {}, row.problem};
+    Notice notice{row.name, arguments, {}, row.problem, row.awaited};
     if (!remark.empty())
         arguments.back() += " (" + remark + ')';
     notice.text = filledIn(row.english, arguments);

@@ -42,7 +42,7 @@ enum class NoticeId {
     NoMbimModem, ///< no arguments
     ModemDenied,
     ModemIsNone,
-    ModemIsSerial,
+    ModemIsSerial, ///< and the address to be used
     ModemInUse,
     ModemInUseBy, ///< and the programs
     ModemGone,

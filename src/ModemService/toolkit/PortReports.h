@@ -50,11 +50,20 @@ struct PortTraffic {
 
 /// Something to tell people about a card, a reader or a modem; see noticeOf() in Notices.h.
 struct Notice {
+    /// What is to come, or to come back, before things can go on.
+    enum class Awaited {
+        Card,
+        Modem,
+        Toolkit, ///< of a modem whose card may be there
+        Nothing ///< the modem offers no toolkit
+    };
+
     std::string id; ///< of the text in the host's catalogues, "IDS_CM_NOTICE_CARD_SILENT"
     /// What stands for %1, %2 ... there: names of readers, status words...
     std::vector<std::string> arguments;
     std::string text; ///< the same in English with the arguments in it, one line of UTF-8
     bool problem = false; ///< something is in the way
+    Awaited awaited = Awaited::Card; ///< where it is a problem
 };
 
 /// Who hears of what a port and its terminal do besides the card's commands.  Every function is
