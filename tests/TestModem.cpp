@@ -225,10 +225,10 @@ class AtPortTest : public testing::Test {
 protected:
     using Answers = std::map<std::string, std::deque<std::string>>;
 
-    void open(Answers answers)
+    void open(Answers answers, const AtDialect &dialect = {})
     {
         modem = std::make_unique<TableModem>(std::move(answers));
-        port = std::make_unique<AtPort>(modem->device, cat::Bytes{0xff, 0x01}, told);
+        port = std::make_unique<AtPort>(modem->device, cat::Bytes{0xff, 0x01}, told, dialect);
         told.port = port.get();
         port->open(told, AtPort::Time(1h));
     }
@@ -294,6 +294,30 @@ TEST_F(AtPortTest, startsWithWhateverAModemSays)
             EXPECT_TRUE(hasHeard(command)) << command;
         port->close();
         modem->heard.clear();
+    }
+}
+
+TEST_F(AtPortTest, speaksTheDialectOfAFile)
+{
+    const std::string file = testing::TempDir() + "dialect.json";
+    std::ofstream(file) << R"({"+CUSATP": "^OWNP", "+CUSATT": "^OWNT", "+CUSATA": "^OWNA"})";
+    open({{"AT^OWNA", {"\r\n^OWNP: " + std::string(TextCommand) + "\r\n\r\nOK\r\n"}}},
+         readAtDialect(file));
+    modem->run(*port, 20s);
+    EXPECT_TRUE(hasHeard("AT^OWNT=\"8103012180\""));
+    const std::pair<const char *, const char *> errors[] = {
+        {"", "dialect.json: expected a dialect, found an empty file"},
+        {"[]", "dialect.json: /: expected an object, found an empty list"},
+        {R"({"+CUSATX": "^A"})", "dialect.json: /+CUSATX: unknown key; allowed here: +CUSATR, "},
+        {R"({"+CUSATT": "A=B"})", "dialect.json: /+CUSATT: expected a name: 2 to 32 visible"}};
+    for (const auto &[text, expected] : errors) {
+        std::ofstream(file) << text;
+        try {
+            readAtDialect(file);
+            ADD_FAILURE() << text;
+        } catch (const std::exception &error) {
+            EXPECT_NE(std::string(error.what()).find(expected), std::string::npos) << error.what();
+        }
     }
 }
 

@@ -21,6 +21,10 @@ const OptionRow Options[] = {
      "at:DEVICE for the card in a modem with AT commands, mbim:DEVICE for one with MBIM, or mbim: "
      "for the first of these.",
      &CommandLine::card},
+    {"at-dialect", "FILE",
+     "The names of the toolkit's AT commands where a modem has its own: a JSON object like "
+     "{\"+CUSATP\": \"^OWN\"}.",
+     &CommandLine::atDialect},
     {"language", "LL", "Language of the user interface: en, de, fr, es, zh_CN or ar.",
      &CommandLine::language},
     {"plugins", "DIR", "Folder that holds STKPlugin/libSTKPlugin.so.", &CommandLine::plugins},

@@ -21,6 +21,7 @@ struct CommandLine {
     QString transcript;
     QString apduLog;
     QString trace;
+    QString atDialect;
     bool listReaders = false;
     bool listModems = false;
 

@@ -133,6 +133,12 @@ QString openFiles(const CommandLine &line, Transcript &transcript, Walkthrough &
         if (!error.empty())
             return QString::fromStdString(error);
     }
+    if (!line.atDialect.isEmpty()) {
+        const std::string name = QFile::encodeName(line.atDialect).toStdString();
+        const std::string error = CardHost::setAtDialect(name);
+        if (!error.empty())
+            return QString::fromStdString(error);
+    }
     if (!line.screenshots.isEmpty() && !QDir().mkpath(line.screenshots))
         return line.screenshots + ": cannot make this folder for the pictures";
     return line.walkthrough.isEmpty() ? QString() : walkthrough.load(line.walkthrough);

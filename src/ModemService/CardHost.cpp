@@ -20,6 +20,7 @@
 #include "reader/WorkerChannel.h"
 #include "scenario/ScenarioCard.h"
 #include "scenario/ScenarioReader.h"
+#include "scenario/StrictJson.h"
 #include "session/Session.h"
 #include "toolkit/TrafficCapture.h"
 #include "toolkit/ToolkitTerminal.h"
@@ -176,6 +177,17 @@ public:
         return m_language;
     }
 
+    void setDialect(AtDialect dialect)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_dialect = std::move(dialect);
+    }
+    AtDialect dialect()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_dialect;
+    }
+
 private:
     // On the session's thread.
     void tellPinRequest()
@@ -198,6 +210,7 @@ private:
     std::optional<CardHost::PinRequest> m_pinRequest;
     std::unique_ptr<TrafficCapture> m_capture;
     std::string m_language;
+    AtDialect m_dialect;
 };
 
 Host &theHost()
@@ -285,14 +298,26 @@ void openModem(Modem::Kind kind, const std::string &device)
 {
     constexpr bool BesideModem = true;
     if (kind == Modem::Kind::At)
-        insertTerminal<ModemTerminal>(
-            std::make_unique<AtPort>(device, cat::terminalProfile(BesideModem), theHost()), device);
+        insertTerminal<ModemTerminal>(std::make_unique<AtPort>(device,
+                                                               cat::terminalProfile(BesideModem),
+                                                               theHost(), theHost().dialect()),
+                                      device);
     else
         insertTerminal<ModemTerminal>(
             std::make_unique<MbimPort>(device, cat::typesBesideModem(), theHost()),
             device.empty() ? "MBIM modem" : device);
     static const ModemMonitor monitor(
         [](const std::vector<Modem> &) { lookAgain<ModemTerminal>(); });
+}
+
+std::string setAtDialect(const std::string &file)
+{
+    try {
+        theHost().setDialect(readAtDialect(file));
+        return {};
+    } catch (const StrictJson::Error &error) {
+        return error.what();
+    }
 }
 
 void restartCard()

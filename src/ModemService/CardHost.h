@@ -80,6 +80,11 @@ MOVA_API void removeModemListener(int id);
 /// card is opened; at the end the toolkit is given back to the modem.
 MOVA_API void openModem(Modem::Kind kind, const std::string &device);
 
+/// From now on the toolkit's commands have the names of this file on the AT ports that are opened:
+/// a JSON object like {"+CUSATP": "^OWN"}.  The result is empty, or one line that says what is
+/// wrong with the file, and nothing has changed.
+MOVA_API std::string setAtDialect(const std::string &file);
+
 // ---- Readers and modems ----
 
 /// The card starts anew; a modem switches it off and on, and the network goes for a moment.

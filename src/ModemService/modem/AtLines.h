@@ -11,27 +11,6 @@
 
 // What a modem says on an AT port (ITU-T V.250, 3GPP TS 27.007), line by line.
 
-/// The names of the toolkit's commands and lines (3GPP TS 27.007 clause 12); a vendor's dialect is
-/// a row of its own.
-struct AtDialect {
-    const char *profileRead;
-    const char *profileWrite;
-    const char *download;
-    const char *activate;
-    const char *envelope;
-    const char *response;
-    const char *command; ///< unsolicited: a proactive command
-    const char *state; ///< unsolicited: the state of the toolkit
-    const char *end; ///< unsolicited: the proactive session is over
-    const char *envelopeAnswer;
-    const char *envelopeAnswerToo; ///< some say it so
-    const char *envelopeStatus;
-};
-
-constexpr AtDialect StandardDialect{"+CUSATR",   "+CUSATW", "+CUSATD",  "+CUSATA",
-                                    "+CUSATE",   "+CUSATT", "+CUSATP",  "+CUSATS",
-                                    "+CUSATEND", "+CUSATE", "+CUSATER", "+CUSATE2"};
-
 /// Cuts bytes into lines, however they come.
 class AtLineReader {
 public:

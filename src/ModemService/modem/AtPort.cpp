@@ -50,11 +50,10 @@ bool isMissing(std::string_view cardState)
 
 } // namespace
 
-AtPort::AtPort(std::string device, cat::Bytes profile, PortReports &reports,
-               const AtDialect &dialect)
+AtPort::AtPort(std::string device, cat::Bytes profile, PortReports &reports, AtDialect dialect)
     : ModemPort(std::move(device), reports)
     , m_profile(std::move(profile))
-    , m_dialect(dialect)
+    , m_dialect(std::move(dialect))
     , m_channel([this](const std::string &line, Time now) { return takeUnasked(line, now); },
                 reports)
 {
@@ -112,7 +111,7 @@ void AtPort::giveBack()
         return;
     if (m_channel.write(withDigits(m_dialect.profileWrite, "0,", {})) &&
         m_channel.isAnsweredInAMoment())
-        m_channel.write(std::string("AT") + m_dialect.download + "=0");
+        m_channel.write("AT" + m_dialect.download + "=0");
 }
 
 // ---- Lines ----
@@ -307,7 +306,8 @@ void AtPort::send(const ModemToolkit::Message &message, Time now)
         message.secret ? 2 * message.secret + m_quotes : 0);
 }
 
-std::string AtPort::withDigits(const char *name, const char *before, const cat::Bytes &data) const
+std::string AtPort::withDigits(const std::string &name, const char *before,
+                               const cat::Bytes &data) const
 {
     constexpr char Digits[] = "0123456789ABCDEF";
     std::string command;
@@ -348,7 +348,7 @@ void AtPort::envelopeDone(const Answer &answer, Time now)
             outcome.status = statusOf(parameters(*value));
             continue;
         }
-        auto value = valueOf(line, m_dialect.envelopeAnswer);
+        auto value = valueOf(line, m_dialect.envelope);
         if (!value)
             value = valueOf(line, m_dialect.envelopeAnswerToo);
         if (!value)

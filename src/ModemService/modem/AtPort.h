@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "AtChannel.h"
+#include "AtDialect.h"
 #include "ModemPort.h"
 
 /// The toolkit of a modem on an AT port (3GPP TS 27.007 clause 12).  What the terminal's profile
@@ -14,8 +15,7 @@ class AtPort : public ModemPort {
 public:
     /// `profile`: what the terminal does, of TERMINAL PROFILE (ETSI TS 102 223 clause 5.2).  The
     /// reports must live as long as the port.
-    AtPort(std::string device, cat::Bytes profile, PortReports &reports,
-           const AtDialect &dialect = StandardDialect);
+    AtPort(std::string device, cat::Bytes profile, PortReports &reports, AtDialect dialect = {});
     ~AtPort() override;
 
     void start(Time now) override;
@@ -55,7 +55,8 @@ private:
     void takeCardState(std::string_view state, Time now);
     void say(std::string command, std::chrono::milliseconds patience, Handler done, Time now,
              size_t secret = 0);
-    std::string withDigits(const char *name, const char *before, const cat::Bytes &data) const;
+    std::string withDigits(const std::string &name, const char *before,
+                           const cat::Bytes &data) const;
     bool isRepeated(const Answer &answer);
 
     void stepDone(const Answer &answer, Time now);
@@ -67,7 +68,7 @@ private:
                      Time now);
 
     const cat::Bytes m_profile;
-    const AtDialect &m_dialect;
+    const AtDialect m_dialect;
 
     AtChannel m_channel;
     SerialPort::State m_found = SerialPort::State::Open; // when it was last opened

@@ -1,10 +1,6 @@
 #include "ScenarioReader.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <set>
@@ -22,7 +18,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-constexpr size_t LargestFile = 16 * 1024 * 1024;
 constexpr int64_t LongestTime = 24 * 60 * 60 * 1000; // milliseconds
 constexpr milliseconds DefaultResponseTime{120000};
 
@@ -520,38 +515,12 @@ Scenario readScenarioObject(const Json &json)
     return scenario;
 }
 
-struct FileCloser {
-    void operator()(std::FILE *file) const { std::fclose(file); }
-};
-
-std::string readFile(const std::string &name)
-{
-    std::error_code ignored;
-    const auto status = std::filesystem::status(name, ignored);
-    if (std::filesystem::is_directory(status))
-        throw StrictJson::Error("expected a scenario file, found a directory");
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw StrictJson::Error("expected a scenario file, found a device or a pipe");
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(name.c_str(), "rb"));
-    if (!file)
-        throw StrictJson::Error(std::string("cannot be read: ") + std::strerror(errno));
-    std::string text(LargestFile + 1, '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-    if (std::ferror(file.get()))
-        throw StrictJson::Error(std::string("cannot be read: ") + std::strerror(errno));
-    if (text.size() > LargestFile)
-        throw StrictJson::Error("expected at most 16 MiB, found more");
-    if (text.empty())
-        throw StrictJson::Error("expected a scenario, found an empty file");
-    return text;
-}
-
 } // namespace
 
 Scenario readScenario(const std::string &file)
 {
     try {
-        return readScenarioObject(StrictJson::parse(readFile(file)));
+        return readScenarioObject(StrictJson::readFile(file, "scenario"));
     } catch (const StrictJson::Error &error) {
         throw ScenarioError(oneLine(file) + ": " + error.what());
     }

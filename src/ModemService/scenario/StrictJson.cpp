@@ -1,6 +1,11 @@
 #include "StrictJson.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -10,6 +15,11 @@ namespace StrictJson {
 
 namespace {
 
+struct FileCloser {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
+constexpr size_t LargestFile = 16 * 1024 * 1024;
 constexpr int DeepestLevel = 400;
 constexpr size_t LongestFound = 40; // bytes of a value that are shown
 
@@ -127,6 +137,31 @@ Json parse(const std::string &text)
 void fail(const std::string &pointer, const std::string &message)
 {
     throw Error(oneLine((pointer.empty() ? "/" : pointer) + ": " + message));
+}
+
+Json readFile(const std::string &name, const std::string &what)
+{
+    const auto cannotBeRead = [] {
+        return Error(std::string("cannot be read: ") + std::strerror(errno));
+    };
+    std::error_code ignored; // what cannot be looked at is told by opening it
+    const auto status = std::filesystem::status(name, ignored);
+    if (std::filesystem::is_directory(status))
+        throw Error("expected a " + what + " file, found a directory");
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw Error("expected a " + what + " file, found a device or a pipe");
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(name.c_str(), "rb"));
+    if (!file)
+        throw cannotBeRead();
+    std::string text(LargestFile + 1, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    if (std::ferror(file.get()))
+        throw cannotBeRead();
+    if (text.size() > LargestFile)
+        throw Error("expected at most 16 MiB, found more");
+    if (text.empty())
+        throw Error("expected a " + what + ", found an empty file");
+    return parse(text);
 }
 
 void fail(const std::string &pointer, const std::string &expected, const Json &found)

@@ -21,6 +21,8 @@ public:
 /// Parses the text.  A key that stands twice in an object and nesting deeper than 400 levels are
 /// errors too.
 Json parse(const std::string &text);
+/// The same of a file, which is to hold `what`: "scenario".
+Json readFile(const std::string &name, const std::string &what);
 
 /// "<pointer>: expected <expected>, found <found>"
 [[noreturn]] void fail(const std::string &pointer, const std::string &expected, const Json &found);
