@@ -356,11 +356,9 @@ std::optional<SessionThread::Pause> Session::work()
         epoch = m_epoch;
     }
     SessionThread::Pause pause{Card::Time::max(), -1};
-    std::optional<CardEvent> event;
-    if (card) {
-        event = card->nextEvent(Card::Clock::now());
+    std::optional<CardEvent> event = card ? card->nextEvent(Card::Clock::now()) : std::nullopt;
+    if (card)
         pause = {card->wakeUp(), card->descriptor()};
-    }
     bool rests = false;
     tellWhat([&]() -> std::optional<Word> {
         if (event)

@@ -1,6 +1,7 @@
 #include "CommandBridge.h"
 
 #include <limits>
+#include <utility>
 
 #include "cat/Response.h"
 
@@ -96,7 +97,7 @@ Result convert(const cat::DisplayText &from, const cat::Command &command)
     body.text = text(from.text);
     const milliseconds time = timeOf(from.duration);
     if (has(command, UserClears) && time.count() == 0)
-        return forUser(body);
+        return forUser(std::move(body));
     body.clearMode = 0;
     body.duration = time.count() ? secondsRoundedUp(time) : TextSeconds;
     return forUser(body, std::chrono::seconds(body.duration) + SpareTime);
@@ -154,7 +155,7 @@ Result convert(const cat::SetUpMenu &from, const cat::Command &)
 {
     SetUpMenu body;
     body.menu = menu(from.menu);
-    return forModem(body, Performed);
+    return forModem(std::move(body), Performed);
 }
 
 Result convert(const cat::SelectItem &from, const cat::Command &)
@@ -162,14 +163,14 @@ Result convert(const cat::SelectItem &from, const cat::Command &)
     SelectItem body;
     body.menu = menu(from.menu);
     body.defaultItem = from.defaultItem;
-    return forUser(body);
+    return forUser(std::move(body));
 }
 
 Result convert(const cat::SetUpIdleModeText &from, const cat::Command &)
 {
     SetUpIdleModeText body;
     body.text = text(from.text);
-    return forUser(body);
+    return forUser(std::move(body));
 }
 
 Result convert(const cat::SetUpCall &from, const cat::Command &)
@@ -177,7 +178,7 @@ Result convert(const cat::SetUpCall &from, const cat::Command &)
     SetUpCall body;
     body.text = text(from.confirmation.empty() ? from.setUp : from.confirmation);
     body.address = from.address;
-    return forUser(body);
+    return forUser(std::move(body));
 }
 
 Result convert(const cat::SendSs &from, const cat::Command &)
@@ -185,7 +186,7 @@ Result convert(const cat::SendSs &from, const cat::Command &)
     SendSs body;
     body.text = text(from.alpha);
     body.code = from.code;
-    return forModem(body, Unable);
+    return forModem(std::move(body), Unable);
 }
 
 Result convert(const cat::SendUssd &from, const cat::Command &)
@@ -193,7 +194,7 @@ Result convert(const cat::SendUssd &from, const cat::Command &)
     SendUssd body;
     body.text = text(from.alpha);
     body.code = from.code;
-    return forModem(body, Unable);
+    return forModem(std::move(body), Unable);
 }
 
 Result convert(const cat::SendShortMessage &from, const cat::Command &)
@@ -202,7 +203,7 @@ Result convert(const cat::SendShortMessage &from, const cat::Command &)
     body.text = text(from.alpha);
     body.address = from.address;
     body.message = from.message;
-    return forModem(body, Unable);
+    return forModem(std::move(body), Unable);
 }
 
 Result convert(const cat::LaunchBrowser &from, const cat::Command &command)
@@ -210,7 +211,7 @@ Result convert(const cat::LaunchBrowser &from, const cat::Command &command)
     LaunchBrowser body;
     body.url = text(from.url);
     body.launchMode = command.details.qualifier;
-    return forUser(body);
+    return forUser(std::move(body));
 }
 
 Result convert(const cat::Refresh &from, const cat::Command &command)
@@ -218,7 +219,7 @@ Result convert(const cat::Refresh &from, const cat::Command &command)
     Refresh body;
     body.qualifier = command.details.qualifier;
     body.files = from.files;
-    return forModem(body, Performed);
+    return forModem(std::move(body), Performed);
 }
 
 } // namespace

@@ -277,7 +277,7 @@ std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
     }
     if (m_events.empty())
         return std::nullopt;
-    CardEvent event = std::move(m_events.front());
+    std::optional<CardEvent> event(std::move(m_events.front()));
     m_events.pop_front();
     return event;
 }
@@ -303,7 +303,8 @@ void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time
         return;
     }
     m_toolkit.selectionSent = false;
-    cat::Command command = cat::decode(bytes);
+    CommandInProgress current{cat::decode(bytes), wantsAnswer};
+    const cat::Command &command = current.command;
     if (wantsAnswer)
         overtake();
     if (command.problem != cat::Problem::None) {
@@ -316,7 +317,6 @@ void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time
         answerByTerminal(command, wantsAnswer, std::move(*done), now);
         return;
     }
-    CommandInProgress current{std::move(command), wantsAnswer};
     current.since = now;
     handOut(std::move(current), now);
 }
@@ -336,7 +336,7 @@ void ToolkitTerminal::overtake()
     m_events.erase(std::remove_if(m_events.begin(), m_events.end(), isQuestion), m_events.end());
 }
 
-void ToolkitTerminal::handOut(CommandInProgress current, Time now)
+void ToolkitTerminal::handOut(CommandInProgress &&current, Time now)
 {
     std::optional<ProactiveCommand> proactive = toProactiveCommand(current.command);
     if (!proactive) {
@@ -364,14 +364,14 @@ void ToolkitTerminal::handOut(CommandInProgress current, Time now)
         present(std::move(*proactive), now);
 }
 
-void ToolkitTerminal::present(ProactiveCommand proactive, Time now)
+void ToolkitTerminal::present(ProactiveCommand &&proactive, Time now)
 {
     CommandInProgress &current = *m_toolkit.command;
     const auto *text = std::get_if<cat::DisplayText>(&current.command.body);
     current.since = now;
     m_text = {text && text->immediateResponse, waitsForUser(current.command)};
     m_ending = {true, false, false};
-    m_events.push_back(std::move(proactive));
+    m_events.emplace_back(std::move(proactive));
     if (m_text.shown) {
         const CommandInProgress answered = *std::exchange(m_toolkit.command, std::nullopt);
         send(answered, responseWith(answered.command, cat::Result::Performed), false, now);

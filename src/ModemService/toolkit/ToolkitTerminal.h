@@ -63,8 +63,8 @@ private:
 
     void forgetCard();
     void overtake();
-    void handOut(CommandInProgress current, Time now);
-    void present(ProactiveCommand proactive, Time now);
+    void handOut(CommandInProgress &&current, Time now);
+    void present(ProactiveCommand &&proactive, Time now);
     void answerByTerminal(const cat::Command &command, bool wantsAnswer, TerminalDuties::Done done,
                           Time now);
     void send(const CommandInProgress &current, cat::Response response, bool fromPerson, Time now);
