@@ -108,20 +108,18 @@ std::optional<std::string_view> valueOf(std::string_view line, std::string_view 
 
 std::vector<std::string> parameters(std::string_view value)
 {
-    std::vector<std::string> result;
-    std::string current;
+    std::vector<std::string> result(1);
     bool quoted = false;
     for (const char character : value) {
-        if (character == '"') {
+        if (character == '"')
             quoted = !quoted;
-        } else if (character == ',' && !quoted) {
-            result.push_back(std::string(trimmed(current)));
-            current.clear();
-        } else {
-            current += character;
-        }
+        else if (character == ',' && !quoted)
+            result.emplace_back();
+        else
+            result.back() += character;
     }
-    result.push_back(std::string(trimmed(current)));
+    for (std::string &parameter : result)
+        parameter = trimmed(parameter);
     return result;
 }
 
