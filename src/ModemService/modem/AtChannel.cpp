@@ -58,6 +58,7 @@ bool AtChannel::write(const std::string &command)
 
 bool AtChannel::work(Time now)
 {
+    m_lookedAt = now;
     std::string bytes;
     const bool there = m_serial.read(bytes);
     m_lines.add(bytes);

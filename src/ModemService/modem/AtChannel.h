@@ -54,6 +54,8 @@ public:
     Time deadline() const { return m_exchange->deadline; }
     /// Takes what has come.  False: the device is gone.
     bool work(Time now);
+    /// work() took what had come, less than a millisecond ago.
+    bool hasJustLooked(Time now) const { return now - m_lookedAt < std::chrono::milliseconds(1); }
 
     /// The last words, which nobody waits long for.
     bool write(const std::string &command);
@@ -76,6 +78,7 @@ private:
     PortReports &m_reports;
     SerialPort m_serial;
     AtLineReader m_lines;
+    Time m_lookedAt; // by work()
     std::optional<Exchange> m_exchange;
 };
 

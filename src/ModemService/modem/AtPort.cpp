@@ -387,7 +387,10 @@ void AtPort::work(Time now)
             openDevice(now);
         return;
     }
-    if (!m_channel.work(now)) {
+    // The answer to what has just come does not wait for another look.
+    const bool speaks =
+        !m_channel.isWaiting() && m_channel.hasJustLooked(now) && nextTime() <= now;
+    if (!speaks && !m_channel.work(now)) {
         tell(NoticeId::ModemGone);
         lose(now);
     } else if (m_channel.isOpen() && !m_channel.isWaiting()) {
