@@ -131,3 +131,28 @@ milliseconds timeToClear(const cat::Command &command)
         return milliseconds(0);
     return text->duration->time();
 }
+
+bool isUsersAct(const TerminalResponse &response, bool waited)
+{
+    using Result = TerminalResponse::Result;
+    switch (response.result) {
+    case Result::Performed:
+        return response.item || response.text || waited;
+    case Result::BackwardMove:
+    case Result::Cancelled:
+    case Result::Terminated:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The window clears it then by itself, and calls that performed.
+bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
+                  std::chrono::steady_clock::duration time)
+{
+    constexpr milliseconds Tolerance{100}; // of the window's clock
+    const milliseconds limit = timeToClear(command);
+    return limit.count() && response.result == TerminalResponse::Result::Performed &&
+        time + Tolerance >= limit;
+}

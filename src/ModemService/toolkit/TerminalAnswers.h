@@ -36,5 +36,12 @@ size_t secretLength(const cat::Response &response, const cat::Command &command);
 bool waitsForUser(const cat::Command &command);
 /// How long somebody has to clear a text; 0 where nobody is to, or there is no limit.
 std::chrono::milliseconds timeToClear(const cat::Command &command);
+/// Whether nobody has cleared in time a text that somebody was to clear (clause 6.4.1).
+bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
+                  std::chrono::steady_clock::duration time);
+
+/// Whether a person did it.  Some answers are nobody's: a browser's, a tone's, those of a text that
+/// clears itself.  `waited`: the text stood until somebody cleared it.
+bool isUsersAct(const TerminalResponse &response, bool waited);
 
 #endif

@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr size_t MaxEnvelopes = 16;
 constexpr std::chrono::milliseconds QuickestPerson{100};
 
 enum RefreshQualifier : uint8_t { // clause 8.6
@@ -29,34 +28,6 @@ PortResponse::Then whatFollows(const cat::Command &command, const cat::Response 
     default:
         return PortResponse::Then::SelectAgain;
     }
-}
-
-// Some answers are nobody's: a browser's, a tone's, those of a text that clears itself.
-bool isUsersAct(const TerminalResponse &response, bool waited)
-{
-    using Result = TerminalResponse::Result;
-    switch (response.result) {
-    case Result::Performed:
-        return response.item || response.text || waited;
-    case Result::BackwardMove:
-    case Result::Cancelled:
-    case Result::Terminated:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Whether nobody has cleared in time a text that somebody was to clear (clause 6.4.1).  The window
-// clears it then by itself, and calls that performed.
-bool isOverlooked(const cat::Command &command, const TerminalResponse &response,
-                  Card::Clock::duration time)
-{
-    using std::chrono::milliseconds;
-    constexpr milliseconds Tolerance{100}; // of the window's clock
-    const milliseconds limit = timeToClear(command);
-    return limit.count() && response.result == TerminalResponse::Result::Performed &&
-        time + Tolerance >= limit;
 }
 
 } // namespace
@@ -81,25 +52,6 @@ CardTraits ToolkitTerminal::traits() const
     CardTraits traits;
     traits.name = m_name;
     return traits;
-}
-
-// Whether there is a command that nobody was told of.
-bool ToolkitTerminal::holdsCommand() const
-{
-    return std::any_of(m_events.begin(), m_events.end(), [](const CardEvent &event) {
-        return std::holds_alternative<ProactiveCommand>(event);
-    });
-}
-
-// True where there were any.
-template <class Event> bool ToolkitTerminal::forgetEvents()
-{
-    const auto last = std::remove_if(m_events.begin(), m_events.end(), [](const CardEvent &event) {
-        return std::holds_alternative<Event>(event);
-    });
-    const bool any = last != m_events.end();
-    m_events.erase(last, m_events.end());
-    return any;
 }
 
 // ---- What the session says ----
@@ -131,33 +83,32 @@ void ToolkitTerminal::selectMenuItem(int16_t itemId, Time now)
 {
     if (!m_started)
         return;
-    queue(m_toolkit.duties.userActed());
+    m_toolkit.envelopes.add(m_toolkit.duties.userActed());
     m_text.shown = false;
     m_ending.held = false;
-    forgetEvents<SessionEnd>(); // of the session before
+    m_events.forget<SessionEnd>(); // of the session before
     // A command that nobody was told of is not what the user has chosen.
-    if (m_toolkit.command && !m_toolkit.command->ownAnswer && forgetEvents<ProactiveCommand>())
+    if (m_toolkit.command && !m_toolkit.command->ownAnswer && m_events.forget<ProactiveCommand>())
         sendEnd(now);
     dropSelection();
-    m_toolkit.selection = static_cast<uint8_t>(itemId);
+    m_toolkit.envelopes.select(static_cast<uint8_t>(itemId));
 }
 
 // The one that waits to be sent, or for a busy card.
 void ToolkitTerminal::dropSelection()
 {
-    m_toolkit.selection.reset();
-    if (std::exchange(m_toolkit.selectionSent, false))
+    if (m_toolkit.envelopes.dropSelection())
         m_port->dropEnvelope();
 }
 
 void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
 {
     const bool usersAct = isUsersAct(response, m_text.waits);
-    if (holdsCommand()) // nobody was told of it: this is for the one before
+    if (m_events.holdsCommand()) // nobody was told of it: this is for the one before
         return;
     if (m_toolkit.held) { // until the text before it was answered
         if (usersAct)
-            queue(m_toolkit.duties.userActed());
+            m_toolkit.envelopes.add(m_toolkit.duties.userActed());
         present(*std::exchange(m_toolkit.held, std::nullopt), now);
         return;
     }
@@ -167,9 +118,9 @@ void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
         if (!std::exchange(m_text.shown, false))
             return;
         if (usersAct)
-            queue(m_toolkit.duties.userActed());
+            m_toolkit.envelopes.add(m_toolkit.duties.userActed());
         if (std::exchange(m_ending.held, false) && answered)
-            m_events.push_back(SessionEnd());
+            m_events.add(SessionEnd());
         return;
     }
 
@@ -183,15 +134,15 @@ void ToolkitTerminal::respond(const TerminalResponse &response, Time now)
     m_ending.quiet |= !answered;
     const bool byTerminal = current.ownAnswer.has_value();
     if (!byTerminal && answered && isUsersAct(response, waitsForUser(current.command)))
-        queue(m_toolkit.duties.userActed());
+        m_toolkit.envelopes.add(m_toolkit.duties.userActed());
     const bool fromPerson = !byTerminal && answered && now - current.since >= QuickestPerson;
     send(current, responseTo(current.command, response), fromPerson, now);
 }
 
 void ToolkitTerminal::endSession()
 {
-    forgetEvents<SessionEnd>();
-    forgetEvents<ProactiveCommand>();
+    m_events.forget<SessionEnd>();
+    m_events.forget<ProactiveCommand>();
     dropSelection();
     m_text.shown = false;
     m_ending.held = false;
@@ -205,7 +156,7 @@ void ToolkitTerminal::endSession()
 void ToolkitTerminal::setLanguage(const std::string &language, Time)
 {
     m_language = language;
-    queue(m_toolkit.duties.setLanguage(language));
+    m_toolkit.envelopes.add(m_toolkit.duties.setLanguage(language));
 }
 
 void ToolkitTerminal::answerPin(int request, const Pin &pin, Time now)
@@ -218,7 +169,7 @@ void ToolkitTerminal::restart(Time now)
     if (!m_started)
         return;
     forgetCard();
-    m_events.push_back(SessionEnd());
+    m_events.add(SessionEnd());
     m_port->restart(now);
 }
 
@@ -234,7 +185,7 @@ void ToolkitTerminal::arrived(Time now)
 {
     m_there = true;
     if (std::exchange(m_removalTold, false)) {
-        m_events.push_back(ModemReady()); // powerOn() follows
+        m_events.add(ModemReady()); // powerOn() follows
         return;
     }
     m_started = true;
@@ -246,7 +197,7 @@ void ToolkitTerminal::departed()
     forgetCard();
     m_there = m_started = false;
     if (!std::exchange(m_removalTold, true))
-        m_events.push_back(ModemRemoved());
+        m_events.add(ModemRemoved());
 }
 
 void ToolkitTerminal::forgetCard()
@@ -262,11 +213,11 @@ void ToolkitTerminal::forgetCard()
 
 std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
 {
-    if (m_on && m_events.empty()) {
+    if (m_on && m_events.isEmpty()) {
         for (auto expired = m_toolkit.duties.expiredTimer(now); expired;
              expired = m_toolkit.duties.expiredTimer(now))
-            queue(std::move(expired));
-        if (hasEnvelope() && m_port->takesEnvelope())
+            m_toolkit.envelopes.add(std::move(expired));
+        if (!m_toolkit.envelopes.isEmpty() && m_port->takesEnvelope())
             sendEnvelope(now);
         if (hasNotified()) {
             const cat::Bytes command = std::move(m_toolkit.notified.front());
@@ -275,16 +226,13 @@ std::optional<CardEvent> ToolkitTerminal::nextEvent(Time now)
         }
         m_port->work(now);
     }
-    if (m_events.empty())
-        return std::nullopt;
-    std::optional<CardEvent> event(std::move(m_events.front()));
-    m_events.pop_front();
-    return event;
+    return m_events.take();
 }
 
 ToolkitTerminal::Time ToolkitTerminal::wakeUp() const
 {
-    if (!m_events.empty() || hasNotified() || (hasEnvelope() && m_port->takesEnvelope()))
+    if (!m_events.isEmpty() || hasNotified() ||
+        (!m_toolkit.envelopes.isEmpty() && m_port->takesEnvelope()))
         return Time{};
     return std::min(m_port->wakeUp(), m_toolkit.duties.nextExpiry());
 }
@@ -302,7 +250,7 @@ void ToolkitTerminal::commandArrived(cat::ByteView bytes, bool wantsAnswer, Time
             m_toolkit.notified.push_back(bytes.copy());
         return;
     }
-    m_toolkit.selectionSent = false;
+    m_toolkit.envelopes.selectionFollowed();
     CommandInProgress current{cat::decode(bytes), wantsAnswer};
     const cat::Command &command = current.command;
     if (wantsAnswer)
@@ -329,11 +277,7 @@ void ToolkitTerminal::overtake()
     m_toolkit.command.reset();
     if (std::exchange(m_toolkit.held, std::nullopt))
         return;
-    const auto isQuestion = [](const CardEvent &event) {
-        const auto *command = std::get_if<ProactiveCommand>(&event);
-        return command && !isAnsweredByModem(command->body);
-    };
-    m_events.erase(std::remove_if(m_events.begin(), m_events.end(), isQuestion), m_events.end());
+    m_events.forgetQuestions();
 }
 
 void ToolkitTerminal::handOut(CommandInProgress &&current, Time now)
@@ -371,7 +315,7 @@ void ToolkitTerminal::present(ProactiveCommand &&proactive, Time now)
     current.since = now;
     m_text = {text && text->immediateResponse, waitsForUser(current.command)};
     m_ending = {true, false, false};
-    m_events.emplace_back(std::move(proactive));
+    m_events.add(std::move(proactive));
     if (m_text.shown) {
         const CommandInProgress answered = *std::exchange(m_toolkit.command, std::nullopt);
         send(answered, responseWith(answered.command, cat::Result::Performed), false, now);
@@ -407,7 +351,7 @@ void ToolkitTerminal::send(const CommandInProgress &current, cat::Response respo
     m_port->respond(std::move(out), now);
     if (resets) {
         forgetCard(); // a new start from the beginning, the session being over
-        m_events.push_back(SessionEnd());
+        m_events.add(SessionEnd());
     }
 }
 
@@ -422,28 +366,9 @@ void ToolkitTerminal::sendEnd(Time now)
 
 // ---- Envelopes and ends ----
 
-bool ToolkitTerminal::hasEnvelope() const
-{
-    return m_toolkit.selection || !m_toolkit.envelopes.empty();
-}
-
-void ToolkitTerminal::queue(std::optional<PortEnvelope> envelope)
-{
-    if (envelope && m_toolkit.envelopes.size() < MaxEnvelopes)
-        m_toolkit.envelopes.push_back(std::move(*envelope));
-}
-
 void ToolkitTerminal::sendEnvelope(Time now)
 {
-    PortEnvelope envelope;
-    if (m_toolkit.selection) {
-        const uint8_t item = *std::exchange(m_toolkit.selection, std::nullopt);
-        envelope = {cat::encodeMenuSelection(item), "MENU SELECTION", true};
-        m_toolkit.selectionSent = true;
-    } else {
-        envelope = std::move(m_toolkit.envelopes.front());
-        m_toolkit.envelopes.pop_front();
-    }
+    PortEnvelope envelope = m_toolkit.envelopes.take();
     m_unwanted = false; // what comes now is the answer to this
     m_ending.awaited = envelope.selection || (m_ending.awaited && m_port->isInSession());
     m_port->sendEnvelope(std::move(envelope), now);
@@ -452,7 +377,7 @@ void ToolkitTerminal::sendEnvelope(Time now)
 void ToolkitTerminal::sessionEnded()
 {
     m_unwanted = false;
-    m_toolkit.selectionSent = false;
+    m_toolkit.envelopes.selectionFollowed();
     // What waits for a person has nobody to tell any more.
     if (m_toolkit.command && !m_toolkit.command->ownAnswer) {
         m_toolkit.command.reset();
@@ -460,12 +385,12 @@ void ToolkitTerminal::sessionEnded()
     }
     const bool quiet = std::exchange(m_ending.quiet, false);
     const bool awaited = std::exchange(m_ending.awaited, false);
-    if (quiet || !awaited || m_toolkit.selection) // the user has gone on
+    if (quiet || !awaited || m_toolkit.envelopes.hasSelection()) // the user has gone on
         return;
     if (m_text.shown)
         m_ending.held = true;
     else
-        m_events.push_back(SessionEnd());
+        m_events.add(SessionEnd());
 }
 
 void ToolkitTerminal::cameToRest()

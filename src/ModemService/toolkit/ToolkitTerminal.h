@@ -6,7 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "session/Card.h"
+#include "CardEvents.h"
+#include "EnvelopeQueue.h"
 #include "TerminalDuties.h"
 #include "ToolkitPort.h"
 #include "cat/Command.h"
@@ -70,19 +71,15 @@ private:
     void send(const CommandInProgress &current, cat::Response response, bool fromPerson, Time now);
     void sendEnd(Time now);
     void dropSelection();
-    bool hasEnvelope() const;
-    bool holdsCommand() const;
     bool hasNotified() const;
     void sendEnvelope(Time now);
-    void queue(std::optional<PortEnvelope> envelope);
-    template <class Event> bool forgetEvents();
 
     const std::unique_ptr<ToolkitPort> m_port;
     const std::string m_name;
     std::string m_language;
     PortReports &m_reports;
 
-    std::deque<CardEvent> m_events;
+    CardEvents m_events;
     bool m_on = false;
     bool m_there = false; // the port's card or modem
     bool m_removalTold = false;
@@ -95,9 +92,7 @@ private:
         bool rested = false;
         std::optional<CommandInProgress> command{};
         std::optional<ProactiveCommand> held{}; // while a text before it is still on screen
-        std::optional<uint8_t> selection{}; // to be sent
-        bool selectionSent = false; // and nothing has followed it yet
-        std::deque<PortEnvelope> envelopes{}; // to be sent between sessions
+        EnvelopeQueue envelopes{};
         std::deque<cat::Bytes> notified{}; // not to be answered, and not shown yet
     };
     // How the session under way is to end.
