@@ -42,18 +42,19 @@ void AtChannel::close()
 
 bool AtChannel::say(std::string command, size_t secret, milliseconds patience, Done done, Time now)
 {
-    m_reports.spoken(false, command.substr(0, command.size() - secret) + (secret ? Blank : ""));
     m_exchange = Exchange{std::move(command), secret, std::move(done), now + patience, {}};
-    m_exchange->command += '\r';
-    const bool written = m_serial.write(m_exchange->command);
-    m_exchange->command.pop_back();
+    std::string &line = m_exchange->command;
+    const bool written = m_serial.write(line += '\r');
+    line.pop_back();
+    m_reports.spoken(false, line.substr(0, line.size() - secret) + (secret ? Blank : ""));
     return written;
 }
 
 bool AtChannel::write(const std::string &command)
 {
+    const bool written = m_serial.write(command + '\r');
     m_reports.spoken(false, command);
-    return m_serial.write(command + '\r');
+    return written;
 }
 
 bool AtChannel::work(Time now)

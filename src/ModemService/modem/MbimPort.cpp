@@ -115,9 +115,10 @@ void MbimPort::say(MbimLink::Message message, Handler done)
     const bool slow =
         m_step == Step::EnterPin || m_step == Step::SwitchOff || m_step == Step::SwitchOn;
     const seconds patience = isInDoubt() ? ShortPatience : slow ? CardPatience : Patience;
-    m_reports.spoken(false, MbimMessages::nameOf(*message));
+    const std::string name = MbimMessages::nameOf(*message);
     m_link.command(std::move(message), patience,
                    [this, done](const Result &result) { heard(result, done); });
+    m_reports.spoken(false, name);
 }
 
 void MbimPort::heard(const Result &result, Handler done)
