@@ -285,6 +285,15 @@ TEST_P(EachWay, isLeftAloneWhereItIsSilent)
     EXPECT_TRUE(m_modem->waitFor("closed", 3s));
 }
 
+TEST_P(EachWay, isAskedOnceMoreWhereAMessageIsLost)
+{
+    plugIn(GetParam(), "never@6");
+    open();
+    EXPECT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 20s));
+    EXPECT_FALSE(noticed("does not answer", 0s));
+    expectNothingTwice(true);
+}
+
 TEST_P(EachWay, startsTheCardAnewForAPersonOnly)
 {
     plugIn(GetParam(), "late");
