@@ -388,8 +388,7 @@ void AtPort::work(Time now)
         return;
     }
     // The answer to what has just come does not wait for another look.
-    const bool speaks =
-        !m_channel.isWaiting() && m_channel.hasJustLooked(now) && nextTime() <= now;
+    const bool speaks = !m_channel.isWaiting() && m_channel.hasJustLooked(now) && nextTime() <= now;
     if (!speaks && !m_channel.work(now)) {
         tell(NoticeId::ModemGone);
         lose(now);
