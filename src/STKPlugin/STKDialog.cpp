@@ -329,10 +329,7 @@ void STKDialog::fillTable(const StkMenuItems &stMenu)
     for (int i = 0; i < stMenu.itemList->count(); ++i) {
         const StkItemClass &item = stMenu.itemList->at(i);
         qDebug("Item name = %s, Index=%d", TraceText(item.strItemText).constData(), item.nItemId);
-        QTableWidgetItem *const pCell = new QTableWidgetItem(item.strItemText);
-        if (!FitsRow(m_pTableWidget, item.strItemText))
-            pCell->setToolTip(PlainToolTip(item.strItemText));
-        m_pTableWidget->setItem(i, 0, pCell);
+        m_pTableWidget->setItem(i, 0, new STKRowItem(item.strItemText));
         m_pTableWidget->setRowHeight(i, ROW_HEIGHT);
     }
 }
