@@ -1,7 +1,10 @@
 #include "PluginTest.h"
 
 #include <functional>
+#include <thread>
 #include <utility>
+
+#include "TraceLog.h"
 
 #define FILE_NAME "../../src/STKPlugin/STKLogic"
 
@@ -140,6 +143,15 @@ private slots:
                  QString("Start of with m_bRespondence  value= 1, " FILE_NAME
                          ": GetResponseVar: TIME: "));
         QCOMPARE(happened(), QString(""));
+    }
+
+    void itsTraceHasTheLocalTime()
+    {
+        qputenv("TZ", "XYZ-5:45");
+        QByteArray first, next;
+        std::thread([&] { first = TraceTime(), next = TraceTime(); }).join(); // each thread asks
+        const QTime time = QTime::fromString(next, "hh:mm:ss:zzz");
+        QVERIFY2(qAbs(time.msecsTo(QTime::currentTime())) < 1000, first + ' ' + next);
     }
 
     void theVerdictOfTheHandlerBeforeDecides()

@@ -12,10 +12,22 @@
  * spells; the function is always the bare name of the one that writes.  An implementation file
  * defines STK_TRACE_FILE, its name in the trace, before it writes its first line. */
 
-/* The time field of a line: the local time of day, its digits ASCII in every locale. */
+/* The time field of a line: the local time of day, its digits ASCII in every locale.  How far it is
+ * from the system's clock is looked up once a minute: that looks at the time zone's file, and takes
+ * many times as long as all the rest of a line. */
 inline QByteArray TraceTime()
 {
-    return QLocale::c().toString(QTime::currentTime(), "hh:mm:ss:zzz").toLocal8Bit();
+    const qint64 MINUTE_MS = 60 * 1000, DAY_MS = 24 * 60 * MINUTE_MS;
+    static thread_local qint64 nMinute = -1, nOffset = 0;
+    const QTime midnight(0, 0);
+    const qint64 nNow = QDateTime::currentMSecsSinceEpoch();
+    if (nMinute != nNow / MINUTE_MS) {
+        nMinute = nNow / MINUTE_MS;
+        nOffset =
+            midnight.msecsTo(QDateTime::fromMSecsSinceEpoch(nNow).time()) + DAY_MS - nNow % DAY_MS;
+    }
+    const QTime time = midnight.addMSecs(static_cast<int>((nNow + nOffset) % DAY_MS));
+    return QLocale::c().toString(time, "hh:mm:ss:zzz").toLocal8Bit();
 }
 
 /* A text argument of a line, in the encoding in which qDebug takes it. */
