@@ -22,9 +22,10 @@ static QString storedTitle(const QString &title)
 // of an empty title it would show the application's name: only a blank stays empty.
 static void showTitleAsTyped(QWidget *window)
 {
-    const QString title = window->windowTitle();
-    if (window->windowHandle())
-        window->windowHandle()->setTitle(title.isEmpty() ? QString(Blank) : title);
+    const QString title = window->windowTitle().isEmpty() ? QString(Blank) : window->windowTitle();
+    // The same one again would be work for the window manager.
+    if (window->windowHandle() && window->windowHandle()->title() != title)
+        window->windowHandle()->setTitle(title);
 }
 
 namespace {
