@@ -2,7 +2,6 @@
 #define TRACELOG_H
 
 #include <QDateTime>
-#include <QLocale>
 #include <QtDebug>
 
 /* The running trace: one line per event on Qt's debug channel.
@@ -19,15 +18,17 @@ inline QByteArray TraceTime()
 {
     const qint64 MINUTE_MS = 60 * 1000, DAY_MS = 24 * 60 * MINUTE_MS;
     static thread_local qint64 nMinute = -1, nOffset = 0;
-    const QTime midnight(0, 0);
     const qint64 nNow = QDateTime::currentMSecsSinceEpoch();
     if (nMinute != nNow / MINUTE_MS) {
         nMinute = nNow / MINUTE_MS;
-        nOffset =
-            midnight.msecsTo(QDateTime::fromMSecsSinceEpoch(nNow).time()) + DAY_MS - nNow % DAY_MS;
+        nOffset = QTime(0, 0).msecsTo(QDateTime::fromMSecsSinceEpoch(nNow).time()) + DAY_MS -
+            nNow % DAY_MS;
     }
-    const QTime time = midnight.addMSecs(static_cast<int>((nNow + nOffset) % DAY_MS));
-    return QLocale::c().toString(time, "hh:mm:ss:zzz").toLocal8Bit();
+    const int nTime = static_cast<int>((nNow + nOffset) % DAY_MS);
+    char szTime[32];
+    qsnprintf(szTime, sizeof szTime, "%02d:%02d:%02d:%03d", nTime / (60 * 60 * 1000),
+              nTime / (60 * 1000) % 60, nTime / 1000 % 60, nTime % 1000);
+    return szTime;
 }
 
 /* A text argument of a line, in the encoding in which qDebug takes it. */
