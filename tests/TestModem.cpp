@@ -395,6 +395,20 @@ TEST_F(AtPortTest, asksForThePinOnce)
     }
 }
 
+TEST_F(AtPortTest, keepsThePinFromAnotherCard)
+{
+    open({{"AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"}}});
+    modem->run(*port, 5s);
+    const int request = told.pin;
+    modem->say("\r\n+CPIN: NOT INSERTED\r\n");
+    modem->run(*port, 5s);
+    port->answerPin(request, Pin("1234", 4), modem->now());
+    modem->run(*port, 5s);
+    EXPECT_EQ(told.lines,
+              (Strings{"arrived", "PIN", "IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "PIN"}));
+    EXPECT_FALSE(hasHeard("AT+CPIN=\"1234\""));
+}
+
 TEST_F(AtPortTest, answersOnceAndInAnyDialect)
 {
     const std::string command = "\r\n+CUSATP: \"" + std::string(TextCommand) + "\"\r\n";

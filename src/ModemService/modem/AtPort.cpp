@@ -152,11 +152,8 @@ void AtPort::takeCardState(std::string_view state, Time now)
 {
     if (state == "READY")
         lookAgain(now);
-    else if (isInUse() && m_toolkit.isRunning()) {
-        if (isMissing(state))
-            tell(NoticeId::ModemNoSim);
-        cardIsGone(now);
-    }
+    else
+        cardIsTaken(isMissing(state), m_channel.isWaiting(), now);
 }
 
 // `secret`: so many characters at the end must not be written down.

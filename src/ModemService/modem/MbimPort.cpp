@@ -336,16 +336,10 @@ void MbimPort::takeCommand(const MbimMessage &notification)
 void MbimPort::takeCardState(const MbimMessage &notification)
 {
     const auto state = MbimMessages::cardStateNotified(notification);
-    const bool missing = state == CardState::Missing;
-    // Between two steps, too: its PIN may be asked for.
-    const bool atRest = m_toolkit.isRunning() || (missing && !m_waiting && !isStartingAnew());
-    if (state == CardState::There) {
+    if (state == CardState::There)
         lookAgain(m_now);
-    } else if (state && isInUse() && atRest) {
-        if (missing)
-            tell(NoticeId::ModemNoSim);
-        cardIsGone(m_now);
-    }
+    else if (state)
+        cardIsTaken(state == CardState::Missing, m_waiting, m_now);
 }
 
 void MbimPort::send(const ModemToolkit::Message &message, Time)

@@ -115,6 +115,17 @@ void ModemPort::cardIsGone(Time now)
     m_events->departed();
 }
 
+void ModemPort::cardIsTaken(bool missing, bool waiting, Time now)
+{
+    // Between two steps, too: its PIN may be asked for.
+    const bool atRest = m_toolkit.isRunning() || (missing && !waiting && !isStartingAnew());
+    if (!isInUse() || !atRest)
+        return;
+    if (missing)
+        tell(NoticeId::ModemNoSim);
+    cardIsGone(now);
+}
+
 void ModemPort::lookAgain(Time now)
 {
     if (m_place == Place::Awaited)

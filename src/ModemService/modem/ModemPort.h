@@ -72,6 +72,9 @@ protected:
     bool isDevice(bool maySerial, Time now);
     void cardIsThere(Time now);
     void cardIsGone(Time now);
+    /// The modem says unasked that its card cannot be used.  `waiting`: for an answer, which will
+    /// say so, too.
+    void cardIsTaken(bool missing, bool waiting, Time now);
     /// The modem itself is gone, or answers no more.
     void lose(Time now);
     void answered(ModemToolkit::Outcome outcome, Reaction reaction, Time now);
