@@ -304,3 +304,16 @@ TEST_P(EachWay, startsTheCardAnewForAPersonOnly)
     EXPECT_TRUE(playSomehow()); // it may be gone for a moment
     expectNothingTwice(true);
 }
+
+TEST_P(EachWay, leavesNoCardSwitchedOff)
+{
+    plugIn(GetParam(), GetParam() == At ? "slow@12" : "slow@10"); // as it is switched off
+    open();
+    ASSERT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+    std::this_thread::sleep_for(500ms); // the menu is answered
+    atOnce(CardHost::restartCard);
+    EXPECT_TRUE(m_modem->waitFor("slow", 3s));
+    atOnce(CardHost::closeCard);
+    open();
+    EXPECT_TRUE(calls.next(MOVA_STKTYPE_SETUP_MENU, 10s));
+}

@@ -100,10 +100,10 @@ void AtChannel::finish(Time now)
     exchange.done(exchange.answer, now);
 }
 
-bool AtChannel::isAnsweredInAMoment()
+bool AtChannel::isAnswered(milliseconds moment)
 {
     using Clock = std::chrono::steady_clock;
-    const Time end = Clock::now() + milliseconds(300);
+    const Time end = Clock::now() + moment;
     for (Time now = Clock::now(); now < end; now = Clock::now()) {
         while (const auto line = nextLine()) {
             if (finalResult(*line))

@@ -59,7 +59,7 @@ public:
 
     /// The last words, which nobody waits long for.
     bool write(const std::string &command);
-    bool isAnsweredInAMoment();
+    bool isAnswered(std::chrono::milliseconds moment);
 
 private:
     struct Exchange {

@@ -21,7 +21,7 @@ enum MobileError {
     WrongPassword = 16
 };
 
-constexpr const char *CardState = "+CPIN", *AskCardState = "AT+CPIN?";
+constexpr const char *CardState = "+CPIN", *AskCardState = "AT+CPIN?", *SwitchOn = "AT+CFUN=1";
 constexpr uint16_t ToolkitBusy = 0x9300;
 
 // The card's status, where the modem tells it: "+CUSATE2: 144,0".
@@ -95,8 +95,8 @@ void AtPort::start(Time now)
 
 void AtPort::disconnect(bool taken)
 {
-    if (taken && m_channel.isOpen())
-        giveBack();
+    if ((taken || m_switchedOff) && m_channel.isOpen())
+        giveBack(taken);
     m_channel.close();
     m_early.clear();
     m_found = SerialPort::State::Open;
@@ -104,14 +104,20 @@ void AtPort::disconnect(bool taken)
     m_quotesKnown = false;
 }
 
-// What was written for this run only; the modem takes it at the next start of the card.
-void AtPort::giveBack()
+// What was written for this run only; the modem takes it at the next start of the card.  Whoever
+// has switched the card off, and the network with it, must switch it on again.
+void AtPort::giveBack(bool taken)
 {
-    if (m_channel.isWaiting() && !m_channel.isAnsweredInAMoment())
-        return;
-    if (m_channel.write(withDigits(m_dialect.profileWrite, "0,", {})) &&
-        m_channel.isAnsweredInAMoment())
-        m_channel.write("AT" + m_dialect.download + "=0");
+    constexpr milliseconds Moment(300), SwitchTime(2000);
+    const auto isDone = [&](const std::string &command) {
+        return m_channel.write(command) && m_channel.isAnswered(Moment);
+    };
+    const bool isFree =
+        !m_channel.isWaiting() || m_channel.isAnswered(m_switchedOff ? SwitchTime : Moment);
+    if (isFree && taken && isDone(withDigits(m_dialect.profileWrite, "0,", {})))
+        isDone("AT" + m_dialect.download + "=0");
+    if (m_switchedOff)
+        isDone(SwitchOn);
 }
 
 // ---- Lines ----
@@ -210,7 +216,7 @@ void AtPort::takeStep(Time now)
         return say("AT+CFUN=4", CardPatience, &AtPort::stepDone, now);
     case Step::SwitchOn:
         m_switchedOff = false; // what comes from now on is the new start's
-        return say("AT+CFUN=1", CardPatience, &AtPort::stepDone, now);
+        return say(SwitchOn, CardPatience, &AtPort::stepDone, now);
     case Step::ReadPin:
         return say(AskCardState, Patience, &AtPort::pinRead, now);
     case Step::EnterPin: {

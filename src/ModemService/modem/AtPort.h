@@ -48,7 +48,7 @@ private:
     void disconnect(bool taken) override;
 
     void openDevice(Time now);
-    void giveBack();
+    void giveBack(bool taken);
 
     bool takeUnasked(const std::string &line, Time now);
     void takeCommand(std::string_view value, Time now);

@@ -56,14 +56,23 @@ MbimPort::~MbimPort()
 void MbimPort::disconnect(bool taken)
 {
     constexpr milliseconds Moment{1000};
-    if (taken && !m_lost) {
-        const uint8_t nothing[32] = {};
-        bool done = false;
-        m_reports.spoken(false, "stk pac set, the toolkit being given back");
-        m_link.command({mbim_message_stk_pac_set_new(nothing, nullptr), mbim_message_unref},
-                       Patience, [&done](const Result &) { done = true; });
+    int left = 0;
+    const auto finish = [this, &left](MbimMessage *message) {
+        MbimLink::Message last(message, mbim_message_unref);
+        m_reports.spoken(false, MbimMessages::nameOf(*last) + ", at the end");
+        ++left;
+        m_link.command(std::move(last), Patience, [&left](const Result &) { --left; });
+    };
+    const uint8_t nothing[32] = {};
+    if (taken && !m_lost)
+        finish(mbim_message_stk_pac_set_new(nothing, nullptr));
+    // Whoever has switched the card off, and the network with it, must switch it on again.
+    if (m_switchedOff && !m_lost)
+        finish(mbim_message_radio_state_set_new(MBIM_RADIO_SWITCH_STATE_ON, nullptr));
+    if (left != 0) {
         const GlibLoop::Use use(m_link.loop());
-        m_link.loop().runUntil(std::chrono::steady_clock::now() + Moment, [&] { return done; });
+        m_link.loop().runUntil(std::chrono::steady_clock::now() + Moment,
+                               [&left] { return left == 0; });
     }
     if (std::exchange(m_lost, false))
         m_link.drop();
