@@ -409,6 +409,21 @@ TEST_F(AtPortTest, keepsThePinFromAnotherCard)
     EXPECT_FALSE(hasHeard("AT+CPIN=\"1234\""));
 }
 
+// What comes late is no answer to what was said after it.
+TEST_F(AtPortTest, takesNoLateAnswerForAnother)
+{
+    const std::string ok = "\r\nOK\r\n", wanted = "\r\n+CPIN: SIM PIN\r\n" + ok;
+    open({{"AT", {ok, ""}}, {"AT+CMEE", {""}}, {"AT+CPIN?", {wanted}}});
+    modem->run(*port, 11s);
+    for (int late = 0; late < 2; ++late) {
+        modem->say(ok);
+        modem->run(*port, 1s);
+        EXPECT_EQ(modem->heard.back(), "AT");
+    }
+    modem->run(*port, 5s);
+    EXPECT_EQ(told.lines, (Strings{"arrived", "PIN"}));
+}
+
 TEST_F(AtPortTest, answersOnceAndInAnyDialect)
 {
     const std::string command = "\r\n+CUSATP: \"" + std::string(TextCommand) + "\"\r\n";

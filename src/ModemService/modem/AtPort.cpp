@@ -8,8 +8,9 @@ using std::chrono::seconds;
 
 namespace {
 
-constexpr milliseconds ShortPatience = seconds(2), Patience = seconds(10),
+constexpr milliseconds ShortPatience = seconds(3), Patience = seconds(10),
                        CardPatience = seconds(40);
+constexpr milliseconds SettleTime = seconds(3);
 
 // 3GPP TS 27.007 clause 9.2.1.
 enum MobileError {
@@ -100,6 +101,7 @@ void AtPort::disconnect(bool taken)
     m_channel.close();
     m_early.clear();
     m_found = SerialPort::State::Open;
+    m_settledAt = {};
     m_quotes = true;
     m_quotesKnown = false;
 }
@@ -166,9 +168,11 @@ void AtPort::takeCardState(std::string_view state, Time now)
 void AtPort::say(std::string command, milliseconds patience, Handler done, Time now, size_t secret)
 {
     const auto answered = [this, done](const Answer &answer, Time at) {
+        if (isInDoubt() && answer.final)
+            m_settledAt = at + SettleTime;
         if (!isWorthAsking(answer.final.has_value()))
             lose(at);
-        else if (wantsAnswer())
+        else if (done && wantsAnswer())
             (this->*done)(answer, at);
     };
     if (!m_channel.say(std::move(command), secret, patience, answered, now)) {
@@ -209,9 +213,9 @@ void AtPort::takeStep(Time now)
     case Step::Probe:
         return say(at, ShortPatience, &AtPort::stepDone, now);
     case Step::EchoOff:
-        return say("ATE0", ShortPatience, &AtPort::stepDone, now);
+        return say("ATE0", Patience, &AtPort::stepDone, now);
     case Step::ErrorNumbers:
-        return say("AT+CMEE=1", ShortPatience, &AtPort::stepDone, now);
+        return say("AT+CMEE=1", Patience, &AtPort::stepDone, now);
     case Step::SwitchOff:
         return say("AT+CFUN=4", CardPatience, &AtPort::stepDone, now);
     case Step::SwitchOn:
@@ -391,16 +395,21 @@ void AtPort::work(Time now)
         return;
     }
     // The answer to what has just come does not wait for another look.
-    const bool speaks = !m_channel.isWaiting() && m_channel.hasJustLooked(now) && nextTime() <= now;
+    const bool speaks = !m_channel.isWaiting() && m_channel.hasJustLooked(now) && wakeUp() <= now;
     if (!speaks && !m_channel.work(now)) {
         tell(NoticeId::ModemGone);
         lose(now);
-    } else if (m_channel.isOpen() && !m_channel.isWaiting()) {
-        goOn(now);
+    } else if (m_channel.isOpen() && !m_channel.isWaiting() && now >= m_settledAt) {
+        if (isInDoubt()) // a late answer would be taken for that to what is said next
+            say("AT", ShortPatience, nullptr, now);
+        else
+            goOn(now);
     }
 }
 
 AtPort::Time AtPort::wakeUp() const
 {
-    return m_channel.isWaiting() ? m_channel.deadline() : nextTime();
+    if (m_channel.isWaiting())
+        return m_channel.deadline();
+    return std::max(m_settledAt, m_channel.isOpen() && isInDoubt() ? Time{} : nextTime());
 }

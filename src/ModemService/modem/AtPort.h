@@ -73,6 +73,7 @@ private:
     AtChannel m_channel;
     SerialPort::State m_found = SerialPort::State::Open; // when it was last opened
     Step m_step = Step::Probe;
+    Time m_settledAt{}; // after a silence: until then what was late may still come
     bool m_quotes = true; // about hexadecimal digits
     bool m_quotesKnown = false; // the modem has taken them so
     cat::Bytes m_early; // a command that came before start(); some modems do not repeat it
