@@ -1,6 +1,8 @@
 #ifndef TRACELOG_H
 #define TRACELOG_H
 
+#include <atomic>
+
 #include <QDateTime>
 #include <QtDebug>
 
@@ -17,14 +19,15 @@
 inline QByteArray TraceTime()
 {
     const qint64 MINUTE_MS = 60 * 1000, DAY_MS = 24 * 60 * MINUTE_MS;
-    static thread_local qint64 nMinute = -1, nOffset = 0;
+    static std::atomic<int> nMinute(-1), nOffset(0); /* whichever thread has looked last */
     const qint64 nNow = QDateTime::currentMSecsSinceEpoch();
-    if (nMinute != nNow / MINUTE_MS) {
-        nMinute = nNow / MINUTE_MS;
-        nOffset = QTime(0, 0).msecsTo(QDateTime::fromMSecsSinceEpoch(nNow).time()) + DAY_MS -
-            nNow % DAY_MS;
+    const int nThisMinute = static_cast<int>(nNow / MINUTE_MS);
+    if (nMinute.load(std::memory_order_acquire) != nThisMinute) {
+        const qint64 nLocal = QTime(0, 0).msecsTo(QDateTime::fromMSecsSinceEpoch(nNow).time());
+        nOffset.store(static_cast<int>(nLocal + DAY_MS - nNow % DAY_MS), std::memory_order_relaxed);
+        nMinute.store(nThisMinute, std::memory_order_release);
     }
-    const int nTime = static_cast<int>((nNow + nOffset) % DAY_MS);
+    const int nTime = static_cast<int>((nNow + nOffset.load(std::memory_order_relaxed)) % DAY_MS);
     char szTime[32];
     qsnprintf(szTime, sizeof szTime, "%02d:%02d:%02d:%03d", nTime / (60 * 60 * 1000),
               nTime / (60 * 1000) % 60, nTime / 1000 % 60, nTime % 1000);
