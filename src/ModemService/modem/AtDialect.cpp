@@ -14,7 +14,7 @@ constexpr std::string AtDialect::*Members[] = {
     &AtDialect::command,           &AtDialect::state,         &AtDialect::end,
     &AtDialect::envelopeAnswerToo, &AtDialect::envelopeStatus};
 
-// What would be taken for something else in a command or a line.
+// None of what would be taken for something else in a command or a line; "AT" stands before it.
 bool isName(const std::string &text)
 {
     constexpr size_t Shortest = 2, Longest = 32;
@@ -22,7 +22,7 @@ bool isName(const std::string &text)
         return character > ' ' && character <= '~' &&
             std::string_view("\",:;=?").find(character) == std::string_view::npos;
     };
-    return text.size() >= Shortest && text.size() <= Longest &&
+    return text.size() >= Shortest && text.size() <= Longest && text.compare(0, 2, "AT") != 0 &&
         std::all_of(text.begin(), text.end(), fits);
 }
 
@@ -37,9 +37,10 @@ AtDialect readNames(const StrictJson::Json &json)
         const std::string key = dialect.*member;
         dialect.*member = object.text(key, key.c_str());
         if (!isName(dialect.*member))
-            StrictJson::fail(object.pointer(key),
-                             "a name: 2 to 32 visible ASCII characters, none of \",:;=?",
-                             dialect.*member);
+            StrictJson::fail(
+                object.pointer(key),
+                "a name, without \"AT\": 2 to 32 visible ASCII characters, none of \",:;=?",
+                dialect.*member);
     }
     return dialect;
 }
