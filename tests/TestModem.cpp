@@ -309,7 +309,8 @@ TEST_F(AtPortTest, speaksTheDialectOfAFile)
         {"", "dialect.json: expected a dialect, found an empty file"},
         {"[]", "dialect.json: /: expected an object, found an empty list"},
         {R"({"+CUSATX": "^A"})", "dialect.json: /+CUSATX: unknown key; allowed here: +CUSATR, "},
-        {R"({"+CUSATT": "A=B"})", "dialect.json: /+CUSATT: expected a name: 2 to 32 visible"}};
+        {R"({"+CUSATT": "A=B"})", "dialect.json: /+CUSATT: expected a name, without \"AT\": 2 "},
+        {R"({"+CUSATT": "AT^A"})", "found \"AT^A\""}};
     for (const auto &[text, expected] : errors) {
         std::ofstream(file) << text;
         try {
@@ -404,8 +405,9 @@ TEST_F(AtPortTest, keepsThePinFromAnotherCard)
     modem->run(*port, 5s);
     port->answerPin(request, Pin("1234", 4), modem->now());
     modem->run(*port, 5s);
-    EXPECT_EQ(told.lines,
-              (Strings{"arrived", "PIN", "IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "PIN"}));
+    EXPECT_EQ(
+        told.lines,
+        (Strings{"arrived", "PIN", "IDS_CM_NOTICE_MODEM_NO_SIM", "departed", "arrived", "PIN"}));
     EXPECT_FALSE(hasHeard("AT+CPIN=\"1234\""));
 }
 
@@ -445,6 +447,13 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
          command,
          1,
          {"command 15", "end"}},
+        {"tells the end, goes on, and was busy",
+         {{"AT+CUSATT",
+           {"\r\n+CUSATEND\r\n+CUSATP: D00D8103022180820281028D020442\r\n+CME ERROR: 14\r\n",
+            "\r\nOK\r\n"}}},
+         command,
+         2,
+         {"command 15", "end", "command 15", "end"}},
         {"wants no quotes",
          {{"AT+CUSATW", {"\r\nOK\r\n", "\r\nERROR\r\n", "\r\nOK\r\n"}},
           {"AT+CUSATT", {"\r\n+CUSATT: 0\r\n\r\nOK\r\n"}}},

@@ -70,6 +70,7 @@ void ModemToolkit::commandArrived(cat::ByteView command, bool wantsAnswer, Time 
         m_open = true;
         m_response.reset(); // the answer to the command before comes too late
         m_overtaken = m_sent.has_value();
+        m_endTold = false;
     } else if (!isInSession()) {
         m_endAt = now + IdleTime; // what the modem does by itself ends some time, too
     }
@@ -183,10 +184,12 @@ void ModemToolkit::envelopeAnswered(Outcome outcome, Time now)
     m_reports.exchanged(envelopeOf(sent, std::move(outcome.data), outcome.taken, outcome.status));
     if (m_open || m_response || (m_endAt && !sent.selection))
         return; // the session has gone on
-    if (!outcome.taken || outcome.status == NothingFollows)
+    // A modem that fetches what follows the choice may call the card's status normal all the same.
+    const bool nothingFollows = outcome.status == NothingFollows;
+    if (!outcome.taken || (nothingFollows && !sent.selection))
         sessionEnded();
     else
-        m_endAt = now + IdleTime;
+        m_endAt = now + (nothingFollows ? ShortIdleTime : IdleTime);
 }
 
 // ---- Time ----
