@@ -275,6 +275,7 @@ void AtPort::pinRead(const Answer &answer, Time now)
     const int error = answer.error();
     if (error == NoSim || error == SimFailure || error == SimWrong || isMissing(state)) {
         tell(NoticeId::ModemNoSim);
+        m_early.clear(); // it was that card's
         cardIsGone(now);
     } else if (error == SimBusy || state == "NOT READY") {
         if (!isInUse())
@@ -318,7 +319,7 @@ std::string AtPort::withDigits(const std::string &name, const char *before,
 {
     constexpr char Digits[] = "0123456789ABCDEF";
     std::string command;
-    command.reserve(32 + 2 * data.size()); // no copy of an answer is to stay behind
+    command.reserve(32 + name.size() + 2 * data.size()); // no copy of an answer is to stay behind
     command.append("AT").append(name).append("=").append(before);
     if (m_quotes)
         command += '"';
