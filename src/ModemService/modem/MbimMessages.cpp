@@ -74,7 +74,8 @@ std::string inWords(const MbimLink::Result &result)
     const guint8 *const data =
         mbim_message_command_done_get_raw_information_buffer(result.message, &size);
     const bool isSupport = size == MbimSupport::Types &&
-        mbim_message_command_done_get_service(result.message) == MBIM_SERVICE_STK;
+        mbim_message_command_done_get_service(result.message) == MBIM_SERVICE_STK &&
+        mbim_message_command_done_get_cid(result.message) == MBIM_CID_STK_PAC;
     return name + ": done" + (isSupport ? ", " + cat::toHex({data, size}) : "");
 }
 
@@ -141,7 +142,7 @@ std::optional<CardState> cardStateNotified(const MbimMessage &notification)
 
 PinState pinStateIn(const MbimMessage &answer)
 {
-    constexpr guint32 Unknown = 0xffffffff;
+    constexpr guint32 MostTries = 15; // of a card; what is more is no number of them
     MbimPinType type = MBIM_PIN_TYPE_UNKNOWN;
     MbimPinState state = MBIM_PIN_STATE_UNLOCKED;
     guint32 tries = 0;
@@ -149,7 +150,7 @@ PinState pinStateIn(const MbimMessage &answer)
         state != MBIM_PIN_STATE_LOCKED)
         return {};
     if (type == MBIM_PIN_TYPE_PIN1 && tries != 0)
-        return {PinState::Wanted, tries == Unknown ? 0 : static_cast<int>(tries)};
+        return {PinState::Wanted, tries > MostTries ? 0 : static_cast<int>(tries)};
     const bool isCards = type == MBIM_PIN_TYPE_PIN1 || type == MBIM_PIN_TYPE_PUK1;
     return {isCards ? PinState::Blocked : PinState::Free};
 }
