@@ -280,9 +280,7 @@ void MbimPort::supportRead(const Result &result)
         return;
     const auto support = result.isDone() ? MbimMessages::supportIn(*result.message) : std::nullopt;
     m_support = support.value_or(MbimSupport());
-    if (!m_support.isFree(SetUpMenuType))
-        tell(NoticeId::ModemKeepsMenu);
-    else if (m_support.isDecimal())
+    if (m_support.isDecimal())
         tell(NoticeId::ModemCountsDecimally);
     go(Step::ReadEnvelopes);
 }
@@ -314,7 +312,8 @@ void MbimPort::tookOver(const Result &result)
     const std::string kept = keptByModem(m_types, m_support);
     if (!kept.empty())
         tell(NoticeId::ModemKeepsCommands, kept);
-    if (!m_support.isHosts(SetUpMenuType))
+    m_keepsMenu = !m_support.isHosts(SetUpMenuType);
+    if (m_keepsMenu)
         tell(NoticeId::ModemKeepsMenu);
     m_toolkit.run(m_now);
 }
@@ -336,7 +335,7 @@ void MbimPort::notified(const MbimMessage &message)
 void MbimPort::takeCommand(const MbimMessage &notification)
 {
     const auto notified = MbimMessages::commandNotified(notification);
-    if (!notified)
+    if (!notified || notified->command.empty())
         tell(NoticeId::ModemUnreadable);
     else if (isInUse() && !isStartingAnew()) // else the card sends it again
         m_toolkit.commandArrived(notified->command, notified->wantsAnswer, m_now);

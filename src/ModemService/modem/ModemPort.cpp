@@ -63,7 +63,7 @@ void ModemPort::close()
     m_toolkit.forget();
     m_withoutPin.reset();
     m_silences = 0;
-    m_restart = m_switchedOff = m_refusesToolkit = false;
+    m_restart = m_switchedOff = m_refusesToolkit = m_keepsMenu = false;
 }
 
 void ModemPort::lose(Time now)
@@ -205,6 +205,7 @@ void ModemPort::tellMissingMenu()
 {
     tell(m_withoutPin == NoticeId::PinBlocked       ? NoticeId::NoMenuPinBlocked
              : m_withoutPin == NoticeId::PinLeftOut ? NoticeId::NoMenuPinLeftOut
+             : m_keepsMenu                          ? NoticeId::ModemKeepsMenu
              : m_refusesToolkit                     ? NoticeId::ModemRefusesToolkit
                                                     : NoticeId::ModemNoMenu);
 }

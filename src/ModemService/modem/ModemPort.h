@@ -109,6 +109,7 @@ protected:
     bool m_taken = false; // the toolkit, as far as anybody knows
     bool m_switchedOff = false; // the card, or about to be
     bool m_refusesToolkit = false; // the modem, whatever it was asked for it
+    bool m_keepsMenu = false; // the modem, for itself
 
 private:
     enum class Place {
