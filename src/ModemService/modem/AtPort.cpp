@@ -110,7 +110,7 @@ void AtPort::disconnect(bool taken)
 // has switched the card off, and the network with it, must switch it on again.
 void AtPort::giveBack(bool taken)
 {
-    constexpr milliseconds Moment(300), SwitchTime(2000);
+    constexpr milliseconds Moment(300), SwitchTime(2500);
     const auto isDone = [&](const std::string &command) {
         return m_channel.write(command) && m_channel.isAnswered(Moment);
     };
@@ -118,8 +118,8 @@ void AtPort::giveBack(bool taken)
         !m_channel.isWaiting() || m_channel.isAnswered(m_switchedOff ? SwitchTime : Moment);
     if (isFree && taken && isDone(withDigits(m_dialect.profileWrite, "0,", {})))
         isDone("AT" + m_dialect.download + "=0");
-    if (m_switchedOff)
-        isDone(SwitchOn);
+    if (m_switchedOff && isDone(SwitchOn) && !isFree)
+        m_channel.isAnswered(Moment); // that was the answer to what was said before
 }
 
 // ---- Lines ----
