@@ -3,7 +3,7 @@
 using CardHost::ModemState;
 using CardHost::Notice;
 
-const char *headlineId(ModemState state, const Notice *problem, bool asksPin)
+const char *headlineId(ModemState state, const Notice *problem, bool asksPin, bool awaitsMenu)
 {
     if (asksPin)
         return "IDS_CM_STATE_WAITING_PIN";
@@ -19,7 +19,7 @@ const char *headlineId(ModemState state, const Notice *problem, bool asksPin)
         return problem->awaited == Notice::Awaited::Modem ? "IDS_CM_STATE_WAITING_MODEM"
                                                           : "IDS_CM_STATE_WAITING";
     case ModemState::Ready:
-        return "IDS_CM_STATE_READY";
+        return awaitsMenu ? "IDS_CM_STATE_WAITING_TOOLKIT" : "IDS_CM_STATE_READY";
     case ModemState::Busy:
         return "IDS_CM_STATE_BUSY";
     case ModemState::NoCard:

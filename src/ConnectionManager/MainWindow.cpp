@@ -472,12 +472,14 @@ void MainWindow::refreshTexts()
         problem = nullptr;
     }
     m_icon->setPixmap(ModemIcon::forState(m_state, StateIconSize, devicePixelRatioF()));
-    m_stateLabel->setText(text(headlineId(m_state, problem, pinDialog())));
+    // A modem that has said nothing yet is not ready, and a notice tells where there is no menu.
+    const bool awaitsMenu = m_source && !m_hasMenu && !problem;
+    m_stateLabel->setText(text(headlineId(m_state, problem, pinDialog(), awaitsMenu)));
     if (m_source)
         m_source->setAnswering(toolkit);
     m_cardLabel->setText(cardLine());
     m_toolkit->setEnabled(toolkit && m_hasMenu);
-    m_toolkitButton->follow(toolkit, m_hasMenu);
+    m_toolkitButton->follow(toolkit && !awaitsMenu, m_hasMenu);
     const bool inModem = m_source == m_modems; // nobody plays its network
     m_remove->setEnabled(toolkit && !inModem);
     m_insert->setEnabled(m_state == ModemState::Removed && !inModem);
