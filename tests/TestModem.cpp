@@ -476,7 +476,7 @@ TEST_F(AtPortTest, answersOnceAndInAnyDialect)
          {{"AT+CUSATT", {""}}},
          command,
          1,
-         {"command 15", "IDS_CM_NOTICE_MODEM_SILENT", "end"}},
+         {"command 15", "IDS_CM_NOTICE_MODEM_SILENT", "IDS_CM_NOTICE_MODEM_ANSWERS", "end"}},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.what);

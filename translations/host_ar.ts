@@ -574,6 +574,10 @@
         <translation>%1: المودم لا يستجيب</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1: عاد المودم إلى الاستجابة</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1: أرسل المودم أمراً لا يمكن قراءته</translation>
     </message>

@@ -574,6 +574,10 @@
         <translation>%1: Das Modem antwortet nicht</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1: Das Modem antwortet wieder</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1: Das Modem hat einen unlesbaren Befehl geschickt</translation>
     </message>

@@ -574,6 +574,10 @@
         <translation>%1: the modem does not answer</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1: the modem answers again</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1: the modem sent a command that cannot be read</translation>
     </message>

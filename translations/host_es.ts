@@ -574,6 +574,10 @@
         <translation>%1: el módem no responde</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1: el módem vuelve a responder</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1: el módem envió una orden ilegible</translation>
     </message>

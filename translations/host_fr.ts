@@ -574,6 +574,10 @@
         <translation>%1 : le modem ne répond pas</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1 : le modem répond de nouveau</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1 : le modem a envoyé une commande illisible</translation>
     </message>

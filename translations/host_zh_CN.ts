@@ -574,6 +574,10 @@
         <translation>%1：调制解调器无应答</translation>
     </message>
     <message>
+        <source>IDS_CM_NOTICE_MODEM_ANSWERS</source>
+        <translation>%1：调制解调器已恢复应答</translation>
+    </message>
+    <message>
         <source>IDS_CM_NOTICE_MODEM_UNREADABLE</source>
         <translation>%1：调制解调器发送了无法读取的命令</translation>
     </message>

@@ -238,6 +238,8 @@ void ModemPort::answered(ModemToolkit::Outcome outcome, Reaction reaction, Time 
 bool ModemPort::isWorthAsking(bool hasAnswered)
 {
     m_silences = hasAnswered ? 0 : m_silences + 1;
+    if (hasAnswered && m_trouble == noticeOf(NoticeId::ModemSilent, {m_device}).text)
+        tell(NoticeId::ModemAnswers);
     if (m_silences < MostSilences)
         return true;
     tell(NoticeId::ModemSilent);

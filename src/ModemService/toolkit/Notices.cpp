@@ -79,6 +79,7 @@ constexpr NoticeRow NoticeRows[] = {
     {NoticeId::ModemGone, true, "IDS_CM_NOTICE_MODEM_GONE", "%1: the modem is gone", Modem},
     {NoticeId::ModemSilent, true, "IDS_CM_NOTICE_MODEM_SILENT", "%1: the modem does not answer",
      Modem},
+    {NoticeId::ModemAnswers, false, "IDS_CM_NOTICE_MODEM_ANSWERS", "%1: the modem answers again"},
     {NoticeId::ModemUnreadable, true, "IDS_CM_NOTICE_MODEM_UNREADABLE",
      "%1: the modem sent a command that cannot be read"},
     {NoticeId::ModemNoSim, true, "IDS_CM_NOTICE_MODEM_NO_SIM",

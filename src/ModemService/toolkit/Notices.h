@@ -47,6 +47,7 @@ enum class NoticeId {
     ModemInUseBy, ///< and the programs
     ModemGone,
     ModemSilent,
+    ModemAnswers,
     ModemUnreadable,
     ModemNoSim,
     ModemRefusesPin,
