@@ -235,8 +235,9 @@ void MainWindow::openToolkit()
         showNote(text("IDS_CM_TOOLKIT_FAILED"));
         return;
     }
-    if (!m_panelOffered)
-        m_panel->showBeside(this);
+    if (m_panelOffered || m_source == m_modems) // nobody plays a modem's network
+        return;
+    m_panel->showBeside(this);
     m_panelOffered = true;
 }
 
