@@ -108,7 +108,8 @@ void MbimLink::isOpened(GObject *source, GAsyncResult *result, gpointer data)
     if (!call)
         return;
     link->m_open = opened;
-    call->done({nullptr, std::nullopt, opened ? "" : holder.error->message});
+    const bool timedOut = g_error_matches(holder.error, MBIM_CORE_ERROR, MBIM_CORE_ERROR_TIMEOUT);
+    call->done({nullptr, std::nullopt, opened ? "" : holder.error->message, timedOut});
 }
 
 void MbimLink::command(Message message, std::chrono::seconds patience, Done done)

@@ -20,6 +20,7 @@ public:
         const MbimMessage *message = nullptr; ///< the answer, where there is one
         std::optional<int> status; ///< MbimStatus; nothing where the modem did not answer
         std::string error; ///< empty: it was done
+        bool timedOut = false;
 
         bool isDone() const { return error.empty(); }
     };

@@ -200,7 +200,10 @@ void MbimPort::opened(const Result &result)
 {
     if (result.isDone())
         return go(Step::ReadServices);
-    tell(NoticeId::ModemNotOpened, result.error);
+    if (result.timedOut)
+        tell(NoticeId::ModemSilent);
+    else
+        tell(NoticeId::ModemNotOpened, result.error);
     m_lost = true;
 }
 
