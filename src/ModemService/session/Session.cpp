@@ -359,6 +359,9 @@ std::optional<SessionThread::Pause> Session::work()
     std::optional<CardEvent> event = card ? card->nextEvent(Card::Clock::now()) : std::nullopt;
     if (card)
         pause = {card->wakeUp(), card->descriptor()};
+    // A command that the terminal cannot hear yet is not there yet for anybody.
+    if (event && std::holds_alternative<ProactiveCommand>(*event))
+        m_callbacks.holdBack();
     bool rests = false;
     tellWhat([&]() -> std::optional<Word> {
         if (event)
