@@ -104,6 +104,9 @@ public:
             }
         }
         card.join();
+        // What still waits may open windows, within this very wait: the user closes them.
+        for (int i = 0; i < 1000 && (m_waiting > 0 || QApplication::activeModalWidget()); ++i)
+            QTest::qWait(10);
         m_stopped = true;
     }
 
@@ -264,6 +267,7 @@ private:
         if (Clock::now() >= m_end) { // the event loops of all windows have to unwind
             if (top)
                 top->close();
+            STKLogic::OnSTKEventCB(0, nullptr); // a wait for the card ends, and lets its window go
         } else if (!table && (!top || m_user.once(20))) {
             openToolkit();
         } else if (top) {
