@@ -137,7 +137,7 @@ TEST_F(ReaderTest, isPulledOutAtEachStep)
         ASSERT_TRUE(end) << "life " << lives;
         // The removal ends the session, too.
         const bool ended = end->type == End;
-        const auto taken = card.waitFor("taken out", ended ? 300ms : 1s);
+        const auto taken = card.waitFor("taken out", 2s);
         if (ended && !taken)
             break;
         ASSERT_TRUE(taken) << "life " << lives;
