@@ -28,12 +28,13 @@ PortTraits ModemPort::traits() const
 
 void ModemPort::tell(NoticeId id, const std::string &argument)
 {
-    std::vector<std::string> arguments{m_device};
+    Trouble trouble{id, {m_device}};
     if (!argument.empty())
-        arguments.push_back(argument);
-    const Notice notice = noticeOf(id, std::move(arguments));
-    if (std::exchange(m_trouble, notice.text) != notice.text)
-        m_reports.noticed(notice);
+        trouble.second.push_back(argument);
+    if (m_trouble == trouble)
+        return;
+    m_trouble = trouble;
+    m_reports.noticed(noticeOf(id, std::move(trouble.second)));
 }
 
 // ---- Presence ----
@@ -42,7 +43,7 @@ void ModemPort::open(PortEvents &events, Time now)
 {
     m_events = &events;
     m_toolkit.open(events);
-    m_trouble.clear();
+    m_trouble.reset();
     m_place = Place::Awaited;
     goTo(Stage::Modem, now);
 }
@@ -100,7 +101,7 @@ bool ModemPort::isDevice(bool maySerial, Time now)
 
 void ModemPort::cardIsThere(Time now)
 {
-    m_trouble.clear();
+    m_trouble.reset();
     m_place = Place::Announced;
     m_events->arrived(now);
 }
@@ -139,7 +140,7 @@ void ModemPort::restart(Time now)
     endPinRequest();
     m_withoutPin.reset();
     m_toolkit.forget();
-    m_trouble.clear(); // what is in the way then is worth telling again
+    m_trouble.reset(); // what is in the way then is worth telling again
     m_restart = true;
     m_stepAt = now;
 }
@@ -226,7 +227,7 @@ void ModemPort::answered(ModemToolkit::Outcome outcome, Reaction reaction, Time 
     if (reaction == Reaction::Busy && m_toolkit.sendLater(now))
         return;
     if (outcome.taken)
-        m_trouble.clear();
+        m_trouble.reset();
     else if (reaction == Reaction::Silent)
         tell(NoticeId::ModemSilent);
     else if (!m_toolkit.sending().empty())
@@ -238,7 +239,7 @@ void ModemPort::answered(ModemToolkit::Outcome outcome, Reaction reaction, Time 
 bool ModemPort::isWorthAsking(bool hasAnswered)
 {
     m_silences = hasAnswered ? 0 : m_silences + 1;
-    if (hasAnswered && m_trouble == noticeOf(NoticeId::ModemSilent, {m_device}).text)
+    if (hasAnswered && m_trouble && m_trouble->first == NoticeId::ModemSilent)
         tell(NoticeId::ModemAnswers);
     if (m_silences < MostSilences)
         return true;

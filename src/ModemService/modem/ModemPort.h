@@ -4,6 +4,8 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "ModemToolkit.h"
 #include "toolkit/Notices.h"
@@ -119,11 +121,13 @@ private:
         InUse
     };
 
+    using Trouble = std::pair<NoticeId, std::vector<std::string>>; // and the notice's arguments
+
     void endPinRequest();
 
     Place m_place = Place::Closed;
     bool m_restart = false; // once nothing is on its way
-    std::string m_trouble; // what was in the way, as told last
+    std::optional<Trouble> m_trouble; // what was in the way, as told last
     int m_silences = 0; // in a row
     std::optional<int> m_pinRequest;
     int m_pinReadings = 0; // left, until a PIN that was taken must have had its effect
