@@ -15,10 +15,9 @@ constexpr int MaxLines = 5000;
 QString shownText(const CardHost::TranscriptEntry &entry)
 {
     static const QRegularExpression asked("refused: MOVA_STKSrv_GetMainMenu: .* \\(-([123])\\)$");
-    QString line = QString::fromStdString(entry.text);
-    // What is said with a modem is for whoever looks for a fault, with the transcript's file.
-    if (entry.json.find("\"event\":\"spoken\"") != std::string::npos)
+    if (entry.isDialogue) // that is for the transcript's file
         return QString();
+    QString line = QString::fromStdString(entry.text);
     const QRegularExpressionMatch match = asked.match(line);
     if (match.hasMatch() && match.captured(1).toInt() != -StatusNoMenu)
         return QString();

@@ -22,6 +22,7 @@ namespace CardHost {
 struct TranscriptEntry {
     std::string text; ///< for people: UTF-8, one line, no line feed at its end
     std::string json; ///< the same for programs: one JSON object, one line, no line feed at its end
+    bool isDialogue = false; ///< what is said with a modem: for whoever looks for a fault
 };
 
 /// What the modem says of itself.

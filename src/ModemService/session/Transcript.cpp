@@ -16,6 +16,7 @@ struct Transcript::Line {
     const char *road; // who tells whom
     std::string text;
     Json json;
+    bool isDialogue = false;
 };
 
 namespace {
@@ -361,7 +362,8 @@ void Transcript::spoken(bool byModem, const std::string &line)
         return;
     append({byModem ? FromModem : ToModem,
             oneLine(line),
-            {{"event", "spoken"}, {"by", byModem ? "modem" : "host"}, {"line", line}}});
+            {{"event", "spoken"}, {"by", byModem ? "modem" : "host"}, {"line", line}},
+            true});
 }
 
 void Transcript::append(const Line &line)
@@ -370,7 +372,8 @@ void Transcript::append(const Line &line)
     Json json = {{"time", date}};
     json.update(line.json);
     CardHost::TranscriptEntry entry{text + "  " + line.road + "  " + line.text,
-                                    json.dump(-1, ' ', false, Json::error_handler_t::replace)};
+                                    json.dump(-1, ' ', false, Json::error_handler_t::replace),
+                                    line.isDialogue};
     std::lock_guard<std::mutex> lock(m_mutex);
     m_entries.push_back(std::move(entry));
 }
